@@ -19,6 +19,7 @@ CanvasView *viewOf(const NodeItem *node)
     return views.isEmpty() ? nullptr : qobject_cast<CanvasView *>(views.first());
 }
 
+/// A node as an item of a list, which most screen readers announce best.
 class NodeAccess final : public QAccessibleObject, public QAccessibleActionInterface
 {
 public:
@@ -46,6 +47,7 @@ public:
         return state;
     }
 
+    /// The name alone while the user moves, the description on request.
     QString text(QAccessible::Text kind) const override
     {
         return kind == QAccessible::Name          ? node()->id()
@@ -53,6 +55,7 @@ public:
                                                   : QString();
     }
 
+    /// On the screen, for magnifiers that follow the focus.
     QRect rect() const override
     {
         const CanvasView *const view = viewOf(node());
@@ -71,6 +74,7 @@ public:
     }
 
     QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+    /// Pressing a node is the same as Enter.
     void doAction(const QString &name) override
     {
         if (CanvasView *const view = viewOf(node())) {
@@ -120,6 +124,7 @@ private:
     CanvasView *view() const { return static_cast<CanvasView *>(widget()); }
 };
 
+/// Called by Qt for every object until a factory knows it.
 QAccessibleInterface *makeAccess(const QString &, QObject *object)
 {
     if (auto *const node = qobject_cast<NodeItem *>(object)) {

@@ -5,6 +5,7 @@ namespace corvanta::studio {
 
 namespace {
 
+/// A colour between two; `share` 0 gives the first, 1 the second.
 QColor mixed(const QColor &a, const QColor &b, double share)
 {
     const auto channel = [&](int x, int y) { return qRound(x + (y - x) * share); };
@@ -13,12 +14,13 @@ QColor mixed(const QColor &a, const QColor &b, double share)
 
 } // namespace
 
+// The background differs from the nodes, so that they are seen without their borders.
 CanvasColors::CanvasColors(const QPalette &palette)
     : m_isDark(palette.color(QPalette::Base).lightness() < 128)
     , m_background(m_isDark
                        ? palette.color(QPalette::Base).darker(115)
                        : mixed(palette.color(QPalette::Base), palette.color(QPalette::Window), 0.6))
-    , m_grid(mixed(m_background, palette.color(QPalette::Text), 0.14))
+    , m_grid(mixed(m_background, palette.color(QPalette::Text), 0.09))
     , m_node(m_isDark ? palette.color(QPalette::Base).lighter(125) : palette.color(QPalette::Base))
     , m_border(mixed(m_node, palette.color(QPalette::Text), 0.55))
     , m_text(palette.color(QPalette::Text))
@@ -28,6 +30,7 @@ CanvasColors::CanvasColors(const QPalette &palette)
 {
 }
 
+// Only results have colours of their own; canvas_test checks their contrast.
 QColor CanvasColors::of(NodeState state) const
 {
     switch (state) {

@@ -190,6 +190,10 @@ TEST_F(Canvas, EverythingIsPossibleWithTheKeyboard)
     EXPECT_TRUE(isLinked(m_in, m_out));
     key(Qt::Key_K);
     EXPECT_EQ(m_view.selectedLinks().size(), 1);
+    key(Qt::Key_L);
+    key(Qt::Key_Return);
+    EXPECT_TRUE(isLinked(m_in, m_sort)) << m_message.toStdString();
+    key(Qt::Key_K);
     key(Qt::Key_Delete);
     EXPECT_TRUE(m_document.links().isEmpty());
     m_view.showAction(m_sort);
@@ -232,6 +236,12 @@ TEST_F(Canvas, ANewActionIsAskedForWhereALinkEndsInTheOpen)
     QTest::keyClicks(field, u"excel"_s);
     EXPECT_GT(list->count(), 0);
     QTest::keyClick(field, Qt::Key_Escape);
+    // A double click on a link inserts.
+    const QPointF middle = scene().links()[0]->path().pointAtPercent(0.5);
+    mouse(QEvent::MouseButtonDblClick, middle);
+    QTest::keyClicks(field, u"select"_s);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_TRUE(isLinked(m_sort, u"select"_s) && isLinked(u"select"_s, u"filter"_s));
 }
 
 TEST_F(Canvas, DroppedActionsAndFilesAreAdded)

@@ -48,6 +48,7 @@ QPointF directionOf(int key)
     }
 }
 
+/// The files of a drop; other URLs are ignored.
 QStringList localFiles(const QMimeData *data)
 {
     QStringList files;
@@ -66,6 +67,7 @@ bool isGraphFile(const QString &file)
 
 } // namespace
 
+// The scene does the work with the mouse; its signals are those of the view.
 CanvasView::CanvasView(GraphDocument &document, QWidget *parent)
     : QGraphicsView(parent)
     , m_document(document)
@@ -92,6 +94,7 @@ CanvasView::CanvasView(GraphDocument &document, QWidget *parent)
     connect(m_scene, &GraphScene::message, this, &CanvasView::message);
     connect(m_scene, &GraphScene::activated, this, &CanvasView::activated);
     connect(m_scene, &GraphScene::actionWanted, this, &CanvasView::askForAction);
+    connect(m_scene, &GraphScene::insertionWanted, this, &CanvasView::askForInsertion);
     for (const auto signal : {&GraphDocument::actionAdded, &GraphDocument::moved}) {
         connect(&document, signal, this, &CanvasView::growScene);
     }
@@ -108,6 +111,7 @@ QString CanvasView::actionMimeType()
     return u"application/x-corvanta-action"_s;
 }
 
+// The focus moves too, so that keys and screen readers follow.
 void CanvasView::showAction(const QString &id)
 {
     if (NodeItem *const node = m_scene->node(id)) {
@@ -116,6 +120,7 @@ void CanvasView::showAction(const QString &id)
     }
 }
 
+// Downwards from the middle, where the user looks.
 QPointF CanvasView::freePosition() const
 {
     const QPointF center = mapToScene(viewport()->rect().center());
@@ -133,10 +138,11 @@ QPointF CanvasView::freePosition() const
     return place;
 }
 
+// Below the smallest zoom nothing can be recognised.
 void CanvasView::zoomBy(double factor)
 {
-    const double now = qBound(kMinZoom, zoom() * factor, kMaxZoom);
-    scale(now / zoom(), now / zoom());
+    const double change = qBound(kMinZoom, zoom() * factor, kMaxZoom) / zoom();
+    scale(change, change);
 }
 
 void CanvasView::zoomReset()
@@ -170,16 +176,19 @@ void CanvasView::setOverviewShown(bool isShown)
     placeOverview();
 }
 
+// Not what is visible, but all of it.
 bool CanvasView::exportTo(const QString &file, QString *why)
 {
     return exportGraph(*m_scene, file, why);
 }
 
+// One step for everything.
 void CanvasView::removeSelection()
 {
     m_document.remove(m_scene->selectedIds(), m_scene->selectedLinks());
 }
 
+/// Keys while a link is drawn; no other key has an effect then.
 bool CanvasView::keyOfLinkDrag(QKeyEvent *event)
 {
     LinkDrag &drag = m_scene->linkDrag();
@@ -206,6 +215,25 @@ bool CanvasView::keyOfLinkDrag(QKeyEvent *event)
     default:
         return true;
     }
+}
+
+/// Keys that concern the selected link.
+bool CanvasView::keyOfLink(const QKeyEvent *event)
+{
+    const QVector<LinkRef> links = m_scene->selectedLinks();
+    if (links.size() != 1 || !m_scene->currentId().isEmpty()) {
+        return false;
+    }
+    if (event->key() == Qt::Key_L) {
+        m_scene->linkDrag().beginReroute(links.first());
+        return true;
+    }
+    if (event->key() == Qt::Key_Space) {
+        const LinkItem *const item = m_scene->link(links.first());
+        askForInsertion(links.first(), item->path().pointAtPercent(0.5));
+        return true;
+    }
+    return false;
 }
 
 /// Keys that concern the current action.
@@ -235,9 +263,10 @@ bool CanvasView::keyOfCurrent(const QKeyEvent *event)
     }
 }
 
+// Commands with shortcuts, such as copy, belong to the window.
 void CanvasView::keyPressEvent(QKeyEvent *event)
 {
-    if (keyOfLinkDrag(event) || keyOfCurrent(event)) {
+    if (keyOfLinkDrag(event) || keyOfCurrent(event) || keyOfLink(event)) {
         return;
     }
     const bool isArrow = !directionOf(event->key()).isNull();
@@ -336,6 +365,7 @@ bool CanvasView::focusNextPrevChild(bool next)
     return true;
 }
 
+// Half steps of fine wheels zoom by half as much.
 void CanvasView::wheelEvent(QWheelEvent *event)
 {
     if (!event->modifiers().testFlag(Qt::ControlModifier)) {
@@ -347,6 +377,7 @@ void CanvasView::wheelEvent(QWheelEvent *event)
     event->accept();
 }
 
+// The middle button moves the view, whatever is below it.
 void CanvasView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::MiddleButton) {
@@ -380,6 +411,7 @@ void CanvasView::mouseReleaseEvent(QMouseEvent *event)
     QGraphicsView::mouseReleaseEvent(event);
 }
 
+/// Whether something of a drop can be used.
 bool CanvasView::isAcceptable(const QMimeData *data) const
 {
     if (data->hasFormat(actionMimeType())) {
@@ -396,6 +428,7 @@ void CanvasView::dragEnterEvent(QDragEnterEvent *event)
     event->setAccepted(isAcceptable(event->mimeData()));
 }
 
+// The link that would get the action is marked.
 void CanvasView::dragMoveEvent(QDragMoveEvent *event)
 {
     event->setAccepted(isAcceptable(event->mimeData()));
@@ -410,6 +443,7 @@ void CanvasView::dragLeaveEvent(QDragLeaveEvent *event)
     event->accept();
 }
 
+// On a link, an action is inserted into it.
 void CanvasView::dropEvent(QDropEvent *event)
 {
     const QPointF place = mapToScene(event->position().toPoint());
@@ -438,11 +472,23 @@ void CanvasView::dropEvent(QDropEvent *event)
     }
 }
 
+/// Show the search field at a place of the scene.
 void CanvasView::askForAction(const PinRef &from, QPointF place)
 {
     const QPoint at = viewport()->mapToGlobal(mapFromScene(place));
     m_quickAdd->ask(at, !from.action.isEmpty(),
                     [this, from, place](const QString &type) { addAsked(type, from, place); });
+}
+
+/// The same for an action in the middle of a link.
+void CanvasView::askForInsertion(const LinkRef &link, QPointF place)
+{
+    m_quickAdd->ask(viewport()->mapToGlobal(mapFromScene(place)), true,
+                    [this, link](const QString &type) {
+                        QString why;
+                        const QString id = m_document.addActionIntoLink(type, link, &why);
+                        id.isEmpty() ? Q_EMIT message(why) : showAction(id);
+                    });
 }
 
 /// Add the action, and link it if it was asked for from an output.
@@ -459,6 +505,7 @@ void CanvasView::addAsked(const QString &type, const PinRef &from, QPointF place
     showAction(id);
 }
 
+// The grid is drawn while nodes keep to it, but not so far away that it would fill the view.
 void CanvasView::drawBackground(QPainter *painter, const QRectF &area)
 {
     const CanvasColors colors(palette());
@@ -484,6 +531,7 @@ void CanvasView::resizeEvent(QResizeEvent *event)
     placeOverview();
 }
 
+// Colours and fonts are read while drawing.
 void CanvasView::changeEvent(QEvent *event)
 {
     QGraphicsView::changeEvent(event);
@@ -492,13 +540,13 @@ void CanvasView::changeEvent(QEvent *event)
     }
 }
 
+/// Keep the overview in the lower right corner.
 void CanvasView::placeOverview()
 {
-    const QRect area = viewport()->geometry();
-    const QSize size = m_overview->sizeHint();
-    m_overview->setGeometry(QRect(area.bottomRight() - QPoint(size.width() + kOverviewMargin,
-                                                              size.height() + kOverviewMargin),
-                                  size));
+    QRect place(QPoint(), m_overview->sizeHint());
+    place.moveBottomRight(viewport()->geometry().bottomRight() -
+                          QPoint(kOverviewMargin, kOverviewMargin));
+    m_overview->setGeometry(place);
 }
 
 } // namespace corvanta::studio

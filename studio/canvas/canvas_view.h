@@ -2,9 +2,10 @@
 //
 // Mouse: drag from pin to pin adds a link, the end of a link to another pin re-routes it, a node
 // onto a link inserts it; the wheel scrolls, with Ctrl it zooms; the middle button moves the
-// view. A double click on the background asks for an action.
+// view. A double click asks for an action.
 // Keyboard: Tab goes from node to node, arrows move the selected nodes, Alt+arrows follow links,
-// L draws a link, K goes from link to link, Enter edits, Delete removes, Space asks for an action.
+// L draws a link or re-routes the selected one, K goes from link to link, Enter edits, Delete
+// removes, Space asks for an action.
 // Threads: the GUI thread.
 #pragma once
 #include "studio/canvas/graph_scene.h"
@@ -32,6 +33,7 @@ public:
 
     QStringList selectedIds() const { return m_scene->selectedIds(); }
     QVector<LinkRef> selectedLinks() const { return m_scene->selectedLinks(); }
+    /// Select these actions and nothing else.
     void select(const QStringList &ids) { m_scene->select(ids); }
     /// Select an action, scroll to it, and give it the focus.
     void showAction(const QString &id);
@@ -40,15 +42,20 @@ public:
 
     void zoomIn() { zoomBy(kZoomStep); }
     void zoomOut() { zoomBy(1 / kZoomStep); }
+    /// To 100 %.
     void zoomReset();
     /// Show the whole graph, not larger than at 100 %.
     void zoomFit();
+    /// 1 is 100 %.
     double zoom() const { return transform().m11(); }
+    /// Show the whole graph in a corner; it is hidden at first.
     void setOverviewShown(bool isShown);
+    /// Whether dragged nodes keep to the grid, as they do at first; Alt leaves it.
     void setSnapping(bool snaps) { m_scene->setSnapping(snaps); }
     /// Write the whole graph as SVG, PNG or PDF, after the extension of `file`. Returns false with
     /// the reason.
     bool exportTo(const QString &file, QString *why);
+    /// Remove the selected actions and links.
     void removeSelection();
 
     /// The type of an action that is dragged from a palette, in UTF-8.
@@ -61,6 +68,7 @@ Q_SIGNALS:
     void message(const QString &text);
     /// The user wants to edit this action.
     void activated(const QString &id);
+    /// F2 on an action.
     void renameWanted(const QString &id);
     /// A graph file was dropped.
     void graphDropped(const QString &file);
@@ -84,11 +92,13 @@ private:
     void zoomBy(double factor);
     void growScene();
     bool keyOfLinkDrag(QKeyEvent *event);
+    bool keyOfLink(const QKeyEvent *event);
     bool keyOfCurrent(const QKeyEvent *event);
     bool goToNeighbour(int key);
     void moveSelection(int key);
     void goToNextLink();
     void askForAction(const PinRef &from, QPointF place);
+    void askForInsertion(const LinkRef &link, QPointF place);
     void addAsked(const QString &type, const PinRef &from, QPointF place);
     bool isAcceptable(const QMimeData *data) const;
     void placeOverview();

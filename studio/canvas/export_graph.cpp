@@ -22,6 +22,7 @@ namespace {
 constexpr double kMargin = 24;
 constexpr double kPointsPerPixel = 0.75;
 
+/// Draw a part of the scene.
 void render(GraphScene &scene, QPaintDevice *device, const QRectF &target, const QRectF &area)
 {
     QPainter painter(device);
@@ -30,6 +31,7 @@ void render(GraphScene &scene, QPaintDevice *device, const QRectF &target, const
     scene.render(&painter, target, area);
 }
 
+// Texts stay texts, so that other programs can search them.
 QByteArray svgOf(GraphScene &scene, const QRectF &area)
 {
     QBuffer buffer;
@@ -56,6 +58,7 @@ QByteArray pngOf(GraphScene &scene, const QRectF &area)
     return buffer.data();
 }
 
+// One page of the size of the graph.
 QByteArray pdfOf(GraphScene &scene, const QRectF &area)
 {
     QBuffer buffer;
@@ -102,6 +105,7 @@ private:
     QSignalBlocker m_blocker;
 };
 
+/// Replace a file in one step.
 bool writeBytes(const QString &file, const QByteArray &bytes, QString *why)
 {
     TargetFile target;

@@ -1,6 +1,7 @@
 // Follows the signals of the document, and turns the mouse into edits.
 #include "studio/canvas/graph_scene.h"
 
+#include "base/mapped.h"
 #include "studio/canvas/link_drag.h"
 
 #include <QGraphicsSceneHelpEvent>
@@ -12,6 +13,7 @@
 
 namespace corvanta::studio {
 
+// The document is the only source: edits by the user come back as its signals.
 GraphScene::GraphScene(GraphDocument &document, QObject *parent)
     : QGraphicsScene(parent)
     , m_document(document)
@@ -50,6 +52,7 @@ GraphScene::~GraphScene()
     m_drag->cancel();
 }
 
+/// Make all items, for a new or reloaded document.
 void GraphScene::rebuild()
 {
     m_drag->cancel();
@@ -66,6 +69,7 @@ void GraphScene::rebuild()
     showProblems();
 }
 
+// Links are reported later, when both of their nodes exist.
 void GraphScene::addNode(const QString &id)
 {
     auto *const item = new NodeItem(m_document, id); // owned by the scene
@@ -74,6 +78,7 @@ void GraphScene::addNode(const QString &id)
     connect(item, &NodeItem::movedByUser, this, [this, item] { refreshLinksOf(item); });
 }
 
+// A drag may begin at the node.
 void GraphScene::removeNode(const QString &id)
 {
     m_drag->cancel();
@@ -82,8 +87,7 @@ void GraphScene::removeNode(const QString &id)
 
 void GraphScene::renameNode(const QString &oldId, const QString &id)
 {
-    NodeItem *const item = m_nodes.take(oldId);
-    if (item != nullptr) {
+    if (NodeItem *const item = m_nodes.take(oldId)) {
         m_nodes.insert(id, item);
         item->setId(id);
     }
@@ -130,6 +134,7 @@ void GraphScene::refreshLinksOf(const NodeItem *node)
     }
 }
 
+/// Show the state of an action again; its pins may have moved.
 void GraphScene::refreshPins(const QString &id)
 {
     if (NodeItem *const item = node(id)) {
@@ -149,6 +154,7 @@ void GraphScene::showProblems()
     }
 }
 
+// Not itemsBoundingRect(): a link that is being drawn does not count.
 QRectF GraphScene::itemsRect() const
 {
     QRectF area;
@@ -170,34 +176,27 @@ void GraphScene::setSnapping(bool snaps)
 QVector<NodeItem *> GraphScene::orderedNodes() const
 {
     QVector<NodeItem *> all = m_nodes.values();
-    std::sort(all.begin(), all.end(), [](const NodeItem *a, const NodeItem *b) {
-        return std::tuple(a->x(), a->y(), a->id()) < std::tuple(b->x(), b->y(), b->id());
-    });
+    std::ranges::sort(
+        all, {}, [](const NodeItem *item) { return std::tuple(item->x(), item->y(), item->id()); });
     return all;
 }
 
 QStringList GraphScene::selectedIds() const
 {
-    QStringList ids;
-    for (const NodeItem *const item : orderedNodes()) {
-        if (item->isSelected()) {
-            ids << item->id();
-        }
-    }
-    return ids;
+    QVector<NodeItem *> selected = orderedNodes();
+    selected.removeIf([](const NodeItem *item) { return !item->isSelected(); });
+    return mapped<QStringList>(selected, [](const NodeItem *item) { return item->id(); });
 }
 
+// Values, because the items vanish with the links.
 QVector<LinkRef> GraphScene::selectedLinks() const
 {
-    QVector<LinkRef> links;
-    for (const LinkItem *const item : m_links) {
-        if (item->isSelected()) {
-            links.append(item->link());
-        }
-    }
-    return links;
+    QVector<LinkItem *> selected = m_links;
+    selected.removeIf([](const LinkItem *item) { return !item->isSelected(); });
+    return mapped<QVector<LinkRef>>(selected, [](const LinkItem *item) { return item->link(); });
 }
 
+// Keys act on the focus; after a click both are the same.
 QString GraphScene::currentId() const
 {
     const auto *const item = qgraphicsitem_cast<NodeItem *>(focusItem());
@@ -230,6 +229,7 @@ void GraphScene::setCurrent(const QString &id)
     }
 }
 
+// The links of the node that is being dragged follow it, so they are always below it.
 LinkItem *GraphScene::linkAt(QPointF place, const NodeItem *except) const
 {
     for (QGraphicsItem *const item : items(place)) {
@@ -261,6 +261,7 @@ NodeItem *GraphScene::insertable() const
     return selected.size() == 1 ? qgraphicsitem_cast<NodeItem *>(selected.first()) : nullptr;
 }
 
+// Pins and ends of links come before nodes: they are smaller.
 void GraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton && m_drag->beginAt(event->scenePos())) {
@@ -271,6 +272,7 @@ void GraphScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
     QGraphicsScene::mousePressEvent(event);
 }
 
+// A single node that is dragged over a link can be inserted there.
 void GraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
     if (m_drag->isActive()) {
@@ -288,6 +290,7 @@ void GraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     }
 }
 
+// The items have moved already; now the document follows.
 void GraphScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
     if (m_drag->isActive()) {
@@ -323,6 +326,7 @@ void GraphScene::commitMove(const NodeItem *dropped)
     }
 }
 
+// On a node: edit it; on a link: insert an action; on the background: add one.
 void GraphScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
 {
     for (QGraphicsItem *const item : items(event->scenePos())) {
@@ -331,7 +335,12 @@ void GraphScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
             return;
         }
     }
-    if (event->button() == Qt::LeftButton) {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
+    if (const LinkItem *const item = linkAt(event->scenePos())) {
+        Q_EMIT insertionWanted(item->link(), event->scenePos());
+    } else {
         Q_EMIT actionWanted({}, event->scenePos());
     }
 }

@@ -24,6 +24,7 @@ public:
 
     GraphDocument &document() const { return m_document; }
     NodeItem *node(const QString &id) const { return m_nodes.value(id); }
+    /// The item of a link; null if there is none.
     LinkItem *link(const LinkRef &ends) const;
     const QVector<LinkItem *> &links() const { return m_links; }
     /// The nodes from left to right, then from top to bottom: the order of the keyboard.
@@ -37,9 +38,11 @@ public:
 
     // The selection. The current node is the one with the focus, else the only selected one.
 
+    /// In the order of the keyboard.
     QStringList selectedIds() const;
     QVector<LinkRef> selectedLinks() const;
     QString currentId() const;
+    /// Select these nodes and nothing else.
     void select(const QStringList &ids);
     /// Select only this node, and give it the focus.
     void setCurrent(const QString &id);
@@ -56,6 +59,8 @@ Q_SIGNALS:
     /// The user wants an action for the rows of `from`; an empty id: for none. `place` is in the
     /// scene.
     void actionWanted(const corvanta::studio::PinRef &from, QPointF place);
+    /// The user wants to insert an action into a link, at a place in the scene.
+    void insertionWanted(const corvanta::studio::LinkRef &link, QPointF place);
     /// The user wants to edit this action.
     void activated(const QString &id);
     /// The current node or the selection is another one.
@@ -69,6 +74,8 @@ protected:
     void helpEvent(QGraphicsSceneHelpEvent *event) override;
 
 private:
+    // Slots of the document's signals.
+
     void rebuild();
     void addNode(const QString &id);
     void removeNode(const QString &id);
@@ -78,6 +85,8 @@ private:
     void refreshLinksOf(const NodeItem *node);
     void refreshPins(const QString &id);
     void showProblems();
+    // What the mouse has done, as a step.
+
     void commitMove(const NodeItem *dropped);
     NodeItem *insertable() const;
 

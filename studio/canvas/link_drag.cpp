@@ -40,6 +40,7 @@ LinkDrag::LinkDrag(GraphScene &scene)
 
 LinkDrag::~LinkDrag() = default;
 
+// A linked input gives up its link: dragging it elsewhere re-routes the link.
 bool LinkDrag::beginAt(QPointF place)
 {
     if (const NodeItem *const node = nodeAt(m_scene, place)) {
@@ -63,6 +64,7 @@ bool LinkDrag::beginAt(QPointF place)
            beginWithLink(link->link(), link->isNearEnd(place));
 }
 
+/// Begin with a link; its end, or else its start, gets another pin.
 bool LinkDrag::beginWithLink(const LinkRef &link, bool isEndMoved)
 {
     begin(isEndMoved ? link.from : link.to, isEndMoved);
@@ -73,6 +75,7 @@ bool LinkDrag::beginWithLink(const LinkRef &link, bool isEndMoved)
     return true;
 }
 
+/// Begin at a pin that stays.
 void LinkDrag::begin(const PinRef &fixed, bool isOutput)
 {
     cancel();
@@ -86,19 +89,30 @@ void LinkDrag::begin(const PinRef &fixed, bool isOutput)
 void LinkDrag::beginFrom(const PinRef &output)
 {
     begin(output, true);
-    m_targets.clear();
+    offerTargets();
+}
+
+void LinkDrag::beginReroute(const LinkRef &link)
+{
+    beginWithLink(link, true);
+    offerTargets();
+}
+
+/// Only possible targets are offered, so Tab reaches each of them soon.
+void LinkDrag::offerTargets()
+{
     for (const NodeItem *const node : m_scene.orderedNodes()) {
         for (int pin = 0; pin < node->inputs(); ++pin) {
-            if (m_scene.document().canLink(output, {node->id(), pin})) {
+            const Target target = judged({node->id(), pin});
+            if (target.isPossible && target.link != m_rerouted) {
                 m_targets.append({node->id(), pin});
             }
         }
     }
-    m_targetIndex = -1;
     if (m_targets.isEmpty()) {
+        const QString id = m_fixed->action;
         cancel();
-        Q_EMIT m_scene.message(
-            GraphScene::tr("No action can get the rows of “%1”.").arg(output.action));
+        Q_EMIT m_scene.message(GraphScene::tr("No other action can get the rows of “%1”.").arg(id));
     } else {
         nextTarget(1);
     }
@@ -117,6 +131,7 @@ void LinkDrag::nextTarget(int step)
             .arg(m_fixed->action, QString::number(pin.pin), pin.action));
 }
 
+// Enter before a target is chosen has no effect.
 void LinkDrag::accept()
 {
     if (m_targetIndex >= 0) {
@@ -124,6 +139,7 @@ void LinkDrag::accept()
     }
 }
 
+/// Where the end that stays is.
 QPointF LinkDrag::fixedPosition() const
 {
     const NodeItem *const node = m_scene.node(m_fixed->action);
@@ -142,6 +158,7 @@ PinRef LinkDrag::bestPin(const NodeItem &node) const
     return {node.id(), 0};
 }
 
+/// The link with a pin as its other end, and whether it is possible.
 LinkDrag::Target LinkDrag::judged(const PinRef &other) const
 {
     Target target;
@@ -153,6 +170,7 @@ LinkDrag::Target LinkDrag::judged(const PinRef &other) const
     return target;
 }
 
+// The own node is not a target, so that a click on a pin has no effect.
 LinkDrag::Target LinkDrag::targetAt(QPointF place) const
 {
     const NodeItem *const node = nodeAt(m_scene, place);
@@ -164,6 +182,7 @@ LinkDrag::Target LinkDrag::targetAt(QPointF place) const
     return judged(pin >= 0 ? PinRef{node->id(), pin} : bestPin(*node));
 }
 
+/// Draw the link to a place, in the colour of what would happen.
 void LinkDrag::drawTo(QPointF place, const Target &target)
 {
     const CanvasColors colors(QApplication::palette());
@@ -176,6 +195,7 @@ void LinkDrag::drawTo(QPointF place, const Target &target)
                                 : LinkItem::curve(place, fixedPosition()));
 }
 
+// The reason is said once for each target, not for each move.
 void LinkDrag::moveTo(QPointF place)
 {
     const Target target = targetAt(place);
@@ -204,6 +224,7 @@ void LinkDrag::dropAt(QPointF place)
     }
 }
 
+/// Make the link, or say why it is not possible.
 void LinkDrag::finish(const Target &target)
 {
     const auto rerouted = m_rerouted;
@@ -218,6 +239,7 @@ void LinkDrag::finish(const Target &target)
     }
 }
 
+// Also at the end of each drag.
 void LinkDrag::cancel()
 {
     if (m_rerouted) {

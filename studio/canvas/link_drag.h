@@ -20,21 +20,30 @@ class NodeItem;
 class LinkDrag
 {
 public:
+    /// `scene` must outlive the object.
     explicit LinkDrag(GraphScene &scene);
     ~LinkDrag();
 
     bool isActive() const { return m_fixed.has_value(); }
     /// Begin at what is at `place`: a pin, or an end of a link. Returns false if there is neither.
     bool beginAt(QPointF place);
+    /// Begin at an output pin with the keyboard, and offer the first possible target.
     void beginFrom(const PinRef &output);
+    /// Begin to give the end of a link another pin with the keyboard.
+    void beginReroute(const LinkRef &link);
+    /// Draw the link to a place, and say why it cannot end there.
     void moveTo(QPointF place);
     /// Add or re-route the link if the place is one for it; otherwise say why not.
+    /// From an output to the background: ask for a new action, see GraphScene::actionWanted().
     void dropAt(QPointF place);
+    /// End without an edit. Without effect if nothing is drawn.
     void cancel();
 
     // With the keyboard: the possible targets one after the other.
 
+    /// Offer the target `step` after the present one, in the order of Tab.
     void nextTarget(int step);
+    /// Add the link to the offered target.
     void accept();
 
 private:
@@ -49,6 +58,7 @@ private:
     Target judged(const PinRef &other) const;
     bool beginWithLink(const LinkRef &link, bool isEndMoved);
     void begin(const PinRef &fixed, bool isOutput);
+    void offerTargets();
     PinRef bestPin(const NodeItem &node) const;
     QPointF fixedPosition() const;
     void drawTo(QPointF place, const Target &target);

@@ -21,6 +21,7 @@ constexpr double kLabelZoom = 0.5;
 
 } // namespace
 
+// Below the nodes, which have the Z value 1.
 LinkItem::LinkItem(GraphDocument &document, const LinkRef &link, NodeItem *from, NodeItem *to)
     : m_document(document)
     , m_link(link)
@@ -34,10 +35,10 @@ LinkItem::LinkItem(GraphDocument &document, const LinkRef &link, NodeItem *from,
 QPainterPath LinkItem::curve(QPointF from, QPointF to)
 {
     // A link that leads back needs a wide loop to be seen.
-    const double distance = to.x() - from.x();
-    const double reach = distance > 0 ? qMax(distance / 2, 32.0) : qMin(160.0, 48 - distance / 2);
+    const double half = (to.x() - from.x()) / 2;
+    const double reach = half > 0 ? qMax(half, 32.0) : qMin(160.0, 48 - half);
     QPainterPath path(from);
-    path.cubicTo(from + QPointF(reach, 0), to - QPointF(reach, 0), to);
+    path.cubicTo(from.x() + reach, from.y(), to.x() - reach, to.y(), to.x(), to.y());
     return path;
 }
 
@@ -46,6 +47,7 @@ void LinkItem::refresh()
     setPath(curve(m_from->outputPosition(m_link.from.pin), m_to->inputPosition(m_link.to.pin)));
 }
 
+// Drawn thick and in the colour of success.
 void LinkItem::setTarget(bool isTarget)
 {
     if (m_isTarget != isTarget) {
@@ -64,12 +66,14 @@ bool LinkItem::isNearEnd(QPointF place) const
     return QLineF(place, path().currentPosition()).length() < kEndLength;
 }
 
+// With room for the number of rows.
 QRectF LinkItem::boundingRect() const
 {
     return path().controlPointRect().adjusted(-kLabelWidth / 2, -kLabelHeight, kLabelWidth / 2,
                                               kLabelHeight);
 }
 
+// Wider than it is drawn, so that it is easy to hit.
 QPainterPath LinkItem::shape() const
 {
     QPainterPathStroker stroker;
@@ -77,6 +81,7 @@ QPainterPath LinkItem::shape() const
     return stroker.createStroke(path());
 }
 
+// The rows are those that the output has sent, the same for each of its links.
 void LinkItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
     const CanvasColors colors(widget != nullptr ? widget->palette() : scene()->palette());
@@ -95,14 +100,25 @@ void LinkItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, 
     painter->setBrush(color);
     painter->drawPolygon(
         QPolygonF{end, end + QPointF(-kArrow, -kArrow / 2), end + QPointF(-kArrow, kArrow / 2)});
-    const qint64 rows = m_document.runState(m_link.from.action).rows.value(m_link.from.pin, -1);
-    if (rows >= 0 && zoom > kLabelZoom) {
-        const QPointF middle = path().pointAtPercent(0.5);
-        painter->setPen(colors.text());
-        painter->drawText(QRectF(middle.x() - kLabelWidth / 2, middle.y() - kLabelHeight - 1,
-                                 kLabelWidth, kLabelHeight),
-                          Qt::AlignCenter, rowsText(rows));
+    if (zoom > kLabelZoom) {
+        paintRows(painter, colors);
     }
+}
+
+/// The number of rows in the middle of the link, on the background, so that lines do not cross it.
+void LinkItem::paintRows(QPainter *painter, const CanvasColors &colors) const
+{
+    const qint64 rows = m_document.runState(m_link.from.action).rows.value(m_link.from.pin, -1);
+    if (rows < 0) {
+        return;
+    }
+    const QString text = rowsText(rows);
+    const QPointF middle = path().pointAtPercent(0.5);
+    const double width = qMin(kLabelWidth, painter->fontMetrics().horizontalAdvance(text) + 4.0);
+    const QRectF box(middle.x() - width / 2, middle.y() - kLabelHeight / 2, width, kLabelHeight);
+    painter->fillRect(box, colors.background());
+    painter->setPen(colors.text());
+    painter->drawText(box, Qt::AlignCenter, text);
 }
 
 } // namespace corvanta::studio

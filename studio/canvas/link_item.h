@@ -12,12 +12,14 @@ class LinkItem final : public QGraphicsPathItem
 public:
     /// Both items must outlive this one.
     LinkItem(GraphDocument &document, const LinkRef &link, NodeItem *from, NodeItem *to);
+    /// For qgraphicsitem_cast.
     enum { Type = UserType + 2 };
     int type() const override { return Type; }
 
     const LinkRef &link() const { return m_link; }
     /// After one of its actions was renamed.
     void setLink(const LinkRef &link) { m_link = link; }
+    /// The nodes that it joins.
     NodeItem *from() const { return m_from; }
     NodeItem *to() const { return m_to; }
     /// Follow the pins.
@@ -36,6 +38,8 @@ public:
     static QPainterPath curve(QPointF from, QPointF to);
 
 private:
+    void paintRows(QPainter *painter, const CanvasColors &colors) const;
+
     GraphDocument &m_document;
     LinkRef m_link;
     NodeItem *m_from;

@@ -218,7 +218,7 @@ void expectSameParameters(const GraphDocument &document)
 TEST(Monkey, UndoLeadsBackToTheFileAndRedoToTheEnd)
 {
     const int seconds = qEnvironmentVariableIntValue("CORVANTA_MONKEY_SECONDS");
-    const qint64 limitMs = (seconds > 0 ? seconds : 20) * 1000LL;
+    const qint64 limitMs = (seconds > 0 ? seconds : 60) * 1000LL;
     unsigned seed =
         qEnvironmentVariableIsSet("CORVANTA_MONKEY_SEED")
             ? static_cast<unsigned>(qEnvironmentVariableIntValue("CORVANTA_MONKEY_SEED"))

@@ -26,6 +26,7 @@ constexpr double kCommentHeight = 34;
 constexpr double kBadgeSize = 16;
 constexpr double kTextZoom = 0.35; // texts are not legible below
 
+/// The font of the program in another size, so that its setting counts here too.
 QFont scaledFont(double factor, bool isBold)
 {
     QFont font = QApplication::font();
@@ -34,6 +35,7 @@ QFont scaledFont(double factor, bool isBold)
     return font;
 }
 
+/// For screen readers; empty before a run.
 QString stateText(NodeState state)
 {
     switch (state) {
@@ -53,6 +55,16 @@ QString stateText(NodeState state)
         return NodeItem::tr("stopped");
     }
     return {};
+}
+
+/// One line of text, cut in the middle if it is too long: names often differ at both ends.
+void drawElided(QPainter *painter, const QRectF &box, const QString &text, const QFont &font,
+                const QColor &color)
+{
+    painter->setFont(font);
+    painter->setPen(color);
+    painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                      QFontMetricsF(font).elidedText(text, Qt::ElideMiddle, box.width()));
 }
 
 /// The badge of a state. States differ in shape too, not only in colour.
@@ -95,6 +107,7 @@ QString rowsText(qint64 rows)
     return QLocale().toString(rows);
 }
 
+// Above the links.
 NodeItem::NodeItem(GraphDocument &document, const QString &id)
     : m_document(document)
     , m_id(id)
@@ -123,14 +136,20 @@ void NodeItem::refresh()
     m_isRefreshing = true;
     setPos(m_document.position(m_id));
     m_isRefreshing = false;
-    const QString type = m_isKnown ? m_type : tr("%1 (unknown action)").arg(m_type);
-    QString tip = m_id + u'\n' + type;
-    tip += m_comment.isEmpty() ? QString() : u"\n\n"_s + m_comment;
-    tip += m_problems.isEmpty() ? QString() : u"\n\n"_s + m_problems;
-    setToolTip(tip.toHtmlEscaped().replace(u'\n', "<br>"_L1));
+    setToolTip(tip());
     update();
 }
 
+/// All texts, which may be cut in the node.
+QString NodeItem::tip() const
+{
+    QString text = m_id + u'\n' + (m_isKnown ? m_type : tr("%1 (unknown action)").arg(m_type));
+    text += m_comment.isEmpty() ? QString() : u"\n\n"_s + m_comment;
+    text += m_problems.isEmpty() ? QString() : u"\n\n"_s + m_problems;
+    return text.toHtmlEscaped().replace(u'\n', "<br>"_L1);
+}
+
+// Called for all nodes after each check.
 void NodeItem::setProblems(const QString &problems)
 {
     if (m_problems != problems) {
@@ -149,6 +168,7 @@ QPointF NodeItem::outputPosition(int pin) const
     return mapToScene(kWidth, pinY(pin, m_outputs));
 }
 
+/// Pins are in the middle of their side.
 double NodeItem::pinY(int pin, int count) const
 {
     return m_size.height() / 2 + (pin - (qMax(count, 1) - 1) / 2.0) * kPinDistance;
@@ -166,6 +186,7 @@ int NodeItem::pinAt(QPointF place, bool isInput) const
     return isNear ? nearest : -1;
 }
 
+// What a picture shows at once: where the rows come from and go to.
 QString NodeItem::spokenText() const
 {
     QStringList parts{m_id, m_type, stateText(m_document.runState(m_id).state)};
@@ -184,6 +205,7 @@ QString NodeItem::spokenText() const
     return parts.join(", "_L1);
 }
 
+// With the pins, the focus and the comment below.
 QRectF NodeItem::boundingRect() const
 {
     constexpr double kOutside = kPinRadius + 4;
@@ -191,6 +213,7 @@ QRectF NodeItem::boundingRect() const
     return body().adjusted(-kOutside, -kOutside, kOutside, below);
 }
 
+// Without the comment, which does not catch the mouse.
 QPainterPath NodeItem::shape() const
 {
     QPainterPath path;
@@ -198,6 +221,7 @@ QPainterPath NodeItem::shape() const
     return path;
 }
 
+// Alt moves without the grid. Positions from the document are never changed.
 QVariant NodeItem::itemChange(GraphicsItemChange change, const QVariant &value)
 {
     const auto *const graph = static_cast<const GraphScene *>(scene());
@@ -213,6 +237,7 @@ QVariant NodeItem::itemChange(GraphicsItemChange change, const QVariant &value)
     return QGraphicsObject::itemChange(change, value);
 }
 
+// Graphs of hundreds of nodes are seen from far away: then texts are left out.
 void NodeItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
     const CanvasColors colors(widget != nullptr ? widget->palette() : scene()->palette());
@@ -252,40 +277,42 @@ void NodeItem::paintBody(QPainter *painter, const CanvasColors &colors, bool isS
 
 void NodeItem::paintTexts(QPainter *painter, const CanvasColors &colors) const
 {
-    const ActionItem *const prototype = m_document.registry().prototype(m_type);
     const double top = m_size.height() / 2 - kIconSize / 2;
-    if (prototype != nullptr) {
-        const QPixmap *const icon = const_cast<ActionItem *>(prototype)->getIcon(1);
-        if (icon != nullptr && !icon->isNull()) {
-            painter->setRenderHint(QPainter::SmoothPixmapTransform);
-            painter->drawPixmap(QRectF(kMargin, top, kIconSize, kIconSize), *icon, icon->rect());
-        }
-    }
     const double left = 2 * kMargin + kIconSize - 2;
+    paintIcon(painter, {kMargin, top, kIconSize, kIconSize});
     const QRectF name(left, top - 2, kWidth - left - kBadgeSize - 4, kIconSize / 2 + 2);
-    const auto draw = [&](const QRectF &box, const QString &text, const QFont &font,
-                          const QColor &color) {
-        painter->setFont(font);
-        painter->setPen(color);
-        const QFontMetricsF metrics(font);
-        painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                          metrics.elidedText(text, Qt::ElideMiddle, box.width()));
-    };
-    draw(name, m_id, scaledFont(1, true), colors.text());
+    drawElided(painter, name, m_id, scaledFont(1, true), colors.text());
     const QRectF second = name.translated(0, name.height()).adjusted(0, 0, kBadgeSize, 0);
-    draw(second, m_isKnown ? m_type : tr("unknown: %1").arg(m_type), scaledFont(0.85, false),
-         m_isKnown ? colors.faintText() : colors.error());
+    drawElided(painter, second, m_isKnown ? m_type : tr("unknown: %1").arg(m_type),
+               scaledFont(0.85, false), m_isKnown ? colors.faintText() : colors.error());
     if (!m_comment.isEmpty()) {
-        const QFont font = scaledFont(0.85, false);
-        painter->setFont(font);
-        painter->setPen(colors.faintText());
-        const QRectF box(0, m_size.height() + 3, kWidth, kCommentHeight);
-        painter->setClipRect(box);
-        painter->drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_comment);
-        painter->setClipping(false);
+        paintComment(painter, colors);
     }
 }
 
+/// The icon of the type; nothing for an unknown one.
+void NodeItem::paintIcon(QPainter *painter, const QRectF &box) const
+{
+    ActionItem *const prototype = m_document.registry().prototype(m_type);
+    const QPixmap *const icon = prototype == nullptr ? nullptr : prototype->getIcon(1);
+    if (icon != nullptr && !icon->isNull()) {
+        painter->setRenderHint(QPainter::SmoothPixmapTransform);
+        painter->drawPixmap(box, *icon, icon->rect());
+    }
+}
+
+/// Two lines below the node; the tool tip has all of it.
+void NodeItem::paintComment(QPainter *painter, const CanvasColors &colors) const
+{
+    const QRectF box(0, m_size.height() + 3, kWidth, kCommentHeight);
+    painter->setFont(scaledFont(0.85, false));
+    painter->setPen(colors.faintText());
+    painter->setClipRect(box);
+    painter->drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_comment);
+    painter->setClipping(false);
+}
+
+// Inputs are hollow, outputs are filled.
 void NodeItem::paintPins(QPainter *painter, const CanvasColors &colors) const
 {
     painter->setPen(QPen(colors.border(), 1.5));

@@ -17,11 +17,14 @@ class NodeItem final : public QGraphicsObject
     Q_OBJECT
 
 public:
+    /// `document` must outlive the item and have the action.
     NodeItem(GraphDocument &document, const QString &id);
+    /// For qgraphicsitem_cast.
     enum { Type = UserType + 1 };
     int type() const override { return Type; }
 
     QString id() const { return m_id; }
+    /// After the action was renamed.
     void setId(const QString &id);
     /// Show the document's present state of the action.
     void refresh();
@@ -29,8 +32,10 @@ public:
     void setProblems(const QString &problems);
     QString problems() const { return m_problems; }
 
+    /// Numbers of pins that are shown.
     int inputs() const { return m_inputs; }
     int outputs() const { return m_outputs; }
+    /// The middle of a pin.
     QPointF inputPosition(int pin) const;
     QPointF outputPosition(int pin) const;
     /// The pin at a place; negative if there is none.
@@ -45,11 +50,14 @@ public:
     QPainterPath shape() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 
-    static constexpr double kWidth = 176;
+    /// Of every node; the height depends on the pins.
+    static constexpr double kWidth = 192;
+    /// Distance of the positions to which nodes snap.
     static constexpr double kGrid = 16;
     static constexpr double kPinRadius = 5;
 
 Q_SIGNALS:
+    /// Its place differs from before; the links must follow.
     void movedByUser();
 
 protected:
@@ -60,6 +68,9 @@ private:
     double pinY(int pin, int count) const;
     void paintBody(QPainter *painter, const CanvasColors &colors, bool isSelected) const;
     void paintTexts(QPainter *painter, const CanvasColors &colors) const;
+    void paintIcon(QPainter *painter, const QRectF &box) const;
+    void paintComment(QPainter *painter, const CanvasColors &colors) const;
+    QString tip() const;
     void paintPins(QPainter *painter, const CanvasColors &colors) const;
     void paintState(QPainter *painter, const CanvasColors &colors) const;
 

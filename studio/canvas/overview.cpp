@@ -11,6 +11,7 @@
 
 namespace corvanta::studio {
 
+// Every change of the scene is a reason to draw, so they are collected.
 Overview::Overview(CanvasView &view)
     : QWidget(&view)
     , m_view(view)
@@ -32,6 +33,7 @@ Overview::Overview(CanvasView &view)
     hide();
 }
 
+// The whole graph, in the middle.
 QTransform Overview::mapping() const
 {
     constexpr double kMargin = 60;
@@ -45,6 +47,7 @@ QTransform Overview::mapping() const
     return transform;
 }
 
+// The frame is the part of the scene that the view shows.
 void Overview::paintEvent(QPaintEvent *)
 {
     const CanvasColors colors(palette());
@@ -68,6 +71,7 @@ void Overview::paintEvent(QPaintEvent *)
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
+// Also while the button is held: the view follows the mouse.
 void Overview::goTo(const QMouseEvent *event)
 {
     if (event->buttons().testFlag(Qt::LeftButton)) {

@@ -18,6 +18,7 @@ public:
     QSize sizeHint() const override { return {200, 140}; }
 
 protected:
+    /// Draws the nodes and the visible part.
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override { goTo(event); }
     void mouseMoveEvent(QMouseEvent *event) override { goTo(event); }

@@ -31,6 +31,7 @@ int rankOf(const ActionItem &action, const QString &text)
 
 } // namespace
 
+// The field keeps the focus; arrow keys go to the list.
 QuickAdd::QuickAdd(const ActionRegistry &registry, QWidget *parent)
     : QFrame(parent, Qt::Popup)
     , m_registry(registry)
@@ -57,6 +58,7 @@ QuickAdd::QuickAdd(const ActionRegistry &registry, QWidget *parent)
     resize(kSize);
 }
 
+// The last search is forgotten: the place asks for another action.
 void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QString &)> chosen)
 {
     m_needsInput = needsInput;
@@ -68,6 +70,7 @@ void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QStri
     m_field->setFocus();
 }
 
+// Without a text all actions are listed, in the order of the catalogue.
 void QuickAdd::search()
 {
     const QString text = m_field->text().trimmed();
@@ -93,6 +96,7 @@ void QuickAdd::search()
     m_list->setCurrentRow(0);
 }
 
+// Hidden first, so that a message of the edit is not covered.
 void QuickAdd::accept()
 {
     const QListWidgetItem *const item = m_list->currentItem();
@@ -104,6 +108,7 @@ void QuickAdd::accept()
     }
 }
 
+// Escape and clicks elsewhere close every popup.
 bool QuickAdd::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress) {

@@ -10,12 +10,14 @@ namespace {
 using Positions = QMap<QString, QPointF>;
 using Alignment = GraphDocument::Alignment;
 
+/// Whether an alignment changes the horizontal coordinates.
 bool isAcross(Alignment alignment)
 {
     return alignment == Alignment::Left || alignment == Alignment::Center ||
            alignment == Alignment::Right || alignment == Alignment::Columns;
 }
 
+/// The coordinate that is aligned.
 double &coordinate(QPointF &point, bool isX)
 {
     return isX ? point.rx() : point.ry();
@@ -36,6 +38,7 @@ void distribute(Positions *positions, bool isX)
     }
 }
 
+/// Give all the lowest, the highest or the middle coordinate.
 void alignTo(Positions *positions, Alignment alignment, bool isX)
 {
     double low = coordinate(positions->first(), isX);
@@ -53,6 +56,7 @@ void alignTo(Positions *positions, Alignment alignment, bool isX)
 
 } // namespace
 
+// One step, and none if nothing moves: move() compares the positions.
 void GraphDocument::align(const QStringList &ids, Alignment alignment)
 {
     Positions positions;

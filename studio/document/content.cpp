@@ -12,13 +12,14 @@ int Content::indexOf(const QString &id) const
     return found == nodes.end() ? -1 : static_cast<int>(found - nodes.begin());
 }
 
+// An invalid graph may have a link twice; the first one counts.
 int Content::indexOf(const LinkRef &link) const
 {
-    const auto found = std::find_if(wires.begin(), wires.end(),
-                                    [&](const Wire &wire) { return wire.ends == link; });
+    const auto found = std::ranges::find(wires, link, &Wire::ends);
     return found == wires.end() ? -1 : static_cast<int>(found - wires.begin());
 }
 
+// Cheap: texts and elements are shared, not copied.
 CorvantaGraph Content::graph() const
 {
     CorvantaGraph graph;

@@ -34,8 +34,10 @@ struct LinkRef
 /// An action of the graph.
 struct Node
 {
-    int key = 0;      ///< identifies the action in its document, whatever its id is
-    int origin = -1;  ///< number of its element in the opened file; -1: it was added later
+    int key = 0;     ///< identifies the action in its document, whatever its id is
+    int origin = -1; ///< number of its element in the opened file; -1: it was added later
+    // What the file has of the action.
+
     QString id;       ///< also its name; unique in the graph
     XMLNode element;  ///< named after the type, with the parameters
     int revision = 0; ///< of the element; differs after each edit

@@ -33,6 +33,7 @@ void placeAll(Content *content)
     }
 }
 
+/// Whole numbers, so that the file differs only when the user moves something.
 QPointF rounded(QPointF position)
 {
     return {std::round(position.x()), std::round(position.y())};
@@ -52,6 +53,7 @@ XMLNode withParameter(ActionItem &action, const XMLNode &before, const QString &
     return savedForm(*copy, before, {parameter, value});
 }
 
+/// The text of a step on one action, or on several.
 QString counted(const QStringList &ids, const QString &one, const QString &several)
 {
     return ids.size() == 1 ? one.arg(ids.first()) : several.arg(ids.size());
@@ -59,6 +61,8 @@ QString counted(const QStringList &ids, const QString &one, const QString &sever
 
 } // namespace
 
+/// The wanted id, or the first free one of its kind: sort, sort2, sort3. `taken` are ids that are
+/// about to be added.
 QString GraphDocument::uniqueId(const QString &wanted, const QStringList &taken) const
 {
     static const QRegularExpression number(u"\\d+$"_s);
@@ -70,6 +74,7 @@ QString GraphDocument::uniqueId(const QString &wanted, const QStringList &taken)
     return id;
 }
 
+// The key is never used again, so that removed actions can come back.
 Node GraphDocument::newNode(const QString &wantedId, const XMLNode &element, QPointF position)
 {
     Node node;
@@ -81,6 +86,7 @@ Node GraphDocument::newNode(const QString &wantedId, const XMLNode &element, QPo
     return node;
 }
 
+/// Add a node and its links as one step.
 QString GraphDocument::addNode(const QString &text, const Node &node, const QVector<Wire> &wires,
                                int series)
 {
@@ -95,6 +101,7 @@ QString GraphDocument::addNode(const QString &text, const Node &node, const QVec
     return node.id;
 }
 
+/// What a new action of a type saves: its version, and the parameters that are always saved.
 XMLNode GraphDocument::newElement(const QString &type) const
 {
     const auto empty = XMLNode::parse(u"<%1/>"_s.arg(type).toUtf8());
@@ -111,6 +118,7 @@ QString GraphDocument::addAction(const QString &type, QPointF position)
                : addNode(tr("Add %1").arg(type), newNode(type, element, position), {});
 }
 
+// Below the actions that are there already, so that a fan of links stays readable.
 QString GraphDocument::addActionAfter(const QString &type, const PinRef &from, QString *why)
 {
     const ActionItem *const prototype = m_registry.prototype(type);
@@ -160,6 +168,7 @@ bool GraphDocument::canRead(const QString &file) const
     return !readerType(m_registry, file).isEmpty();
 }
 
+// The action is there at once; its levels and columns arrive when the file has been read.
 QString GraphDocument::addDataFile(const QString &file, QPointF position, QString *why)
 {
     const auto reader = makeReader(m_registry, file, &m_global);
@@ -179,6 +188,7 @@ QString GraphDocument::addDataFile(const QString &file, QPointF position, QStrin
     return node.id;
 }
 
+/// Read the beginning of the input of an action in the background, and set what depends on it.
 void GraphDocument::fill(const QString &id, const QString &text, int series)
 {
     const int key = node(id).key;
@@ -205,6 +215,7 @@ void GraphDocument::fill(const QString &id, const QString &text, int series)
         [finish](const QString &reason) { finish({}, reason); });
 }
 
+/// The end of fill(), with the filled element, or an empty one and the reason.
 void GraphDocument::finishFill(int key, int revision, const XMLNode &filled, const QString &text,
                                int series, const QString &reason)
 {
@@ -238,6 +249,7 @@ void GraphDocument::setElements(const QHash<QString, XMLNode> &elements, const Q
     push(text, change, series);
 }
 
+// Links that are left without an end go too.
 void GraphDocument::remove(const QStringList &ids, const QVector<LinkRef> &links)
 {
     const QSet<QString> removed(ids.begin(), ids.end());
@@ -256,6 +268,7 @@ void GraphDocument::remove(const QStringList &ids, const QVector<LinkRef> &links
     });
 }
 
+// A move to the same place is not a step.
 void GraphDocument::move(const QMap<QString, QPointF> &positions, int series)
 {
     Content after = m_content;
@@ -275,6 +288,7 @@ void GraphDocument::move(const QMap<QString, QPointF> &positions, int series)
     }
 }
 
+// The links name the action, so they change in the same step.
 bool GraphDocument::rename(const QString &id, const QString &name, QString *why)
 {
     const QString wanted = name.trimmed();
@@ -314,6 +328,7 @@ void GraphDocument::setComment(const QString &id, const QString &comment, int se
     }
 }
 
+// An empty value is a value; only a null one removes the variable.
 void GraphDocument::setVariable(const QString &name, const QString &value, int series)
 {
     if (m_content.variables.value(name) == value &&
@@ -332,6 +347,7 @@ void GraphDocument::setVariable(const QString &name, const QString &value, int s
         series);
 }
 
+// All elements are made before the first one is set: a value that one action rejects sets none.
 bool GraphDocument::setParameter(const QStringList &ids, const QString &parameter,
                                  const QString &value)
 {
@@ -393,6 +409,7 @@ void GraphDocument::recordEdit(ActionItem *action, const ParameterEdit &edit)
     m_upToDateKey = -1;
 }
 
+// A graph file, so that text editors and other windows understand it.
 QString GraphDocument::copied(const QStringList &ids) const
 {
     Content part;
@@ -413,6 +430,7 @@ QString GraphDocument::copied(const QStringList &ids) const
     return QString::fromUtf8(SourceText().compose(part, m_graph.version));
 }
 
+// Links to actions that are not in the text are dropped: their names may mean others here.
 QStringList GraphDocument::paste(const QString &text, QPointF position)
 {
     const auto graph = CorvantaGraph::parse(text.toUtf8(), QString());
@@ -445,6 +463,7 @@ QStringList GraphDocument::paste(const QString &text, QPointF position)
     return ids;
 }
 
+// Through the text of the clipboard, but not through the clipboard, which the user may need.
 QStringList GraphDocument::duplicate(const QStringList &ids)
 {
     if (ids.isEmpty()) {
@@ -458,6 +477,7 @@ QStringList GraphDocument::duplicate(const QStringList &ids)
     return paste(copied(ids), corner + kShift);
 }
 
+// A part of the graph keeps its upper left corner.
 void GraphDocument::layout(const QStringList &ids)
 {
     const QStringList chosen = ids.isEmpty() ? this->ids() : ids;

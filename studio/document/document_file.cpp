@@ -21,6 +21,7 @@ namespace corvanta::studio {
 
 namespace {
 
+constexpr qint64 kMaxGraphBytes = qint64(256) << 20; // as the host's
 constexpr auto kRecoverySuffix = ".recovery"_L1;
 
 /// The content of a file; null if it cannot be read.
@@ -39,6 +40,7 @@ std::unique_ptr<QLockFile> lockOf(const QString &recovery)
 
 } // namespace
 
+// Programs write a file in several steps, so changes are collected for a short time.
 DocumentFile::DocumentFile(GraphDocument &document)
     : m_document(document)
 {
@@ -59,6 +61,7 @@ DocumentFile::~DocumentFile()
     removeRecovery();
 }
 
+// A watch follows the file and not its name, so it begins again.
 void DocumentFile::setContent(const QByteArray &bytes)
 {
     m_content = bytes;
@@ -87,6 +90,7 @@ void DocumentFile::watch()
     }
 }
 
+// Compared by content: the times of files change without a reason the user would understand.
 bool DocumentFile::hasChanged() const
 {
     const QString name = m_document.fileName();
@@ -101,6 +105,7 @@ void DocumentFile::noticeChange()
     }
 }
 
+// Not put off by further edits: a user who types for minutes is protected too.
 void DocumentFile::scheduleRecovery()
 {
     if (!m_recoveryTimer.isActive()) {
@@ -108,6 +113,8 @@ void DocumentFile::scheduleRecovery()
     }
 }
 
+/// Write the state of a modified document. A failure is not reported, because it concerns no file
+/// of the user.
 void DocumentFile::writeRecovery()
 {
     if (!m_document.isModified()) {
@@ -145,6 +152,7 @@ QString DocumentFile::recoveryFolder()
     return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/recovery"_L1;
 }
 
+// The files of sessions that are running have a lock.
 QVector<GraphDocument::Recovery> DocumentFile::recoveries()
 {
     QVector<GraphDocument::Recovery> all;
@@ -183,11 +191,15 @@ GraphDocument::open(const QString &file, const ActionRegistry &registry)
 GraphDocument::FileResult<void> GraphDocument::reload()
 {
     const QString name = fileName();
-    // The host's reader knows what cannot be read: folders, pipes, files that are too large.
-    const auto checked = CorvantaGraph::load(name);
-    const QByteArray text = bytesOf(name);
-    if (!checked && text.isEmpty()) {
-        return Fault{FileError::CannotRead, checked.fault().code.value(0).text};
+    const QFileInfo info(name);
+    const QByteArray text =
+        info.isFile() && info.size() <= kMaxGraphBytes ? bytesOf(name) : QByteArray();
+    if (text.isEmpty()) {
+        // The host's reader words why folders, pipes and large files cannot be read.
+        const auto checked = CorvantaGraph::load(name);
+        return Fault{FileError::CannotRead,
+                     checked ? tr("“%1” has changed while it was read.").arg(name)
+                             : checked.fault().code.value(0).text};
     }
     if (const auto loaded = load(text, name); !loaded) {
         return loaded;
@@ -200,6 +212,7 @@ GraphDocument::FileResult<void> GraphDocument::reload()
     return {};
 }
 
+// The old file stays until the new one is complete.
 GraphDocument::FileResult<void> GraphDocument::write(const QString &file)
 {
     const QByteArray text = toXml();
@@ -223,6 +236,7 @@ GraphDocument::FileResult<void> GraphDocument::save()
     return write(fileName());
 }
 
+// The name is set first, because what actions save is relative to its folder.
 GraphDocument::FileResult<void> GraphDocument::saveAs(const QString &file)
 {
     const QString name = QFileInfo(file).absoluteFilePath();
@@ -252,6 +266,7 @@ QVector<GraphDocument::Recovery> GraphDocument::recoveries()
 }
 
 GraphDocument::FileResult<std::unique_ptr<GraphDocument>>
+// The recovery file is replaced by one of this session after a short time.
 GraphDocument::recover(const Recovery &recovery, const ActionRegistry &registry)
 {
     auto document = std::make_unique<GraphDocument>(registry);

@@ -16,20 +16,23 @@ namespace corvanta::studio {
 class DocumentFile final : public QObject
 {
 public:
+    /// `document` must outlive the object.
     explicit DocumentFile(GraphDocument &document);
-    ~DocumentFile() override;
+    ~DocumentFile() override; ///< removes the recovery file
 
     /// The document now has the content `bytes` of its file.
     void setContent(const QByteArray &bytes);
     /// Whether the file differs from that content. Reads the file.
     bool hasChanged() const;
 
+    /// Write the recovery file soon, if the document is modified then.
     void scheduleRecovery();
     /// Also when nothing has been written.
     void removeRecovery();
 
     /// The folder of all recovery files.
     static QString recoveryFolder();
+    /// Those of sessions that are not running, newest first.
     static QVector<GraphDocument::Recovery> recoveries();
     /// The graph in a recovery file; null if it cannot be read.
     static QByteArray recoveredText(const QString &file);

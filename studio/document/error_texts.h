@@ -9,7 +9,7 @@
 
 namespace corvanta::studio {
 
-/// Threads: any.
+/// Keeps messages of level 1 and drops all others. Threads: any.
 class ErrorTexts final : public LogSink
 {
 public:

@@ -16,6 +16,7 @@ namespace corvanta::studio {
 
 namespace {
 
+/// A format that can be read, and its action.
 struct Reader
 {
     const ActionItem *prototype = nullptr; ///< null: there is none
@@ -25,13 +26,12 @@ struct Reader
 /// The extension of the content: "csv" for a.csv.gz.
 QString contentExtension(const QString &file)
 {
-    const QFileInfo info(file);
-    const QString extension = info.suffix().toLower();
-    return extension == "gz"_L1 || extension == "z"_L1
-               ? QFileInfo(info.completeBaseName()).suffix().toLower()
-               : extension;
+    const QFileInfo info(file.toLower());
+    const bool isPacked = info.suffix() == "gz"_L1 || info.suffix() == "z"_L1;
+    return isPacked ? QFileInfo(info.completeBaseName()).suffix() : info.suffix();
 }
 
+/// The first format for an extension, in the order of the families and then of the actions.
 Reader findReader(const ActionRegistry &registry, const QString &extension)
 {
     Reader best;
@@ -53,14 +53,13 @@ Reader findReader(const ActionRegistry &registry, const QString &extension)
 int inputParameter(const ActionParameters &parameters)
 {
     const QVector<ParameterInfo> infos = parameters.parameters();
-    const auto found = std::find_if(infos.begin(), infos.end(), [](const ParameterInfo &info) {
-        return info.file == ParameterInfo::File::Input;
-    });
+    const auto found = std::ranges::find(infos, ParameterInfo::File::Input, &ParameterInfo::file);
     return static_cast<int>(found - infos.begin());
 }
 
 } // namespace
 
+// The name is enough; the file is not opened.
 QString readerType(const ActionRegistry &registry, const QString &file)
 {
     const Reader reader = findReader(registry, contentExtension(file));
@@ -98,10 +97,11 @@ std::unique_ptr<ActionItem> makeReader(const ActionRegistry &registry, const QSt
     return action;
 }
 
+// Text that XML cannot contain, such as control characters, gives an empty node.
 XMLNode savedElement(ActionItem &action)
 {
     std::wostringstream out;
-    out.exceptions(std::ios::badbit); // otherwise text is lost when there is no memory
+    out.exceptions(std::ios::badbit); // for lack of memory
     action.save(out, QString::fromLatin1(action.getTypeName()));
     const auto node = XMLNode::parse(QString::fromStdWString(out.str()).toUtf8());
     return node ? *node : XMLNode();

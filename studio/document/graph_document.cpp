@@ -1,6 +1,7 @@
 // The states of a document, what they change, and the signals about it.
 #include "studio/document/graph_document.h"
 
+#include "base/mapped.h"
 #include "studio/document/document_file.h"
 #include "studio/document/input_columns.h"
 #include "studio/document/layered_layout.h"
@@ -11,6 +12,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -53,10 +55,10 @@ private:
 
 namespace {
 
+/// The nodes of a state by key, to compare states.
 QHash<int, NodePtr> byKey(const Content &content)
 {
     QHash<int, NodePtr> nodes;
-    nodes.reserve(content.nodes.size());
     for (const NodePtr &node : content.nodes) {
         nodes.insert(node->key, node);
     }
@@ -70,10 +72,8 @@ QVector<LinkRef> linksOnlyIn(const Content &content, const Content &other)
     if (content.wires.constData() == other.wires.constData()) {
         return {};
     }
-    QVector<LinkRef> rest;
-    for (const Wire &wire : other.wires) {
-        rest.append(wire.ends);
-    }
+    QVector<LinkRef> rest =
+        mapped<QVector<LinkRef>>(other.wires, [](const Wire &wire) { return wire.ends; });
     QVector<LinkRef> links;
     for (const Wire &wire : content.wires) {
         // Not each against all: most are at the same place.
@@ -85,6 +85,12 @@ QVector<LinkRef> linksOnlyIn(const Content &content, const Content &other)
         }
     }
     return links;
+}
+
+QString textOf(const CorvantaGraph::Problems &problems)
+{
+    return mapped<QStringList>(problems, [](const auto &problem) { return problem.text; })
+        .join(u'\n');
 }
 
 /// Places the actions without a position, for display only.
@@ -136,6 +142,7 @@ GraphDocument::~GraphDocument()
     m_undo.clear();
 }
 
+// Also for graphs that were never saved.
 QString GraphDocument::title() const
 {
     return fileName().isEmpty() ? tr("Untitled") : QFileInfo(fileName()).fileName();
@@ -146,51 +153,59 @@ QByteArray GraphDocument::toXml() const
     return m_source.compose(m_content, m_graph.version);
 }
 
+/// The state of a graph that was read. `source` has its text if `isKept`; `nextKey` counts the keys
+/// of the nodes.
+Content GraphDocument::contentOf(const CorvantaGraph &graph, const SourceText &source, bool isKept)
+{
+    Content content;
+    content.variables = graph.variables;
+    content.nodes.reserve(graph.actions.size());
+    for (int i = 0; i < graph.actions.size(); ++i) {
+        const CorvantaGraph::Action &action = graph.actions[i];
+        Node node;
+        node.key = m_nextKey++;
+        node.origin = isKept ? i : -1;
+        node.id = action.id;
+        node.element = action.parameters;
+        node.position = {std::round(action.x), std::round(action.y)};
+        node.isPlaced = isKept ? source.hasPosition(i) : action.x != 0 || action.y != 0;
+        node.comment = action.comment;
+        content.nodes.append(std::make_shared<const Node>(node));
+    }
+    content.wires.reserve(graph.links.size());
+    for (int i = 0; i < graph.links.size(); ++i) {
+        const auto &[from, to, line] = graph.links[i];
+        content.wires.append({{{from.action, from.pin}, {to.action, to.pin}}, isKept ? i : -1});
+    }
+    placeForDisplay(&content);
+    return content;
+}
+
 GraphDocument::FileResult<void> GraphDocument::load(const QByteArray &text, const QString &file)
 {
     SourceText source;
     const bool isKept = source.split(text);
     const auto graph = CorvantaGraph::parse(isKept ? source.knownPart() : text, file);
     if (!graph) {
-        QStringList lines;
-        for (const CorvantaGraph::Problem &problem : graph.fault().code) {
-            lines << problem.text;
-        }
-        return Fault{FileError::CannotRead, lines.join(u'\n')};
+        return Fault{FileError::CannotRead, textOf(graph.fault().code)};
     }
-    Content content;
-    content.variables = graph->variables;
-    for (int i = 0; i < graph->actions.size(); ++i) {
-        const CorvantaGraph::Action &action = graph->actions[i];
-        const int origin = isKept ? i : -1;
-        const bool isPlaced = isKept ? source.hasPosition(i) : action.x != 0 || action.y != 0;
-        const QPointF position(qRound64(action.x), qRound64(action.y));
-        content.nodes.append(
-            std::make_shared<const Node>(Node{m_nextKey++, origin, action.id, action.parameters, 0,
-                                              position, isPlaced, false, action.comment}));
-    }
-    for (int i = 0; i < graph->links.size(); ++i) {
-        const auto &[from, to, line] = graph->links[i];
-        content.wires.append({{{from.action, from.pin}, {to.action, to.pin}}, isKept ? i : -1});
-    }
-    placeForDisplay(&content);
+    m_undo.clear();
+    m_runStates.clear();
+    m_columns->clear();
+    m_content = contentOf(*graph, source, isKept);
     m_source = isKept ? source : SourceText();
     m_graph.version = graph->version;
     m_graph.fileName = file;
-    m_undo.clear();
-    m_runStates.clear();
-    m_content = content;
     rebuildGraph();
     // The actions until now stay, because panels may show them.
     for (const NodePtr &node : std::as_const(m_content.nodes)) {
         makeItem(*node);
     }
-    rebuildGraph();
-    m_columns->clear();
     m_problems->schedule();
     return {};
 }
 
+/// Update everything that is derived from the content.
 void GraphDocument::rebuildGraph()
 {
     const double version = m_graph.version;
@@ -210,15 +225,16 @@ void GraphDocument::rebuildGraph()
     }
 }
 
+/// Make the action of a node; none for a type that the module does not have.
 void GraphDocument::makeItem(const Node &node)
 {
-    std::shared_ptr<ActionItem> item = m_registry.create(node.element, &m_global);
-    if (item != nullptr) {
+    if (std::shared_ptr<ActionItem> item = m_registry.create(node.element, &m_global)) {
         item->setIdx(m_indexes.value(node.id, -1));
         m_items.insert(node.key, std::move(item));
     }
 }
 
+/// Make a step of a change of the content.
 void GraphDocument::push(const QString &text, const Change &change, int series)
 {
     Content after = m_content;
@@ -226,6 +242,7 @@ void GraphDocument::push(const QString &text, const Change &change, int series)
     m_undo.push(new GraphEdit(*this, text, std::move(after), series)); // the stack owns it
 }
 
+/// Go to a state, and report what is different. Both undo and redo end here.
 void GraphDocument::apply(const Content &next)
 {
     const Content previous = std::exchange(m_content, next);
@@ -241,6 +258,7 @@ void GraphDocument::apply(const Content &next)
     m_file->scheduleRecovery();
 }
 
+/// Give the actions the parameters of their nodes.
 void GraphDocument::updateItems(const Content &previous)
 {
     const QHash<int, NodePtr> before = byKey(previous);
@@ -256,14 +274,15 @@ void GraphDocument::updateItems(const Content &previous)
             restoreParameters(*item, node->element);
         }
     }
+    const QHash<int, NodePtr> now = byKey(m_content);
     for (const NodePtr &node : previous.nodes) {
-        const auto item = contains(node->id) ? nullptr : m_items.value(node->key);
-        if (item != nullptr && idOf(item.get()).isEmpty()) {
-            item->setIdx(-1);
+        if (const auto item = m_items.value(node->key); item && !now.contains(node->key)) {
+            item->setIdx(-1); // as an action of no graph
         }
     }
 }
 
+// Removed links come first: their nodes still exist for those who draw them.
 void GraphDocument::reportNodes(const Content &previous)
 {
     const QHash<int, NodePtr> before = byKey(previous);
@@ -295,6 +314,7 @@ void GraphDocument::reportNodes(const Content &previous)
     }
 }
 
+// Links come after the nodes that they join.
 void GraphDocument::reportLinks(const Content &previous)
 {
     for (const LinkRef &link : linksOnlyIn(m_content, previous)) {
@@ -335,11 +355,7 @@ void GraphDocument::reportUpstream(const Content &previous)
 
 QStringList GraphDocument::ids() const
 {
-    QStringList all;
-    for (const NodePtr &node : m_content.nodes) {
-        all << node->id;
-    }
-    return all;
+    return mapped<QStringList>(m_content.nodes, [](const NodePtr &node) { return node->id; });
 }
 
 QString GraphDocument::type(const QString &id) const
@@ -357,14 +373,10 @@ QPointF GraphDocument::position(const QString &id) const
     return contains(id) ? node(id).position : QPointF();
 }
 
+// A copy, because a slot may change the content while it goes through the links.
 QVector<LinkRef> GraphDocument::links() const
 {
-    QVector<LinkRef> all;
-    all.reserve(m_content.wires.size());
-    for (const Wire &wire : m_content.wires) {
-        all.append(wire.ends);
-    }
-    return all;
+    return mapped<QVector<LinkRef>>(m_content.wires, [](const Wire &wire) { return wire.ends; });
 }
 
 QVector<LinkRef> GraphDocument::linksTo(const PinRef &input) const
@@ -386,6 +398,7 @@ ActionItem *GraphDocument::action(const QString &id) const
     return contains(id) ? m_items.value(node(id).key).get() : nullptr;
 }
 
+// Not by getIdx(): actions of other documents have numbers too.
 QString GraphDocument::idOf(const ActionItem *action) const
 {
     for (const NodePtr &node : m_content.nodes) {
@@ -396,6 +409,7 @@ QString GraphDocument::idOf(const ActionItem *action) const
     return {};
 }
 
+// The prototype counts: no action adds outputs by its parameters.
 int GraphDocument::outputCount(const QString &id) const
 {
     const ActionItem *const prototype = m_registry.prototype(type(id));
@@ -409,6 +423,7 @@ int GraphDocument::outputCount(const QString &id) const
     return count;
 }
 
+// An action that takes any number of inputs always shows one more than are linked.
 int GraphDocument::inputCount(const QString &id) const
 {
     int linked = 0;
@@ -461,11 +476,14 @@ QStringList GraphDocument::upstream(const QString &id) const
     });
 }
 
-QStringList GraphDocument::downstream(const QString &id) const
+QStringList GraphDocument::downstream(const QString &id, const LinkRef *without) const
 {
-    return reachable(m_content.wires, id, [](const LinkRef &link) {
-        return std::pair(link.from.action, link.to.action);
-    });
+    QVector<Wire> wires = m_content.wires;
+    if (without != nullptr) {
+        wires.removeIf([&](const Wire &wire) { return wire.ends == *without; });
+    }
+    return reachable(
+        wires, id, [](const LinkRef &link) { return std::pair(link.from.action, link.to.action); });
 }
 
 const QVector<GraphProblem> &GraphDocument::problems() const
@@ -478,6 +496,7 @@ TableSchema GraphDocument::inputColumns(const QString &id, int pin)
     return m_columns->columns(m_graph, id, pin);
 }
 
+// Actions that the last run did not have are idle.
 const RunState &GraphDocument::runState(const QString &id) const
 {
     static const RunState idle;
@@ -485,6 +504,7 @@ const RunState &GraphDocument::runState(const QString &id) const
     return found == m_runStates.constEnd() ? idle : *found;
 }
 
+// Called for each report of a run, so equal states must cost nothing.
 void GraphDocument::setRunState(const QString &id, const RunState &state)
 {
     if (contains(id) && runState(id) != state) {
@@ -495,9 +515,8 @@ void GraphDocument::setRunState(const QString &id, const RunState &state)
 
 void GraphDocument::clearRunStates()
 {
-    const QStringList all = m_runStates.keys();
-    m_runStates.clear();
-    for (const QString &id : all) {
+    const auto before = std::exchange(m_runStates, {});
+    for (const QString &id : before.keys()) {
         Q_EMIT runStateChanged(id);
     }
 }

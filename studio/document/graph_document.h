@@ -56,6 +56,7 @@ public:
                                                            const ActionRegistry &registry);
     /// Replace the content by what the file has now; empties the undo stack.
     FileResult<void> reload();
+    /// Replace the file in one step. The document has a file.
     FileResult<void> save();
     /// Save under another name, which becomes the file of the document. In another folder, names of
     /// inputs that are relative to the old one become absolute; this is a step too.
@@ -82,6 +83,7 @@ public:
     /// Open a recovery; the document has the original's name and counts as modified.
     static FileResult<std::unique_ptr<GraphDocument>> recover(const Recovery &recovery,
                                                               const ActionRegistry &registry);
+    /// Remove a recovery that the user does not want.
     static void discard(const Recovery &recovery);
     /// Remove the recovery file because the user has decided not to keep the changes.
     void discardRecovery();
@@ -96,9 +98,11 @@ public:
     /// The ids of all actions in the order of the file.
     QStringList ids() const;
     bool contains(const QString &id) const { return m_indexes.contains(id); }
+    /// Name of the type; empty for an unknown id, as for the functions below.
     QString type(const QString &id) const;
     QString comment(const QString &id) const;
     QPointF position(const QString &id) const;
+    /// In the order of the file.
     QVector<LinkRef> links() const;
     /// The link into an input pin, or those from an output pin.
     QVector<LinkRef> linksTo(const PinRef &input) const;
@@ -112,11 +116,12 @@ public:
     int outputCount(const QString &id) const;
     /// Number of input pins to show: the linked ones, and one that is free if there may be more.
     int inputCount(const QString &id) const;
+    /// Number of input pins that may be linked.
     int maxInputs(const QString &id) const;
     /// The ids of the actions that the action gets rows from, directly or not, with itself; and of
-    /// those that get rows from it.
+    /// those that get rows from it, as if the link `without` did not exist.
     QStringList upstream(const QString &id) const;
-    QStringList downstream(const QString &id) const;
+    QStringList downstream(const QString &id, const LinkRef *without = nullptr) const;
 
     // Edits; each is one step of the undo stack.
 
@@ -135,6 +140,7 @@ public:
     /// link that would be removed at the same time.
     bool canLink(const PinRef &from, const PinRef &to, QString *why = nullptr,
                  const LinkRef *replaced = nullptr) const;
+    /// Add a link, if canLink().
     bool addLink(const PinRef &from, const PinRef &to, QString *why = nullptr);
     /// Give a link other ends.
     bool reroute(const LinkRef &link, const LinkRef &ends, QString *why = nullptr);
@@ -150,6 +156,7 @@ public:
     /// Rename an action; the links follow. Returns false, with the reason, for a name that is taken
     /// or not allowed.
     bool rename(const QString &id, const QString &name, QString *why = nullptr);
+    /// An empty comment removes it.
     void setComment(const QString &id, const QString &comment, int series = 0);
     /// A null value removes the variable.
     void setVariable(const QString &name, const QString &value, int series = 0);
@@ -162,6 +169,7 @@ public:
     /// Add the actions of such a text; their upper left corner is at `position`. Returns their ids,
     /// none if the text is not a graph.
     QStringList paste(const QString &text, QPointF position);
+    /// Add copies next to the actions, with the links among them. Returns their ids.
     QStringList duplicate(const QStringList &ids);
     enum class Alignment { Left, Center, Right, Top, Middle, Bottom, Columns, Rows };
     /// Align actions, or distribute them evenly in one direction (Columns, Rows).
@@ -171,12 +179,14 @@ public:
 
     // What is computed in the background.
 
+    /// What `corvanta check` finds, a short time after the last edit; see problemsChanged().
     const QVector<GraphProblem> &problems() const;
     /// The columns that reach an input pin; empty until they are known, see columnsChanged().
     TableSchema inputColumns(const QString &id, int pin);
 
     // The state of the last run, as the run reports it.
 
+    /// Idle for an action that has not run.
     const RunState &runState(const QString &id) const;
     void setRunState(const QString &id, const RunState &state);
     void clearRunStates();
@@ -211,6 +221,7 @@ private:
     FileResult<void> write(const QString &file);
     void push(const QString &text, const Change &change, int series = 0);
     void apply(const Content &next);
+    Content contentOf(const CorvantaGraph &graph, const SourceText &source, bool isKept);
     void rebuildGraph();
     void updateItems(const Content &previous);
     void reportNodes(const Content &previous);
@@ -222,6 +233,7 @@ private:
     XMLNode newElement(const QString &type) const;
     QString addNode(const QString &text, const Node &node, const QVector<Wire> &wires,
                     int series = 0);
+    bool havePins(const LinkRef &link, QString *why) const;
     void fill(const QString &id, const QString &text, int series);
     void finishFill(int key, int revision, const XMLNode &filled, const QString &text, int series,
                     const QString &reason);

@@ -8,6 +8,7 @@ namespace corvanta::studio {
 
 namespace {
 
+/// Run the graph up to an input pin; blocks.
 TableSchema columnsOf(const CorvantaGraph &graph, const ActionRegistry &registry, const QString &id,
                       int pin, const std::stop_token &stop)
 {
@@ -28,6 +29,7 @@ InputColumns::InputColumns(const ActionRegistry &registry,
 {
 }
 
+// Panels ask often; only the first question after a change starts a run.
 TableSchema InputColumns::columns(const CorvantaGraph &graph, const QString &id, int pin)
 {
     const auto found = m_columns.constFind({id, pin});
@@ -44,6 +46,7 @@ TableSchema InputColumns::columns(const CorvantaGraph &graph, const QString &id,
     return {};
 }
 
+/// Compute the columns of the first wanted pin, then of the next.
 void InputColumns::computeNext(const CorvantaGraph &graph)
 {
     const Pin pin = m_wanted.first();
@@ -77,6 +80,7 @@ void InputColumns::forget(const QSet<QString> &ids)
     }
 }
 
+// For another graph in the same document.
 void InputColumns::clear()
 {
     m_columns.clear();

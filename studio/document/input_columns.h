@@ -28,6 +28,7 @@ public:
     TableSchema columns(const CorvantaGraph &graph, const QString &id, int pin);
     /// Forget the columns of the pins of these actions.
     void forget(const QSet<QString> &ids);
+    /// Forget everything, because the graph is another one.
     void clear();
 
 private:

@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <vector>
 
 namespace corvanta::studio {
 
 namespace {
 
+/// The layout of one set of actions. Works with indexes, because graphs may be large.
 class Layout
 {
 public:
@@ -105,6 +105,7 @@ private:
         return all;
     }
 
+    /// Find the rows of the actions of a part.
     void placePart(const std::vector<size_t> &part)
     {
         m_row.resize(m_next.size());
@@ -127,15 +128,18 @@ private:
         alignRows(layers);
     }
 
+    /// The mean row of the neighbours; the own row without any.
     double meanRow(size_t node, const std::vector<std::vector<size_t>> &neighbours) const
     {
-        const std::vector<size_t> &list = neighbours[node];
-        const double sum =
-            std::accumulate(list.begin(), list.end(), 0.0,
-                            [&](double total, size_t other) { return total + m_row[other]; });
-        return list.empty() ? m_row[node] : sum / static_cast<double>(list.size());
+        double sum = 0;
+        for (const size_t other : neighbours[node]) {
+            sum += m_row[other];
+        }
+        const auto count = static_cast<double>(neighbours[node].size());
+        return count == 0 ? m_row[node] : sum / count;
     }
 
+    /// Order a layer by the neighbours on one side. Stable, so that equal actions keep their order.
     void sortLayer(std::vector<size_t> *layer, const std::vector<std::vector<size_t>> &neighbours)
     {
         std::vector<std::pair<double, size_t>> keys;

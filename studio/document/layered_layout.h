@@ -12,7 +12,7 @@
 namespace corvanta::studio {
 
 /// Distance of the upper left corners of neighbours: of two layers, and of two actions in a layer.
-constexpr QSizeF kLayerStep{240, 112};
+constexpr QSizeF kLayerStep{272, 112};
 
 /// The positions of `ids` by id; the upper left corner of all is `origin`. Links to other actions
 /// are ignored. The result depends only on the graph, and keeps the order of the file among equal

@@ -18,26 +18,37 @@ bool refuse(QString *why, const QString &reason)
 
 } // namespace
 
-bool GraphDocument::canLink(const PinRef &from, const PinRef &to, QString *why,
-                            const LinkRef *replaced) const
+/// Whether both pins exist.
+bool GraphDocument::havePins(const LinkRef &link, QString *why) const
 {
+    const auto &[from, to] = link;
     if (!contains(from.action) || !contains(to.action)) {
         return refuse(why, tr("There is no such action."));
     }
-    if (from.action == to.action) {
+    const int outputs = outputCount(from.action);
+    if (from.pin < 0 || from.pin >= outputs) {
+        const QString none = tr("“%1” has no output.").arg(from.action);
+        const QString other =
+            tr("“%1” has no output %2.").arg(from.action, QString::number(from.pin));
+        return refuse(why, outputs == 0 ? none : other);
+    }
+    const int inputs = maxInputs(to.action);
+    if (to.pin < 0 || to.pin >= inputs) {
+        const QString none = tr("“%1” has no input.").arg(to.action);
+        const QString other = tr("“%1” has no input %2.").arg(to.action, QString::number(to.pin));
+        return refuse(why, inputs == 0 ? none : other);
+    }
+    return true;
+}
+
+bool GraphDocument::canLink(const PinRef &from, const PinRef &to, QString *why,
+                            const LinkRef *replaced) const
+{
+    if (from.action == to.action && contains(to.action)) {
         return refuse(why, tr("An action cannot get its own rows."));
     }
-    if (from.pin < 0 || from.pin >= outputCount(from.action)) {
-        return refuse(
-            why, outputCount(from.action) == 0
-                     ? tr("“%1” has no output.").arg(from.action)
-                     : tr("“%1” has no output %2.").arg(from.action, QString::number(from.pin)));
-    }
-    if (to.pin < 0 || to.pin >= maxInputs(to.action)) {
-        return refuse(why,
-                      maxInputs(to.action) == 0
-                          ? tr("“%1” has no input.").arg(to.action)
-                          : tr("“%1” has no input %2.").arg(to.action, QString::number(to.pin)));
+    if (!havePins({from, to}, why)) {
+        return false;
     }
     for (const LinkRef &link : linksTo(to)) {
         if (replaced == nullptr || link != *replaced) {
@@ -45,14 +56,17 @@ bool GraphDocument::canLink(const PinRef &from, const PinRef &to, QString *why,
                                    .arg(link.from.action));
         }
     }
-    // The replaced link starts or ends at one of these pins, so it cannot hide a loop.
-    if (downstream(to.action).contains(from.action)) {
+    // A link that is re-routed keeps one end. If it is part of the way back, its other end decides,
+    // and that way is gone.
+    const QStringList after = downstream(to.action, replaced);
+    if (after.contains(from.action)) {
         return refuse(why, tr("“%1” already gets rows from “%2”; the links would form a loop.")
                                .arg(from.action, to.action));
     }
     return true;
 }
 
+// The text names both ends, because an undo list shows many links.
 bool GraphDocument::addLink(const PinRef &from, const PinRef &to, QString *why)
 {
     if (!canLink(from, to, why)) {
@@ -64,6 +78,7 @@ bool GraphDocument::addLink(const PinRef &from, const PinRef &to, QString *why)
     return true;
 }
 
+// The link keeps its place in the file.
 bool GraphDocument::reroute(const LinkRef &link, const LinkRef &ends, QString *why)
 {
     const int index = m_content.indexOf(link);
@@ -99,6 +114,7 @@ bool GraphDocument::canInsertIntoLink(const QString &id, const LinkRef &link, QS
     return canLink(link.from, {id, 0}, why);
 }
 
+// The two links are at the place of the one that they replace.
 bool GraphDocument::insertIntoLink(const QString &id, const LinkRef &link, QString *why)
 {
     if (!canInsertIntoLink(id, link, why)) {

@@ -45,12 +45,14 @@ GraphProblem problemOf(const CorvantaGraph &graph, const CorvantaGraph::Problem 
     return found;
 }
 
+// check() expects a valid graph.
 CorvantaGraph::Problems problemsIn(const CorvantaGraph &graph, const ActionRegistry &registry)
 {
     const CorvantaGraph::Problems invalid = graph.validate(registry, {});
     return !invalid.isEmpty() ? invalid : graph.check(registry, {}, {});
 }
 
+/// What is wrong with a text; looks up files, and so may block.
 QVector<GraphProblem> problemsOf(const QByteArray &text, const QString &fileName,
                                  const ActionRegistry &registry)
 {
@@ -95,6 +97,7 @@ void ProblemWatch::check()
         });
 }
 
+// Most edits change no problem, and then lists keep their selection.
 void ProblemWatch::show(const QVector<GraphProblem> &problems)
 {
     if (m_problems != problems) {

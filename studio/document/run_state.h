@@ -1,4 +1,6 @@
 // What the canvas shows of the last run of an action.
+//
+// The run sets it with GraphDocument::setRunState(); it is not part of the file or of undo.
 #pragma once
 #include <QMetaType>
 #include <QVector>

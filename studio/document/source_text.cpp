@@ -27,6 +27,7 @@ QString escaped(const QString &text)
     return QString::fromWCharArray(ToXMLStringTool().toXML(text));
 }
 
+/// An attribute with the space before it.
 QString attributeText(const QString &name, const QString &value)
 {
     return u" %1='%2'"_s.arg(name, escaped(value));
@@ -87,6 +88,7 @@ struct MarkupRange
     Markup kind = Markup::Other;
 };
 
+/// The first markup from an index on.
 MarkupRange nextMarkup(const QString &text, qsizetype from)
 {
     const qsizetype begin = text.indexOf(u'<', from);
@@ -159,11 +161,12 @@ QString writtenElement(const XMLNode &element)
 {
     CorvantaGraph graph;
     graph.actions.append({u"a"_s, element});
-    const QString text = QString::fromUtf8(graph.toXml());
-    const qsizetype begin = text.indexOf("<action id='a'>"_L1) + 15;
-    return text.mid(begin, text.lastIndexOf("</action>"_L1) - begin);
+    return QString::fromUtf8(graph.toXml())
+        .section(u"<action id='a'>"_s, 1)
+        .section(u"</action>"_s, 0, -2);
 }
 
+/// In the form ID:PIN.
 QString pinText(const PinRef &pin)
 {
     return pin.action + u':' + QString::number(pin.pin);
@@ -178,18 +181,17 @@ QString numberText(double position)
 struct ActionAttributes
 {
     explicit ActionAttributes(const Node &node)
-        : comment(node.comment.isEmpty() ? QString() : node.comment)
+        : x(node.isPlaced ? numberText(node.position.x()) : QString())
+        , y(node.isPlaced ? numberText(node.position.y()) : QString())
+        , comment(node.comment.isEmpty() ? QString() : node.comment)
     {
-        if (node.isPlaced) {
-            x = numberText(node.position.x());
-            y = numberText(node.position.y());
-        }
     }
     QString x;
     QString y;
     QString comment;
 };
 
+/// The element of an action that the file did not have, in the form of the host.
 QString newAction(const Node &node)
 {
     const ActionAttributes attributes(node);
@@ -218,6 +220,7 @@ QString newVariable(const QString &name, const QString &value)
 
 SourceText::SourceText() = default;
 
+// The document is well-formed, so the scanner needs no checks of its own.
 bool SourceText::split(const QByteArray &document)
 {
     *this = SourceText();
@@ -249,6 +252,7 @@ bool SourceText::split(const QByteArray &document)
     return true;
 }
 
+// Only the attributes are parsed; the rest is kept as it is.
 SourceText::Element SourceText::elementAt(qsizetype begin, qsizetype end) const
 {
     Element element;
@@ -352,6 +356,7 @@ private:
         }
     }
 
+    /// Write the elements of a kind that the file did not have.
     void addNewOf(Kind kind)
     {
         if (m_isAdded[static_cast<size_t>(kind)]) {
@@ -379,6 +384,7 @@ private:
         }
     }
 
+    /// Write a new element in a line of its own.
     void addLine(QString element)
     {
         if (m_lineEnd != "\n"_L1) {
@@ -399,6 +405,7 @@ private:
         return isComment ? text.indexOf(u'\n') - (text.contains("\r\n"_L1) ? 1 : 0) : 0;
     }
 
+    /// Write an element of the file, unless it has been removed.
     void addElement(const Element &element)
     {
         const QString before = element.before.mid(m_written);
@@ -463,6 +470,7 @@ private:
                (element.attributes.contains(u"x"_s) || element.attributes.contains(u"y"_s));
     }
 
+    /// A link may have got other ends, or its actions other names.
     static QString currentLink(const Element &element, const LinkRef &ends)
     {
         QString text = element.text;

@@ -43,6 +43,7 @@ private:
     };
     class Composer;
 
+    /// Whether there is no text to keep.
     bool isNew() const { return m_end.isEmpty(); }
     Element elementAt(qsizetype begin, qsizetype end) const;
 
