@@ -1,11 +1,10 @@
 #include "studio/shell/commands.h"
 
+#include "studio/shell/command_icons.h"
 #include "studio/shell/preferences/settings.h"
 
-#include <QApplication>
 #include <QCoreApplication>
 #include <QMenuBar>
-#include <QStyle>
 #include <QToolBar>
 #include <QWidget>
 
@@ -34,7 +33,6 @@ struct CommandInfo
     const char *keys; ///< "" for none; several are separated by "; "
     const char *tip;  ///< for the status bar, the tool tip and the shortcut editor
     unsigned flags = kPlain;
-    int icon = -1; ///< a QStyle::StandardPixmap
 };
 
 constexpr CommandInfo kMenus[] = {
@@ -48,16 +46,15 @@ constexpr CommandInfo kMenus[] = {
 
 constexpr CommandInfo kCommands[] = {
     {"file", "file.new", QT_TRANSLATE_NOOP("Commands", "&New"), "Ctrl+N",
-     QT_TRANSLATE_NOOP("Commands", "Start an empty graph in a new tab"), kInToolBar,
-     QStyle::SP_FileIcon},
+     QT_TRANSLATE_NOOP("Commands", "Start an empty graph in a new tab"), kInToolBar},
     {"file", "file.open", QT_TRANSLATE_NOOP("Commands", "&Open..."), "Ctrl+O",
-     QT_TRANSLATE_NOOP("Commands", "Open graph files"), kInToolBar, QStyle::SP_DialogOpenButton},
+     QT_TRANSLATE_NOOP("Commands", "Open graph files"), kInToolBar},
     {"file", "file.recent", QT_TRANSLATE_NOOP("Commands", "Open &Recent"), "",
      QT_TRANSLATE_NOOP("Commands", "Open a graph of the last sessions"), kSubMenu},
     {"file", "file.start", QT_TRANSLATE_NOOP("Commands", "S&tart Page"), "",
      QT_TRANSLATE_NOOP("Commands", "Show recent files and examples"), kSeparatorAfter},
     {"file", "file.save", QT_TRANSLATE_NOOP("Commands", "&Save"), "Ctrl+S",
-     QT_TRANSLATE_NOOP("Commands", "Save the graph"), kInToolBar, QStyle::SP_DialogSaveButton},
+     QT_TRANSLATE_NOOP("Commands", "Save the graph"), kInToolBar},
     {"file", "file.saveAs", QT_TRANSLATE_NOOP("Commands", "Save &As..."), "Ctrl+Shift+S",
      QT_TRANSLATE_NOOP("Commands", "Save the graph in another file")},
     {"file", "file.saveAll", QT_TRANSLATE_NOOP("Commands", "Save A&ll"), "Ctrl+Alt+S",
@@ -84,10 +81,10 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP("Commands", "Close the window")},
 
     {"edit", "edit.undo", QT_TRANSLATE_NOOP("Commands", "&Undo"), "Ctrl+Z",
-     QT_TRANSLATE_NOOP("Commands", "Take back the last change"), kInToolBar, QStyle::SP_ArrowBack},
+     QT_TRANSLATE_NOOP("Commands", "Take back the last change"), kInToolBar},
     {"edit", "edit.redo", QT_TRANSLATE_NOOP("Commands", "&Redo"), "Ctrl+Shift+Z; Ctrl+Y",
      QT_TRANSLATE_NOOP("Commands", "Make the change again that was taken back"),
-     kInToolBar | kSeparatorAfter, QStyle::SP_ArrowForward},
+     kInToolBar | kSeparatorAfter},
     {"edit", "edit.cut", QT_TRANSLATE_NOOP("Commands", "Cu&t"), "Ctrl+X",
      QT_TRANSLATE_NOOP("Commands", "Move the selected actions to the clipboard"), kOfGraph},
     {"edit", "edit.copy", QT_TRANSLATE_NOOP("Commands", "&Copy"), "Ctrl+C",
@@ -119,8 +116,7 @@ constexpr CommandInfo kCommands[] = {
     {"view", "view.zoomReset", QT_TRANSLATE_NOOP("Commands", "&Actual Size"), "Ctrl+0",
      QT_TRANSLATE_NOOP("Commands", "Show the graph at 100 %")},
     {"view", "view.zoomFit", QT_TRANSLATE_NOOP("Commands", "&Fit Graph"), "Ctrl+9",
-     QT_TRANSLATE_NOOP("Commands", "Show the whole graph"), kInToolBar,
-     QStyle::SP_FileDialogContentsView},
+     QT_TRANSLATE_NOOP("Commands", "Show the whole graph"), kInToolBar},
     {"view", "view.overview", QT_TRANSLATE_NOOP("Commands", "O&verview"), "Ctrl+Shift+O",
      QT_TRANSLATE_NOOP("Commands", "Show the whole graph small in a corner"), kCheckable},
     {"view", "view.snap", QT_TRANSLATE_NOOP("Commands", "&Snap to Grid"), "",
@@ -170,8 +166,7 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP("Commands", "Insert the selected action into the selected link"),
      kSeparatorAfter},
     {"graph", "graph.layout", QT_TRANSLATE_NOOP("Commands", "Lay &Out"), "Ctrl+Shift+L",
-     QT_TRANSLATE_NOOP("Commands", "Arrange all actions from left to right"), kInToolBar,
-     QStyle::SP_FileDialogDetailedView},
+     QT_TRANSLATE_NOOP("Commands", "Arrange all actions from left to right"), kInToolBar},
     {"graph", "graph.align", QT_TRANSLATE_NOOP("Commands", "Ali&gn"), "",
      QT_TRANSLATE_NOOP("Commands", "Align the selected actions"), kSubMenu},
     {"graph.align", "align.left", QT_TRANSLATE_NOOP("Commands", "&Left Edges"), "Ctrl+Alt+Left",
@@ -193,12 +188,12 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP("Commands", "Make the vertical distances of the selected actions equal")},
 
     {"run", "run.all", QT_TRANSLATE_NOOP("Commands", "&Run"), "F5",
-     QT_TRANSLATE_NOOP("Commands", "Run the graph"), kInToolBar, QStyle::SP_MediaPlay},
+     QT_TRANSLATE_NOOP("Commands", "Run the graph"), kInToolBar},
     {"run", "run.here", QT_TRANSLATE_NOOP("Commands", "Run up to &Here"), "Ctrl+F5",
      QT_TRANSLATE_NOOP("Commands", "Run the selected action and all actions that it depends on"),
-     kInToolBar, QStyle::SP_MediaSkipForward},
+     kInToolBar},
     {"run", "run.stop", QT_TRANSLATE_NOOP("Commands", "&Stop"), "Shift+F5",
-     QT_TRANSLATE_NOOP("Commands", "Stop the run"), kInToolBar, QStyle::SP_MediaStop},
+     QT_TRANSLATE_NOOP("Commands", "Stop the run"), kInToolBar},
     {"run", "run.again", QT_TRANSLATE_NOOP("Commands", "Run A&gain"), "Ctrl+Shift+F5",
      QT_TRANSLATE_NOOP("Commands", "Repeat the last run, whole or up to an action"),
      kSeparatorAfter},
@@ -244,10 +239,6 @@ QAction *makeAction(const CommandInfo &info, QWidget *window)
     action->setChecked((info.flags & kChecked) != 0);
     action->setShortcuts(sequences(info.keys));
     action->setProperty(kDefaultKeys, QVariant::fromValue(action->shortcut()));
-    if (info.icon >= 0) {
-        const auto pixmap = static_cast<QStyle::StandardPixmap>(info.icon);
-        action->setIcon(QApplication::style()->standardIcon(pixmap));
-    }
     return action;
 }
 
@@ -281,6 +272,15 @@ Commands::Commands(QWidget *window, Settings &settings)
             window->addAction(action);
         }
         m_actions.push_back(action);
+    }
+}
+
+void Commands::updateIcons(const QPalette &palette)
+{
+    for (QAction *const action : m_actions) {
+        if ((infoOf(*action).flags & kInToolBar) != 0) {
+            action->setIcon(commandIcon(action->objectName(), palette));
+        }
     }
 }
 

@@ -12,6 +12,7 @@
 
 class QMenu;
 class QMenuBar;
+class QPalette;
 class QToolBar;
 
 namespace corvanta::studio {
@@ -42,6 +43,8 @@ public:
     /// Add the menus. Those without an entry in the table stay empty; see menu().
     void fill(QMenuBar *bar);
     void fill(QToolBar *bar) const;
+    /// Draw the icons of the tool bar in the colours of a palette.
+    void updateIcons(const QPalette &palette);
     /// Let the shortcuts of commands such as Copy work in `widget`, which shows the graph.
     /// Elsewhere they belong to the text or table that has the focus.
     void addGraphShortcuts(QWidget *widget) const;

@@ -136,6 +136,8 @@ void MainWindow::makeMenus()
     m_commands->fill(menuBar());
     QToolBar *const bar = addToolBar(tr("Tool bar"));
     bar->setObjectName(u"toolBar"_s);
+    bar->setIconSize({20, 20});
+    m_commands->updateIcons(palette());
     m_commands->fill(bar);
     QMenu *const docks = m_commands->menu(u"view.docks"_s);
     for (const QDockWidget *const dock : findChildren<QDockWidget *>()) {
@@ -405,6 +407,14 @@ void MainWindow::restoreArrangement()
         resize(1280, 800);
     }
     restoreState(m_settings.windowState());
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        m_commands->updateIcons(palette());
+    }
+    QMainWindow::changeEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -43,6 +43,8 @@ public:
     void showHelp(const QString &type);
 
 protected:
+    /// Draws the icons in the colours of another theme.
+    void changeEvent(QEvent *event) override;
     /// Asks about unsaved changes.
     void closeEvent(QCloseEvent *event) override;
     // Graph files that are dropped anywhere on the window are opened.

@@ -1,9 +1,10 @@
 #include "studio/shell/palette/palette_model.h"
 
 #include "corvanta/action_registry.h"
+#include "studio/shell/command_icons.h"
 #include "studio/shell/preferences/settings.h"
 
-#include <QIcon>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QPixmap>
 
@@ -99,7 +100,7 @@ QVariant PaletteModel::data(const QModelIndex &index, int role) const
     if (role == Qt::DecorationRole && index.column() == 0) {
         const QString type = QStandardItemModel::data(index, kTypeRole).toString();
         if (ActionItem *const prototype = m_registry.prototype(type)) {
-            return QIcon(*prototype->getIcon(1));
+            return actionIcon(*prototype->getIcon(1), QGuiApplication::palette());
         }
     }
     return QStandardItemModel::data(index, role);
