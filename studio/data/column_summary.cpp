@@ -43,23 +43,21 @@ void SummaryBuilder::addCell(const uchar *cell, Column &column)
 
 void SummaryBuilder::addNumber(double value, bool isMissing, Column &column)
 {
-    if (isMissing) {
-        ++column.missing;
-        return;
+    column.missing += isMissing ? 1 : 0;
+    if (!isMissing) {
+        // Both zeros are one value.
+        column.distinct.add(std::hash<double>()(value));
+        column.numbers.add(value);
     }
-    // Both zeros are one value.
-    column.distinct.add(std::hash<double>()(value));
-    column.numbers.add(value);
 }
 
 void SummaryBuilder::addText(const cell::Text &text, Column &column)
 {
-    if (text.isMissing()) {
-        ++column.missing;
-        return;
+    column.missing += text.isMissing() ? 1 : 0;
+    if (!text.isMissing()) {
+        column.distinct.add(std::hash<std::u16string_view>()(text.view()));
+        column.texts.add(text.view());
     }
-    column.distinct.add(std::hash<std::u16string_view>()(text.view()));
-    column.texts.add(text.view());
 }
 
 /// Copies only counts and extreme values, so that it may be called for each group of rows.

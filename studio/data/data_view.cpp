@@ -232,16 +232,14 @@ void DataView::showAction(const QString &id)
 
 void DataView::showPin(const PinRef &pin, EngineRunner::PinType type)
 {
-    m_shown = {pin, type};
-    m_lastPins.insert(m_document, m_shown);
+    m_shown = m_lastPins[m_document] = {pin, type};
     refresh();
 }
 
 void DataView::renameAction(const QString &oldId, const QString &id)
 {
     if (m_shown.pin.action == oldId) {
-        m_shown.pin.action = id;
-        m_lastPins.insert(m_document, m_shown);
+        m_lastPins[m_document].pin.action = m_shown.pin.action = id;
         refreshLater();
     }
 }
@@ -289,11 +287,8 @@ void DataView::choosePin(int index)
 {
     const QString id = m_shown.pin.action;
     const int input = index - m_document->outputCount(id);
-    if (input < 0) {
-        showPin({id, index}, EngineRunner::PinOut);
-    } else {
-        showPin({id, input}, EngineRunner::PinIn);
-    }
+    const bool isInput = input >= 0;
+    showPin({id, isInput ? input : index}, isInput ? EngineRunner::PinIn : EngineRunner::PinOut);
 }
 
 void DataView::showEvent(QShowEvent *event)

@@ -125,11 +125,10 @@ std::optional<PreviewGraph> previewGraphOf(const Graph &graph, const ActionRegis
 /// Both names are absolute. Links are not followed: that could block on a network drive.
 bool readsFiles(const Graph &graph, const ActionRegistry &registry, const QStringList &files)
 {
-    const QStringList inputs = inputsOf(graph, registry);
-    return std::any_of(inputs.begin(), inputs.end(), [&](const QString &input) {
-        return std::any_of(files.begin(), files.end(), [&](const QString &file) {
-            return QDir::match(input, QDir::cleanPath(file)); // an input may be a pattern
-        });
+    const QStringList inputs = inputsOf(graph, registry); // patterns, or names without a wildcard
+    return std::any_of(files.begin(), files.end(), [&](const QString &file) {
+        const QString name = QDir::cleanPath(file);
+        return inputs.contains(name) || QDir::match(inputs, name);
     });
 }
 

@@ -6,11 +6,19 @@
 
 #include <QCoreApplication>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
 namespace {
+
+#ifdef Q_OS_WIN
+constexpr QLatin1StringView kProgram("/corvanta.exe");
+#else
+constexpr QLatin1StringView kProgram("/corvanta");
+#endif
 
 /// The graph itself comes through standard input: a temporary file could remain, and its name would
 /// be in the messages.
@@ -68,11 +76,7 @@ GraphRun::~GraphRun()
 
 QString GraphRun::defaultProgram()
 {
-#ifdef Q_OS_WIN
-    return QCoreApplication::applicationDirPath() + "/corvanta.exe"_L1;
-#else
-    return QCoreApplication::applicationDirPath() + "/corvanta"_L1;
-#endif
+    return QCoreApplication::applicationDirPath() + kProgram;
 }
 
 void GraphRun::start(const RunJob &job)
@@ -92,8 +96,7 @@ void GraphRun::start(const RunJob &job)
 /// system.
 void GraphRun::stop()
 {
-    if (m_isRunning && !m_isStopped) {
-        m_isStopped = true;
+    if (m_isRunning && !std::exchange(m_isStopped, true)) {
         m_process.terminate();
         m_killTimer.start();
     }

@@ -60,11 +60,8 @@ void RunController::runTo(const QStringList &ids)
 void RunController::rerun()
 {
     // An action that was removed since is left out; without the others all of the graph is run.
-    QStringList ids;
-    for (const QString &id : std::as_const(m_upTo)) {
-        ids += m_document.contains(id) ? QStringList{id} : QStringList();
-    }
-    start(ids);
+    m_upTo.removeIf([this](const QString &id) { return !m_document.contains(id); });
+    start(m_upTo);
 }
 
 /// The union of what each of them depends on, in the order of the graph.
@@ -83,16 +80,16 @@ CorvantaGraph RunController::partOf(const CorvantaGraph &graph, const QStringLis
     return all;
 }
 
-void RunController::start(const QStringList &upTo)
+void RunController::start(QStringList upTo)
 {
     if (isRunning()) {
         return;
     }
-    m_upTo = upTo;
+    m_upTo = std::move(upTo);
     const CorvantaGraph &whole = m_document.graph();
-    const CorvantaGraph graph = upTo.isEmpty() ? whole : partOf(whole, upTo);
+    const CorvantaGraph graph = m_upTo.isEmpty() ? whole : partOf(whole, m_upTo);
     // The text of the document has the lines of its file, for messages.
-    RunJob job{upTo.isEmpty() ? m_document.toXml() : graph.toXml(), m_document.fileName()};
+    RunJob job{m_upTo.isEmpty() ? m_document.toXml() : graph.toXml(), m_document.fileName()};
     if (job.fileName.isEmpty()) {
         job.fileName = QDir::current().absoluteFilePath(m_document.title());
     }

@@ -56,7 +56,7 @@ Q_SIGNALS:
     void finished(corvanta::studio::RunEnd end);
 
 private:
-    void start(const QStringList &upTo);
+    void start(QStringList upTo);
     void prepare(const CorvantaGraph &graph);
     /// The graph with only the actions that `ids` depend on.
     static CorvantaGraph partOf(const CorvantaGraph &graph, const QStringList &ids);

@@ -37,7 +37,7 @@ RunState stateOf(const QJsonObject &object)
     RunState state;
     state.state = stateOf(object["state"_L1].toString());
     const QJsonArray rows = object["rowsOut"_L1].toArray();
-    for (const QJsonValue &count : rows) {
+    for (const auto &count : rows) {
         state.rows << count.toInteger();
     }
     state.rowsIn = object["rowsIn"_L1].toInteger(-1);
@@ -49,7 +49,7 @@ RunState stateOf(const QJsonObject &object)
 RunProgress progressOf(const QJsonArray &array)
 {
     RunProgress progress;
-    for (const QJsonValue &value : array) {
+    for (const auto &value : array) {
         const QJsonObject object = value.toObject();
         progress.actions.append({object["action"_L1].toString(), stateOf(object)});
     }
@@ -60,7 +60,7 @@ RunSummary summaryOf(const QJsonObject &object)
 {
     RunSummary summary{object["rows"_L1].toInteger()};
     const QJsonArray files = object["files"_L1].toArray();
-    for (const QJsonValue &file : files) {
+    for (const auto &file : files) {
         summary.files << file.toString();
     }
     return summary;
