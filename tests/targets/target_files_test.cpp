@@ -48,6 +48,19 @@ constexpr WriterCase kWriters[] = {
     {"<writeSASXPT autoWidth='1' fileName='link'/>", "HEADER RECORD*******LIBRARY HEADER"},
 };
 
+/// GoogleTest would print the bytes of the case, whose addresses differ from build to build.
+void PrintTo(const WriterCase &writer, std::ostream *out)
+{
+    *out << writer.element;
+}
+
+/// In the name of the test: "2_writeJSON".
+std::string nameOf(const testing::TestParamInfo<WriterCase> &info)
+{
+    const std::string_view element = info.param.element;
+    return std::to_string(info.index) + '_' + std::string(element.substr(1, element.find(' ') - 1));
+}
+
 QByteArray table(int rows)
 {
     QByteArray csv = "k,t\n";
@@ -188,7 +201,7 @@ TEST_P(TargetFiles, ADiskThatStaysFullFailsTheRunWithOneErrorAfterTheLastQuestio
     EXPECT_FALSE(names(".").contains(u"link"_s));
 }
 
-INSTANTIATE_TEST_SUITE_P(Writers, TargetFiles, testing::ValuesIn(kWriters));
+INSTANTIATE_TEST_SUITE_P(Writers, TargetFiles, testing::ValuesIn(kWriters), nameOf);
 
 int main(int argc, char **argv)
 {
