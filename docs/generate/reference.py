@@ -20,7 +20,10 @@ def block(text, language=""):
 
 
 def sentence(text):
-    return text[:1].upper() + text[1:] + ("" if text.endswith((".", ")")) and not text.endswith("...)") else ".")
+    """With a capital and a full stop; a parameter at the beginning keeps its name."""
+    first = text.partition(" ")[0].rstrip(",;:")
+    begin = text[:1].upper() if re.fullmatch("[a-z]+", first) else text[:1]
+    return begin + text[1:] + ("" if text.endswith(".") else ".")
 
 
 class ActionPage:

@@ -9,6 +9,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
 
 CORVANTA, SHARE = str(pathlib.Path(sys.argv.pop(1)).resolve()), pathlib.Path(sys.argv.pop(1)).resolve()
@@ -99,6 +100,23 @@ class Manual(unittest.TestCase):
         self.assertGreater(len(files), 30)
         done = subprocess.run(["groff", "-man", "-ww", "-Tutf8", "-z", *files], capture_output=True, text=True, check=False)
         self.assertEqual(done.stderr, "")
+
+
+class Log(unittest.TestCase):
+    def test_page_lists_all_members(self):
+        def members(value):
+            for name, inner in value.items() if isinstance(value, dict) else ():
+                yield name
+                for item in inner if isinstance(inner, list) else [inner]:
+                    yield from members(item)
+
+        page = (ROOT / "docs/reference/log.md").read_text(encoding="utf-8")
+        with tempfile.TemporaryDirectory() as folder:
+            done = subprocess.run([CORVANTA, "run", ROOT / "examples/main.graph", "--out-dir", folder, "--log-format", "json", "--progress", "lines"],
+                                  capture_output=True, text=True, check=True)
+        found = {name for line in done.stderr.splitlines() for name in members(json.loads(line))}
+        self.assertGreater(len(found), 12)
+        self.assertEqual([name for name in sorted(found) if f"`{name}`" not in page], [])
 
 
 class Completions(unittest.TestCase):
