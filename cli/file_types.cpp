@@ -177,7 +177,10 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const FileAr
     const auto &[fileName, extension] = file;
     const std::optional<FileAction> found = find(registry, use, extension);
     if (!found && QFileInfo(fileName).isDir()) {
-        return badUsage(u"'%1' is a folder, not a file"_s.arg(fileName));
+        return badUsage(use == FileFormat::Read
+                            ? u"'%1' is a folder, not a file"_s.arg(fileName)
+                            : u"'%1' is a folder, not a file; '%1/' writes a CSV file per table "
+                              "into it"_s.arg(fileName));
     }
     if (!found) {
         return badUsage(u"no action %1 files with the extension of '%2' (supported: %3)"_s.arg(

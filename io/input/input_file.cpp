@@ -1,5 +1,6 @@
 #include "io/input/input_file.h"
 
+#include "base/text/binary_kind.h"
 #include "corvanta/action_item.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
@@ -8,6 +9,7 @@
 #include "io/input/kept_pipe.h"
 
 #include <algorithm>
+#include <array>
 #include <thread>
 
 namespace corvanta {
@@ -18,8 +20,6 @@ using input::Kind;
 using input::OpenError;
 
 namespace {
-
-constexpr QLatin1StringView kStandardInput("/dev/stdin");
 
 /// A plain file, read through the host's file class.
 class PlainSource final : public InputSource
@@ -58,6 +58,22 @@ input::Opened openPlain(const QString &name)
     return std::unique_ptr<InputSource>(std::make_unique<PlainSource>(name, *std::move(file)));
 }
 
+/// Whether a file without an ending that says so may be compressed. The reader of gzip data returns
+/// all other data of a pipe unchanged. A file that is standard input stays one with random access.
+bool mayBePacked(const QString &path)
+{
+    if (input::isPipe(path)) {
+        return true;
+    }
+    if (path != QLatin1StringView("/dev/stdin")) {
+        return false;
+    }
+    std::array<char, kBinaryKindBytes> bytes{};
+    const auto file = MyReadFile::open(path);
+    const qint64 size = file ? readFully(**file, bytes.data(), bytes.size()) : 0;
+    return size > 0 && binaryKind({bytes.data(), static_cast<size_t>(size)}) == BinaryKind::Gzip;
+}
+
 /// Gzip and .Z files are opened by the host, whose own readers need them too.
 input::Opened openSource(GlobalParameters *parameters, const InputName &parts)
 {
@@ -73,10 +89,8 @@ input::Opened openSource(GlobalParameters *parameters, const InputName &parts)
     case Kind::Plain:
         break;
     }
-    // Standard input has no name that says whether it is compressed. The reader of gzip data
-    // returns all other data unchanged.
-    const bool isNameless = parts.path == kStandardInput || input::isPipe(parts.path);
-    return isNameless ? input::openGzipFile(parameters, parts.path) : openPlain(parts.path);
+    return mayBePacked(parts.path) ? input::openGzipFile(parameters, parts.path)
+                                   : openPlain(parts.path);
 }
 
 /// Log the failures that only this class knows. Readers report files of the other kinds, with their
