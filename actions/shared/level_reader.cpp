@@ -101,6 +101,7 @@ QStringList LevelReader::parameterValues() const
 {
     QStringList values;
     const qsizetype count = parameters().size();
+    values.reserve(count);
     for (int i = 0; i < count; ++i) {
         values << parameterValue(i);
     }
@@ -109,7 +110,7 @@ QStringList LevelReader::parameterValues() const
 
 QVector<InputTable> LevelReader::listTables()
 {
-    const QVector<InputTable> filled = std::exchange(m_filledTables, {});
+    QVector<InputTable> filled = std::exchange(m_filledTables, {});
     if (!filled.isEmpty() && m_filledValues == parameterValues()) {
         return filled;
     }

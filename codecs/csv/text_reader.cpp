@@ -25,17 +25,17 @@ Preamble preambleOf(std::string_view text, const Dialect &dialect)
 {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     constexpr std::string_view kSeparator = "sep=";
+    const char lineEnd = dialect.endsLinesWithCr ? '\r' : '\n';
     Preamble preamble;
     text.remove_prefix(text.starts_with(kMark) ? kMark.size() : 0);
-    for (size_t end = text.find(dialect.endsLinesWithCr ? '\r' : '\n');
-         end != std::string_view::npos && preamble.separator == '\0';
-         end = text.find(dialect.endsLinesWithCr ? '\r' : '\n')) {
+    while (preamble.separator == '\0') {
+        const size_t end = text.find(lineEnd);
         std::string_view line = text.substr(0, end);
         line.remove_suffix(line.ends_with('\r') ? 1 : 0);
         const bool isSeparator = line.size() == kSeparator.size() + 1 &&
                                  line.starts_with(kSeparator) && line.back() > 0 &&
                                  line.back() != dialect.quote;
-        if (!line.empty() && !isSeparator) {
+        if (end == std::string_view::npos || (!line.empty() && !isSeparator)) {
             break;
         }
         preamble.separator = isSeparator ? line.back() : '\0';

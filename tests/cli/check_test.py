@@ -404,7 +404,7 @@ class CommandLine(Case):
                 "convert in.csv o.csv --reader separator=\1": "a name or value contains characters that a graph cannot contain",
                 "convert in.csv my o.csv": "no action reads files with the extension of 'my'",
                 "head in.csv my": "one file is required, and 'my' is one too many",
-                "convert in.csv .": "'.' is a folder, not a file",
+                "convert in.csv .": "'.' is a folder, not a file; './' writes a CSV file per table into it",
                 "convert in.pdf o.csv": "no action reads files with the extension of 'in.pdf' (supported: csv ",
                 "describe readXSV": "unknown action 'readXSV'; the nearest known name is 'readCSV' (\"corvanta actions\" lists all actions)"}.items():
             self.assertIn(f": {text}", self.corvanta(*words.split(" ") if words else (), status=2).stderr)
