@@ -4,16 +4,12 @@
 
 #include "base/utf.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <cerrno>
 
 namespace corvanta::encoding {
 
 namespace {
-
-constexpr size_t kFailed = static_cast<size_t>(-1);
 
 /// The bytes 0x80 to 0x9F of Windows code page 1252. All others are equal to Latin-1.
 constexpr std::array<char16_t, 32> kWindows1252 = {
@@ -28,43 +24,17 @@ bool isUtf8(const QString &encoding)
     return upper == QLatin1String("UTF-8") || upper == QLatin1String("UTF8");
 }
 
-} // namespace
-
-/// Owns an iconv handle that converts to UTF-16.
-struct TextDecoder::Converter
+/// As IconvHandle::convert(), with room for `outBytes` bytes of UTF-16.
+int toUnits(const IconvHandle &converter, const char **in, size_t *inLeft, char16_t **out,
+            size_t outBytes)
 {
-    explicit Converter(const QByteArray &encoding)
-        : handle(iconv_open(Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE",
-                            encoding.constData()))
-    {
-    }
-    ~Converter()
-    {
-        if (isOpen()) {
-            iconv_close(handle);
-        }
-    }
-    Converter(const Converter &) = delete;
-    Converter &operator=(const Converter &) = delete;
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open() returns on failure
-    bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
+    char *target = reinterpret_cast<char *>(*out);
+    const int error = converter.convert(in, inLeft, &target, &outBytes);
+    *out = reinterpret_cast<char16_t *>(target);
+    return error;
+}
 
-    /// Convert until the input ends or is invalid. Advances `in` and `out`. Returns 0, or the errno
-    /// value with the reason to stop: EILSEQ, EINVAL (input ends inside a character) or E2BIG.
-    int run(const char **in, size_t *inLeft, char16_t **out, size_t outBytes) const
-    {
-        char *source = const_cast<char *>(*in); // iconv does not write there
-        char *target = reinterpret_cast<char *>(*out);
-        errno = 0;
-        const size_t result = iconv(handle, &source, inLeft, &target, &outBytes);
-        *in = source;
-        *out = reinterpret_cast<char16_t *>(target);
-        return result == kFailed ? errno : 0;
-    }
-    void reset() const { iconv(handle, nullptr, nullptr, nullptr, nullptr); }
-
-    iconv_t handle;
-};
+} // namespace
 
 TextDecoder::TextDecoder(Kind kind)
     : m_kind(kind)
@@ -73,10 +43,6 @@ TextDecoder::TextDecoder(Kind kind)
         m_table[i] = static_cast<char16_t>(i);
     }
 }
-
-TextDecoder::TextDecoder(TextDecoder &&) noexcept = default;
-TextDecoder &TextDecoder::operator=(TextDecoder &&) noexcept = default;
-TextDecoder::~TextDecoder() = default;
 
 TextDecoder TextDecoder::windows1252()
 {
@@ -106,18 +72,18 @@ std::optional<TextDecoder> TextDecoder::open(const QString &encoding)
     if (isUtf8(encoding)) {
         return utf8();
     }
-    return encoding.isEmpty() ? std::nullopt : ofIconv(encoding);
+    return ofIconv(encoding);
 }
 
 /// The kind of an encoding is known only after every byte has been converted: iconv does not say.
 std::optional<TextDecoder> TextDecoder::ofIconv(const QString &encoding)
 {
-    auto converter = std::make_unique<Converter>(encoding.toLatin1());
-    if (!converter->isOpen()) {
+    IconvHandle converter(nativeUtf16(), encoding.toLatin1());
+    if (!converter.isOpen()) {
         return std::nullopt;
     }
     TextDecoder decoder(Kind::Table);
-    if (!decoder.fillTable(*converter)) {
+    if (!decoder.fillTable(converter)) {
         decoder.m_kind = Kind::MultiByte;
         decoder.m_converter = std::move(converter);
     }
@@ -126,7 +92,7 @@ std::optional<TextDecoder> TextDecoder::ofIconv(const QString &encoding)
 
 /// Convert every byte separately. Returns false if some bytes need another one, that is, if the
 /// encoding is a multi-byte encoding. A byte without a unit switches the state of the encoding.
-bool TextDecoder::fillTable(const Converter &converter)
+bool TextDecoder::fillTable(const IconvHandle &converter)
 {
     bool isSingleByte = true;
     for (size_t i = 0; i < m_table.size(); ++i) {
@@ -135,7 +101,7 @@ bool TextDecoder::fillTable(const Converter &converter)
         size_t inLeft = 1;
         std::array<char16_t, 4> units{};
         char16_t *out = units.data();
-        const int error = converter.run(&in, &inLeft, &out, sizeof units);
+        const int error = toUnits(converter, &in, &inLeft, &out, sizeof units);
         converter.reset();
         isSingleByte = isSingleByte && error != EINVAL && (error != 0 || out == units.data() + 1);
         m_table[i] = error == 0 ? units[0] : kReplacementCharacter;
@@ -240,10 +206,10 @@ Decoded TextDecoder::decodeMultiByte(const char *in, qsizetype n, char16_t *out,
     char16_t *at = out;
     char16_t *const end = out + 2 * n;
     auto left = static_cast<size_t>(n);
-    m_converter->reset();
+    m_converter.reset();
     while (left > 0 && at < end) {
         const size_t room = static_cast<size_t>(end - at) * sizeof(char16_t);
-        const int error = m_converter->run(&in, &left, &at, room);
+        const int error = toUnits(m_converter, &in, &left, &at, room);
         if (error == EINVAL && incomplete == Incomplete::LeftOut) {
             result = std::max(result, Decoded::Cut);
             break;

@@ -4,10 +4,11 @@
 // Such a file has one encoding for all texts and names, which its header may name only roughly: the
 // caller chooses it.
 #pragma once
+#include "codecs/encoding/iconv_handle.h"
+
 #include <QString>
 
 #include <array>
-#include <memory>
 #include <optional>
 
 namespace corvanta::encoding {
@@ -35,10 +36,6 @@ public:
     /// The encoding with this iconv name; nothing if iconv does not know it.
     static std::optional<TextDecoder> open(const QString &encoding);
 
-    TextDecoder(TextDecoder &&) noexcept;
-    TextDecoder &operator=(TextDecoder &&) noexcept;
-    ~TextDecoder();
-
     /// Whether every byte gives exactly one unit, so that a text can be decoded directly into a
     /// cell of known size.
     bool isByteForUnit() const { return m_kind == Kind::Table; }
@@ -60,11 +57,10 @@ public:
 
 private:
     enum class Kind { Table, Utf8, MultiByte };
-    struct Converter;
 
     explicit TextDecoder(Kind kind);
     static std::optional<TextDecoder> ofIconv(const QString &encoding);
-    bool fillTable(const Converter &converter);
+    bool fillTable(const IconvHandle &converter);
     Decoded decodeTable(const char *in, qsizetype n, char16_t *out) const;
     static Decoded decodeUtf8(const char *in, qsizetype n, char16_t *out, qsizetype *units);
     enum class Incomplete { LeftOut, Replaced };
@@ -75,7 +71,7 @@ private:
     Kind m_kind;
     bool m_isAsciiBased = true; // ASCII bytes are themselves
     std::array<char16_t, 256> m_table{};
-    std::unique_ptr<Converter> m_converter; // MultiByte only
+    IconvHandle m_converter; // MultiByte only
 };
 
 } // namespace corvanta::encoding

@@ -2,16 +2,12 @@
 // "?" is converted in its place, because it is more than one byte in some encodings.
 #include "codecs/encoding/utf8_encoder.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <cerrno>
 
 namespace corvanta::encoding {
 
 namespace {
-
-constexpr size_t kNotConverted = static_cast<size_t>(-1);
 
 /// The end of the character at `at`: 10xxxxxx continues one.
 const char *characterEnd(const char *at, const char *end)
@@ -21,44 +17,20 @@ const char *characterEnd(const char *at, const char *end)
 
 } // namespace
 
-struct Utf8Encoder::Converter
-{
-    explicit Converter(const QByteArray &encoding)
-        : handle(iconv_open(encoding.constData(), "UTF-8"))
-    {
-    }
-    ~Converter()
-    {
-        if (isOpen()) {
-            iconv_close(handle);
-        }
-    }
-    Converter(const Converter &) = delete;
-    Converter &operator=(const Converter &) = delete;
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open() returns on failure
-    bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
-
-    iconv_t handle;
-};
-
 std::optional<Utf8Encoder> Utf8Encoder::open(const QByteArray &encoding)
 {
-    auto converter = std::make_unique<Converter>(encoding);
-    if (encoding.isEmpty() || !converter->isOpen()) { // an empty name is the locale's for iconv
+    IconvHandle converter(encoding, "UTF-8");
+    if (!converter.isOpen()) {
         return std::nullopt;
     }
     return Utf8Encoder(std::move(converter));
 }
 
-Utf8Encoder::Utf8Encoder(std::unique_ptr<Converter> converter)
+Utf8Encoder::Utf8Encoder(IconvHandle converter)
     : m_converter(std::move(converter))
     , m_text(size_t(64) * 1024)
 {
 }
-
-Utf8Encoder::Utf8Encoder(Utf8Encoder &&) noexcept = default;
-Utf8Encoder &Utf8Encoder::operator=(Utf8Encoder &&) noexcept = default;
-Utf8Encoder::~Utf8Encoder() = default;
 
 /// Appends the bytes of [*in, end) until a character cannot be converted, which is then the next
 /// one.
@@ -66,14 +38,10 @@ void Utf8Encoder::convert(const char **in, const char *end)
 {
     int error = E2BIG;
     while (error == E2BIG) {
-        char *source = const_cast<char *>(*in); // iconv does not write there
         auto left = static_cast<size_t>(end - *in);
         char *out = m_text.data() + m_used;
         size_t room = m_text.size() - m_used;
-        errno = 0;
-        const size_t result = iconv(m_converter->handle, &source, &left, &out, &room);
-        error = result == kNotConverted ? errno : 0;
-        *in = source;
+        error = m_converter.convert(in, &left, &out, &room);
         m_used = m_text.size() - room;
         if (error == E2BIG) {
             m_text.resize(m_text.size() * 2);
@@ -106,7 +74,7 @@ QByteArrayView Utf8Encoder::finish()
 {
     char *out = m_text.data();
     size_t room = m_text.size();
-    iconv(m_converter->handle, nullptr, nullptr, &out, &room);
+    m_converter.finish(&out, &room);
     return {m_text.data(), static_cast<qsizetype>(m_text.size() - room)};
 }
 

@@ -10,8 +10,6 @@
 #include "base/text/unmarked_utf16.h"
 #include "base/utf.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <cerrno>
 
@@ -23,7 +21,6 @@ using namespace std::string_view_literals;
 
 constexpr size_t kRawBytes = size_t(256) * 1024;
 constexpr size_t kProbeBytes = size_t(64) * 1024;
-constexpr size_t kIconvFailed = static_cast<size_t>(-1);
 /// Room for the longest result of one character, and for what flushing may add.
 constexpr size_t kCharacterBytes = 64;
 
@@ -81,27 +78,6 @@ bool isNameOfUtf8(const QByteArray &encoding)
 
 } // namespace
 
-/// Owner of a converter to UTF-8.
-struct Utf8Source::Converter
-{
-    explicit Converter(const QByteArray &encoding)
-        : handle(iconv_open("UTF-8", encoding.constData()))
-    {
-    }
-    ~Converter()
-    {
-        if (isOpen()) {
-            iconv_close(handle);
-        }
-    }
-    Converter(const Converter &) = delete;
-    Converter &operator=(const Converter &) = delete;
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open() returns on failure
-    bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
-
-    iconv_t handle;
-};
-
 bool Utf8Source::isAuto(const QByteArray &encoding)
 {
     return encoding.compare("auto", Qt::CaseInsensitive) == 0;
@@ -121,12 +97,10 @@ Utf8Source::Utf8Source(ByteSource &source, QByteArray encoding, QByteArray fallb
     }
 }
 
-Utf8Source::~Utf8Source() = default;
-
 bool Utf8Source::openConverter(const QByteArray &encoding)
 {
-    auto converter = std::make_unique<Converter>(encoding);
-    if (encoding.isEmpty() || !converter->isOpen()) { // an empty name is the locale's for iconv
+    IconvHandle converter("UTF-8", encoding);
+    if (!converter.isOpen()) {
         return false;
     }
     m_encoding = encoding;
@@ -177,7 +151,7 @@ void Utf8Source::findEncoding()
     } else if (const char *const utf16 = unmarkedUtf16(probe)) {
         m_isAssumed = openConverter(utf16);
     }
-    m_isUndecided = !m_converter;
+    m_isUndecided = !m_converter.isOpen();
 }
 
 /// The first byte that is not ASCII is the next one: whether it begins UTF-8 or not.
@@ -247,13 +221,11 @@ void Utf8Source::convert()
     char *out = m_text.data();
     char *const end = m_text.data() + m_text.size() - kCharacterBytes;
     while (m_at < m_end && out < end) {
-        char *in = m_raw.data() + m_at;
+        const char *in = m_raw.data() + m_at;
         size_t inLeft = m_end - m_at;
         auto room = static_cast<size_t>(end - out);
         const char *const begin = out;
-        errno = 0;
-        const size_t result = iconv(m_converter->handle, &in, &inLeft, &out, &room);
-        const int error = result == kIconvFailed ? errno : 0;
+        const int error = m_converter.convert(&in, &inLeft, &out, &room);
         m_at = m_end - inLeft;
         countLines(begin, out);
         const bool isCut = error == EINVAL && !m_isEnded;
@@ -267,7 +239,7 @@ void Utf8Source::convert()
     if (m_at == m_end && m_isEnded && !m_isFlushed) {
         m_isFlushed = true; // some encodings hold a letter back, to join it with an accent
         auto room = static_cast<size_t>(m_text.data() + m_text.size() - out);
-        iconv(m_converter->handle, nullptr, nullptr, &out, &room);
+        m_converter.finish(&out, &room);
     }
     m_ready = {m_text.data(), static_cast<size_t>(out - m_text.data())};
 }
@@ -287,11 +259,11 @@ qint64 Utf8Source::read(void *buffer, qint64 n)
     }
     while (m_ready.empty()) {
         // The bytes before a failure of the source are delivered first.
-        const bool isDone = m_isEnded && m_at == m_end && (m_isFlushed || !m_converter);
+        const bool isDone = m_isEnded && m_at == m_end && (m_isFlushed || !m_converter.isOpen());
         if (isDone) {
             return m_hasFailed ? -1 : 0;
         }
-        m_converter ? convert() : prepareUtf8();
+        m_converter.isOpen() ? convert() : prepareUtf8();
         if (m_ready.empty()) {
             fill();
         }

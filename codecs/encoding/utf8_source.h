@@ -15,6 +15,7 @@
 #pragma once
 #include "base/byte_source.h"
 #include "base/occurrences.h"
+#include "codecs/encoding/iconv_handle.h"
 
 #include <QByteArray>
 
@@ -34,7 +35,6 @@ public:
     /// iconv knows, or "auto"; then `fallback` is the encoding of text that is neither UTF-8 nor
     /// UTF-16. Check isKnown() before the first read.
     Utf8Source(ByteSource &source, QByteArray encoding, QByteArray fallback = {});
-    ~Utf8Source() override;
 
     /// Whether iconv knows the encoding. The first read of "auto" may change it.
     bool isKnown() const { return m_isKnown; }
@@ -56,8 +56,6 @@ public:
     const Occurrences &replaced() const { return m_replaced; }
 
 private:
-    struct Converter;
-
     void begin();
     bool openConverter(const QByteArray &encoding);
     bool fill();
@@ -76,8 +74,8 @@ private:
     ByteSource &m_source;
     QByteArray m_encoding;
     QByteArray m_fallback;
-    std::unique_ptr<Converter> m_converter; // null: UTF-8
-    size_t m_unitBytes = 1;                 // of the encoding
+    IconvHandle m_converter; // not open: UTF-8
+    size_t m_unitBytes = 1;  // of the encoding
     bool m_isKnown = true;
     bool m_hasBegun = false;
     bool m_isUndecided = false; // all bytes so far are ASCII

@@ -3,10 +3,10 @@
 #include "codecs/sas/text_encoder.h"
 
 #include "base/utf.h"
-
-#include <iconv.h>
+#include "codecs/encoding/iconv_handle.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 namespace corvanta::sas {
@@ -17,17 +17,16 @@ constexpr size_t kUnits = 65536;
 
 /// The unit of one byte in the encoding of `converter`; 0 for a byte without a character.
 /// `*isSingleByte` becomes false if the byte begins a longer character.
-char16_t unitOfByte(iconv_t converter, char byte, bool *isSingleByte)
+char16_t unitOfByte(const encoding::IconvHandle &converter, char byte, bool *isSingleByte)
 {
-    char *in = &byte;
+    const char *in = &byte;
     size_t inLeft = 1;
     char16_t unit[2] = {};
     char *out = reinterpret_cast<char *>(unit);
-    size_t outLeft = sizeof unit;
-    iconv(converter, nullptr, nullptr, nullptr, nullptr);
-    errno = 0;
-    iconv(converter, &in, &inLeft, &out, &outLeft);
-    if (errno == EINVAL || outLeft == 0) {
+    size_t room = sizeof unit;
+    converter.reset();
+    const int error = converter.convert(&in, &inLeft, &out, &room);
+    if (error == EINVAL || room == 0) {
         *isSingleByte = false;
     }
     return inLeft == 0 ? unit[0] : u'\0';
@@ -67,13 +66,8 @@ std::optional<TextEncoder> TextEncoder::named(const QByteArray &name)
     if (isNameOfUtf8(name)) {
         return utf8();
     }
-    if (name.isEmpty()) { // for iconv, the encoding of the user's locale
-        return std::nullopt;
-    }
-    const char *const units = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE";
-    const iconv_t converter = iconv_open(units, name.constData());
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value that iconv_open() returns on failure
-    if (converter == reinterpret_cast<iconv_t>(-1)) {
+    const encoding::IconvHandle converter(encoding::nativeUtf16(), name);
+    if (!converter.isOpen()) {
         return std::nullopt;
     }
     auto table = std::make_shared<Table>(kUnits);
@@ -84,7 +78,6 @@ std::optional<TextEncoder> TextEncoder::named(const QByteArray &name)
         isUsable = isUsable && (byte >= 0x80 || unit == byte);
         (*table)[unit] = unit != 0 ? static_cast<char>(byte) : '\0';
     }
-    iconv_close(converter);
     if (!isUsable) {
         return std::nullopt;
     }

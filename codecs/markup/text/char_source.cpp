@@ -65,7 +65,7 @@ void CharSource::restart(ByteSource &source)
     m_sourceEnded = m_bigEndian = m_orderIsKnown = m_discard = m_discarded = false;
     m_mode = CharMode::Utf8;
     m_error.reset();
-    m_iconv.reset();
+    m_converter = {};
 }
 
 /// The failure to report now. A source fails after the bytes that it delivered, so its failure
@@ -152,13 +152,11 @@ Result<void, MarkupError> CharSource::setEncoding(CharMode mode, const QByteArra
     if (isWide || mode == CharMode::Utf8 || mode == CharMode::Utf16 || mode == CharMode::Utf32) {
         return status();
     }
-    const iconv_t handle = iconv_open("UTF-8", iconvName(mode, name));
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): POSIX defines the result of a failure in this way
-    if (handle == reinterpret_cast<iconv_t>(-1)) {
+    m_converter = encoding::IconvHandle("UTF-8", iconvName(mode, name));
+    if (!m_converter.isOpen()) {
         m_error = MarkupError::CannotConvert;
         return Fault{*m_error};
     }
-    m_iconv.reset(handle);
     return status();
 }
 
@@ -347,10 +345,9 @@ qsizetype CharSource::readUtf32(char *out, qsizetype room)
 /// Run iconv on the buffered bytes; returns its errno, or 0.
 int CharSource::runIconv(char **out, size_t *room)
 {
-    char *in = rawAt();
+    const char *in = rawAt();
     auto inLeft = static_cast<size_t>(rawLeft());
-    const size_t converted = iconv(m_iconv.get(), &in, &inLeft, out, room);
-    const int reason = converted == static_cast<size_t>(-1) ? errno : 0;
+    const int reason = m_converter.convert(&in, &inLeft, out, room);
     m_rawAt = m_rawEnd - inLeft;
     return reason;
 }
@@ -370,7 +367,7 @@ qsizetype CharSource::readCodePage(char *out, qsizetype room)
         }
         if (!fillRaw()) {
             // Some encodings keep a letter back, to join it with an accent that may follow.
-            iconv(m_iconv.get(), nullptr, nullptr, &at, &left);
+            m_converter.finish(&at, &left);
             dropTruncatedEnd();
             return at - out;
         }

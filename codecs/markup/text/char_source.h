@@ -6,10 +6,9 @@
 #pragma once
 #include "base/byte_source.h"
 #include "base/result.h"
+#include "codecs/encoding/iconv_handle.h"
 #include "codecs/markup/text/encoding.h"
 #include "codecs/markup/text/error.h"
-
-#include <iconv.h>
 
 #include <memory>
 #include <optional>
@@ -63,13 +62,6 @@ public:
     static constexpr qsizetype kMinRoom = 64;
 
 private:
-    /// Owner of a converter; iconv_t is a void pointer.
-    struct CloseIconv
-    {
-        using pointer = iconv_t;
-        void operator()(iconv_t handle) const { iconv_close(handle); }
-    };
-
     // Functions that return a size return 0 when they deliver nothing: at the end, or with m_error
     // set.
 
@@ -109,7 +101,7 @@ private:
     bool m_discarded = false;
     /// Reported after the bytes before it.
     std::optional<MarkupError> m_error;
-    std::unique_ptr<void, CloseIconv> m_iconv;
+    encoding::IconvHandle m_converter;
 };
 
 } // namespace corvanta::markup

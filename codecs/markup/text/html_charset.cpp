@@ -2,7 +2,7 @@
 // that can be read byte by byte is not in UTF-16: browsers then use UTF-8.
 #include "codecs/markup/text/html_charset.h"
 
-#include <iconv.h>
+#include "codecs/encoding/iconv_handle.h"
 
 #include <algorithm>
 #include <array>
@@ -40,12 +40,7 @@ constexpr std::array<Labels, 11> kLabels{{
 
 bool isKnownToIconv(const QByteArray &name)
 {
-    const iconv_t converter = iconv_open("UTF-8", name.constData());
-    const bool isKnown = converter != reinterpret_cast<iconv_t>(-1);
-    if (isKnown) {
-        iconv_close(converter);
-    }
-    return isKnown;
+    return encoding::IconvHandle("UTF-8", name).isOpen();
 }
 
 } // namespace
