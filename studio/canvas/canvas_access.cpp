@@ -37,6 +37,7 @@ public:
     int indexOfChild(const QAccessibleInterface *) const override { return -1; }
     QAccessible::Role role() const override { return QAccessible::ListItem; }
 
+    /// What the user can do with the node, and what is done.
     QAccessible::State state() const override
     {
         QAccessible::State state;
@@ -66,6 +67,7 @@ public:
         return {view->viewport()->mapToGlobal(area.topLeft()), area.size()};
     }
 
+    /// Qt asks for each further interface in this way.
     void *interface_cast(QAccessible::InterfaceType kind) override
     {
         return kind == QAccessible::ActionInterface
@@ -113,6 +115,7 @@ public:
         return static_cast<int>(
             view()->graphScene().orderedNodes().indexOf(qobject_cast<NodeItem *>(child->object())));
     }
+    /// The canvas has the focus for Qt, but a node has it for the user.
     QAccessibleInterface *focusChild() const override
     {
         NodeItem *const node = view()->graphScene().node(view()->graphScene().currentId());

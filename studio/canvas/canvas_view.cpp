@@ -150,6 +150,7 @@ void CanvasView::zoomReset()
     setTransform({});
 }
 
+// Graphs that fit are not enlarged: all graphs have nodes of one size then.
 void CanvasView::zoomFit()
 {
     constexpr double kMargin = 40;
@@ -389,6 +390,7 @@ void CanvasView::mousePressEvent(QMouseEvent *event)
     QGraphicsView::mousePressEvent(event);
 }
 
+// The scroll bars move by as much as the mouse, against its direction.
 void CanvasView::mouseMoveEvent(QMouseEvent *event)
 {
     if (m_isPanning) {

@@ -76,6 +76,7 @@ QByteArray pdfOf(GraphScene &scene, const QRectF &area)
 class PrintLook
 {
 public:
+    /// The signals of the scene are blocked: the selection of the user does not change.
     explicit PrintLook(GraphScene &scene)
         : m_scene(scene)
         , m_selected(scene.selectedIds())
@@ -118,6 +119,7 @@ bool writeBytes(const QString &file, const QByteArray &bytes, QString *why)
 
 } // namespace
 
+// An empty graph gives an empty picture of the size of a node.
 bool exportGraph(GraphScene &scene, const QString &file, QString *why)
 {
     const QRectF graph = scene.itemsRect();

@@ -44,6 +44,7 @@ GraphScene::GraphScene(GraphDocument &document, QObject *parent)
     rebuild();
 }
 
+// The items go later, with the base class.
 GraphScene::~GraphScene()
 {
     // Items that are destroyed change the selection.
@@ -87,12 +88,12 @@ void GraphScene::removeNode(const QString &id)
 
 void GraphScene::renameNode(const QString &oldId, const QString &id)
 {
-    if (NodeItem *const item = m_nodes.take(oldId)) {
-        m_nodes.insert(id, item);
-        item->setId(id);
-    }
+    m_drag->cancel(); // it names the actions
+    m_nodes.insert(id, m_nodes.take(oldId));
+    node(id)->setId(id);
 }
 
+// A search, because links are compared by both ends and few operations need it.
 LinkItem *GraphScene::link(const LinkRef &ends) const
 {
     const auto found = std::find_if(m_links.begin(), m_links.end(),
@@ -100,6 +101,7 @@ LinkItem *GraphScene::link(const LinkRef &ends) const
     return found == m_links.end() ? nullptr : *found;
 }
 
+// A new link may need another input pin.
 void GraphScene::addLinkItem(const LinkRef &link)
 {
     refreshPins(link.from.action);
@@ -114,6 +116,7 @@ void GraphScene::addLinkItem(const LinkRef &link)
     }
 }
 
+// The pin that it needed goes with it.
 void GraphScene::removeLinkItem(const LinkRef &link)
 {
     LinkItem *const item = this->link(link);
@@ -143,6 +146,7 @@ void GraphScene::refreshPins(const QString &id)
     }
 }
 
+// What concerns no action is only in the list of problems.
 void GraphScene::showProblems()
 {
     QHash<QString, QStringList> texts;
@@ -221,6 +225,7 @@ void GraphScene::select(const QStringList &ids)
     Q_EMIT selectionChanged();
 }
 
+// The focus is for keys and screen readers, the selection for commands.
 void GraphScene::setCurrent(const QString &id)
 {
     if (NodeItem *const item = node(id)) {
@@ -241,6 +246,7 @@ LinkItem *GraphScene::linkAt(QPointF place, const NodeItem *except) const
     return nullptr;
 }
 
+// At most one link is marked.
 void GraphScene::markLink(LinkItem *link)
 {
     if (m_marked != link) {

@@ -118,6 +118,7 @@ void LinkDrag::offerTargets()
     }
 }
 
+// The message is what a screen reader says.
 void LinkDrag::nextTarget(int step)
 {
     if (m_targets.isEmpty()) {
@@ -207,6 +208,7 @@ void LinkDrag::moveTo(QPointF place)
     }
 }
 
+// A link that is re-routed into the open stays as it was.
 void LinkDrag::dropAt(QPointF place)
 {
     const Target target = targetAt(place);

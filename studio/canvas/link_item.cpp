@@ -19,6 +19,12 @@ constexpr double kLabelWidth = 110;
 constexpr double kLabelHeight = 16;
 constexpr double kLabelZoom = 0.5;
 
+/// How far a link leaves its pins horizontally. One that leads back needs a wide loop to be seen.
+double reachOf(double distance)
+{
+    return distance > 0 ? qMax(distance / 2, 32.0) : qMin(160.0, 48 - distance / 2);
+}
+
 } // namespace
 
 // Below the nodes, which have the Z value 1.
@@ -34,9 +40,7 @@ LinkItem::LinkItem(GraphDocument &document, const LinkRef &link, NodeItem *from,
 
 QPainterPath LinkItem::curve(QPointF from, QPointF to)
 {
-    // A link that leads back needs a wide loop to be seen.
-    const double half = (to.x() - from.x()) / 2;
-    const double reach = half > 0 ? qMax(half, 32.0) : qMin(160.0, 48 - half);
+    const double reach = reachOf(to.x() - from.x());
     QPainterPath path(from);
     path.cubicTo(from.x() + reach, from.y(), to.x() - reach, to.y(), to.x(), to.y());
     return path;

@@ -5,6 +5,8 @@
 #include "studio/canvas/graph_scene.h"
 
 #include <QApplication>
+#include <QCursor>
+#include <QGraphicsSceneHoverEvent>
 #include <QLocale>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
@@ -124,6 +126,7 @@ void NodeItem::setId(const QString &id)
     refresh();
 }
 
+// All at once: most edits change one property, and reading all of them costs little.
 void NodeItem::refresh()
 {
     prepareGeometryChange();
@@ -205,6 +208,14 @@ QString NodeItem::spokenText() const
     return parts.join(", "_L1);
 }
 
+// The cursor shows where a drag begins a link.
+void NodeItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
+{
+    const QPointF place = event->scenePos();
+    const bool isPin = inputAt(place) >= 0 || outputAt(place) >= 0;
+    setCursor(isPin ? Qt::CrossCursor : Qt::ArrowCursor);
+}
+
 // With the pins, the focus and the comment below.
 QRectF NodeItem::boundingRect() const
 {
@@ -251,6 +262,7 @@ void NodeItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, 
     paintState(painter, colors);
 }
 
+// The border shows the state, and the selection above it.
 void NodeItem::paintBody(QPainter *painter, const CanvasColors &colors, bool isSelected) const
 {
     const RunState &state = m_document.runState(m_id);
@@ -275,6 +287,7 @@ void NodeItem::paintBody(QPainter *painter, const CanvasColors &colors, bool isS
     }
 }
 
+// Both lines are next to the icon; the badge limits the first one.
 void NodeItem::paintTexts(QPainter *painter, const CanvasColors &colors) const
 {
     const double top = m_size.height() / 2 - kIconSize / 2;
@@ -326,6 +339,7 @@ void NodeItem::paintPins(QPainter *painter, const CanvasColors &colors) const
     }
 }
 
+// In the corner, where it covers no pin.
 void NodeItem::paintState(QPainter *painter, const CanvasColors &colors) const
 {
     NodeState state = m_document.runState(m_id).state;

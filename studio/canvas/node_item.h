@@ -61,6 +61,7 @@ Q_SIGNALS:
     void movedByUser();
 
 protected:
+    void hoverMoveEvent(QGraphicsSceneHoverEvent *event) override;
     QVariant itemChange(GraphicsItemChange change, const QVariant &value) override;
 
 private:

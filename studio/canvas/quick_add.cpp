@@ -74,7 +74,7 @@ void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QStri
 void QuickAdd::search()
 {
     const QString text = m_field->text().trimmed();
-    std::vector<std::pair<int, const ActionItem *>> found;
+    std::vector<std::pair<int, ActionItem *>> found;
     for (const auto &action : m_registry.prototypes()) {
         const int rank = rankOf(*action, text);
         if (rank >= 0 && (!m_needsInput || action->maxPinIn() > 0)) {
@@ -89,7 +89,7 @@ void QuickAdd::search()
         auto *const item = new QListWidgetItem(u"%1 – %2"_s.arg(type, action->getDescription()),
                                                m_list); // owned by the list
         item->setData(Qt::UserRole, type);
-        if (const QPixmap *const icon = const_cast<ActionItem *>(action)->getIcon(1)) {
+        if (const QPixmap *const icon = action->getIcon(1)) {
             item->setIcon(QIcon(*icon));
         }
     }

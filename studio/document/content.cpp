@@ -5,6 +5,7 @@
 
 namespace corvanta::studio {
 
+// Documents keep a table of the indexes; this is for states that are being made.
 int Content::indexOf(const QString &id) const
 {
     const auto found = std::find_if(nodes.begin(), nodes.end(),

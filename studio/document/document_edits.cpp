@@ -104,12 +104,13 @@ QString GraphDocument::addNode(const QString &text, const Node &node, const QVec
 /// What a new action of a type saves: its version, and the parameters that are always saved.
 XMLNode GraphDocument::newElement(const QString &type) const
 {
-    const auto empty = XMLNode::parse(u"<%1/>"_s.arg(type).toUtf8());
-    const auto item =
-        empty ? m_registry.create(*empty, const_cast<GlobalParameters *>(&m_global)) : nullptr;
+    // The copy of the variables is only for the time of the action.
+    GlobalParameters global = m_global;
+    const auto item = m_registry.create(parsedElement(u"<%1/>"_s.arg(type)), &global);
     return item == nullptr ? XMLNode() : savedElement(*item);
 }
 
+// The type is the first name; users rename what they find important.
 QString GraphDocument::addAction(const QString &type, QPointF position)
 {
     const XMLNode element = newElement(type);
@@ -140,6 +141,7 @@ QString GraphDocument::addActionAfter(const QString &type, const PinRef &from, Q
     return addNode(tr("Add %1").arg(type), node, {{{from, {node.id, 0}}, -1}});
 }
 
+// One step: without the link the action would be of no use there.
 QString GraphDocument::addActionIntoLink(const QString &type, const LinkRef &link, QString *why)
 {
     const ActionItem *const prototype = m_registry.prototype(type);
@@ -315,6 +317,7 @@ bool GraphDocument::rename(const QString &id, const QString &name, QString *why)
     return true;
 }
 
+// Comments are texts of the file only; rows do not depend on them.
 void GraphDocument::setComment(const QString &id, const QString &comment, int series)
 {
     if (contains(id) && node(id).comment != comment) {
@@ -368,7 +371,7 @@ bool GraphDocument::setParameter(const QStringList &ids, const QString &paramete
 /// Give the inputs that are relative to the old folder of the graph their absolute names.
 void GraphDocument::rebaseInputs(const QString &oldFolder)
 {
-    if (QFileInfo(fileName()).absolutePath() == oldFolder) {
+    if (m_global.graphDir() == oldFolder) {
         return;
     }
     QHash<QString, XMLNode> elements;
@@ -396,6 +399,7 @@ void GraphDocument::rebaseInputs(const QString &oldFolder)
     }
 }
 
+// savedForm() keeps what the action does not know.
 void GraphDocument::recordEdit(ActionItem *action, const ParameterEdit &edit)
 {
     const QString id = idOf(action);

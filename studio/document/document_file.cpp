@@ -31,6 +31,7 @@ QByteArray bytesOf(const QString &name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// The lock that a running session has on its recovery file.
 std::unique_ptr<QLockFile> lockOf(const QString &recovery)
 {
     auto lock = std::make_unique<QLockFile>(recovery + ".lock"_L1);
@@ -97,6 +98,7 @@ bool DocumentFile::hasChanged() const
     return !name.isEmpty() && !m_content.isNull() && bytesOf(name) != m_content;
 }
 
+/// Compare the file, after a change of it or of its folder.
 void DocumentFile::noticeChange()
 {
     watch();
@@ -137,6 +139,7 @@ void DocumentFile::writeRecovery()
     }
 }
 
+// The lock goes last, or another session could offer the file.
 void DocumentFile::removeRecovery()
 {
     m_recoveryTimer.stop();
@@ -170,6 +173,7 @@ QVector<GraphDocument::Recovery> DocumentFile::recoveries()
     return all;
 }
 
+// Everything after the line with the name of the original.
 QByteArray DocumentFile::recoveredText(const QString &file)
 {
     const QByteArray bytes = bytesOf(file);
@@ -240,10 +244,11 @@ GraphDocument::FileResult<void> GraphDocument::save()
 GraphDocument::FileResult<void> GraphDocument::saveAs(const QString &file)
 {
     const QString name = QFileInfo(file).absoluteFilePath();
+    const QString oldFolder = m_global.graphDir(); // the current one for a new graph
     const QString before = std::exchange(m_graph.fileName, name);
     const int step = m_undo.index();
     rebuildGraph(); // saved names are relative to the new folder
-    rebaseInputs(QFileInfo(before).absolutePath());
+    rebaseInputs(oldFolder);
     if (auto written = write(name); !written) {
         m_graph.fileName = before;
         rebuildGraph();

@@ -361,6 +361,15 @@ TEST_F(StudioDocument, SaveAsKeepsTheMeaningOfRelativeNames)
                 text.contains("fileName='b.csv'"_L1))
         << text.toStdString();
     EXPECT_FALSE(document->isModified());
+    // A graph without a file has the current folder.
+    const QString current = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(m_folder.path()));
+    GraphDocument fresh(test::allActions());
+    fresh.addDataFile(write(u"new.csv"_s, "a\n"), {});
+    ASSERT_TRUE(fresh.saveAs(m_folder.filePath(u"other/new.graph"_s)));
+    EXPECT_TRUE(fresh.toXml().contains(m_folder.filePath(u"new.csv"_s).toUtf8()))
+        << fresh.toXml().toStdString();
+    QDir::setCurrent(current);
 }
 
 TEST_F(StudioDocument, AKilledSessionIsRecovered)

@@ -67,6 +67,7 @@ QString readerType(const ActionRegistry &registry, const QString &file)
                                        : QString::fromLatin1(reader.prototype->getTypeName());
 }
 
+// The name of the file comes last, so that a compressed file does not change the defaults.
 std::unique_ptr<ActionItem> makeReader(const ActionRegistry &registry, const QString &file,
                                        GlobalParameters *global)
 {
@@ -78,12 +79,10 @@ std::unique_ptr<ActionItem> makeReader(const ActionRegistry &registry, const QSt
     }
     const int index = inputParameter(*described);
     // A new action chooses defaults by the extension of its file, which a compressed file hides.
-    const auto element =
-        XMLNode::parse(u"<%1 %2='file.%3'/>"_s
-                           .arg(QString::fromLatin1(prototype->getTypeName()),
-                                described->parameters().value(index).name, extension)
-                           .toUtf8());
-    std::unique_ptr<ActionItem> action = element ? registry.create(*element, global) : nullptr;
+    const XMLNode element = parsedElement(
+        u"<%1 %2='file.%3'/>"_s.arg(QString::fromLatin1(prototype->getTypeName()),
+                                    described->parameters().value(index).name, extension));
+    std::unique_ptr<ActionItem> action = registry.create(element, global);
     auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
     if (parameters == nullptr) {
         return nullptr;
@@ -103,7 +102,12 @@ XMLNode savedElement(ActionItem &action)
     std::wostringstream out;
     out.exceptions(std::ios::badbit); // for lack of memory
     action.save(out, QString::fromLatin1(action.getTypeName()));
-    const auto node = XMLNode::parse(QString::fromStdWString(out.str()).toUtf8());
+    return parsedElement(QString::fromStdWString(out.str()));
+}
+
+XMLNode parsedElement(const QString &text)
+{
+    const auto node = XMLNode::parse(text.toUtf8());
     return node ? *node : XMLNode();
 }
 

@@ -23,5 +23,7 @@ std::unique_ptr<ActionItem> makeReader(const ActionRegistry &registry, const QSt
 
 /// The element that the action saves; empty for a value that XML cannot contain.
 XMLNode savedElement(ActionItem &action);
+/// The element that a text is; empty if it is not XML.
+XMLNode parsedElement(const QString &text);
 
 } // namespace corvanta::studio

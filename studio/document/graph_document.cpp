@@ -23,6 +23,7 @@ namespace corvanta::studio {
 class GraphEdit final : public QUndoCommand
 {
 public:
+    /// `series` as in ParameterEdit.
     GraphEdit(GraphDocument &document, const QString &text, Content after, int series)
         : QUndoCommand(text)
         , m_document(document)
@@ -120,6 +121,7 @@ void placeForDisplay(Content *content)
 
 } // namespace
 
+// A new graph gets the version of this host, which its new actions have too.
 GraphDocument::GraphDocument(const ActionRegistry &registry, QObject *parent)
     : QObject(parent)
     , m_registry(registry)
@@ -181,6 +183,7 @@ Content GraphDocument::contentOf(const CorvantaGraph &graph, const SourceText &s
     return content;
 }
 
+// Nothing changes if the text cannot be parsed: the document stays usable.
 GraphDocument::FileResult<void> GraphDocument::load(const QByteArray &text, const QString &file)
 {
     SourceText source;
@@ -379,6 +382,7 @@ QVector<LinkRef> GraphDocument::links() const
     return mapped<QVector<LinkRef>>(m_content.wires, [](const Wire &wire) { return wire.ends; });
 }
 
+// More than one only in an invalid graph.
 QVector<LinkRef> GraphDocument::linksTo(const PinRef &input) const
 {
     QVector<LinkRef> all = links();
@@ -513,6 +517,7 @@ void GraphDocument::setRunState(const QString &id, const RunState &state)
     }
 }
 
+// The signal comes when all states are gone.
 void GraphDocument::clearRunStates()
 {
     const auto before = std::exchange(m_runStates, {});

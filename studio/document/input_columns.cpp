@@ -22,6 +22,7 @@ TableSchema columnsOf(const CorvantaGraph &graph, const ActionRegistry &registry
 
 } // namespace
 
+// The owner passes the ids on to panels.
 InputColumns::InputColumns(const ActionRegistry &registry,
                            std::function<void(const QString &)> known)
     : m_registry(registry)
@@ -66,6 +67,7 @@ void InputColumns::computeNext(const CorvantaGraph &graph)
         [show](const QString &) { show({}); });
 }
 
+// With all actions at once, because each call begins the current run again.
 void InputColumns::forget(const QSet<QString> &ids)
 {
     if (ids.isEmpty()) {

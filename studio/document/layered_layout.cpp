@@ -17,6 +17,7 @@ namespace {
 class Layout
 {
 public:
+    /// Links from and to other actions do not count.
     Layout(const Content &content, const QStringList &ids)
         : m_ids(ids)
         , m_next(static_cast<size_t>(ids.size()))
@@ -36,6 +37,7 @@ public:
         }
     }
 
+    /// The parts of the graph, one below the other.
     QMap<QString, QPointF> positions(QPointF origin)
     {
         findLayers();

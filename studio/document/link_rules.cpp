@@ -41,6 +41,7 @@ bool GraphDocument::havePins(const LinkRef &link, QString *why) const
     return true;
 }
 
+// The simple reasons come first, because they are the clearest.
 bool GraphDocument::canLink(const PinRef &from, const PinRef &to, QString *why,
                             const LinkRef *replaced) const
 {
@@ -96,6 +97,7 @@ bool GraphDocument::reroute(const LinkRef &link, const LinkRef &ends, QString *w
     return true;
 }
 
+// An action with links would get a second meaning.
 bool GraphDocument::canInsertIntoLink(const QString &id, const LinkRef &link, QString *why) const
 {
     if (m_content.indexOf(link) < 0) {

@@ -75,6 +75,7 @@ QVector<GraphProblem> problemsOf(const QByteArray &text, const QString &fileName
 
 } // namespace
 
+// A timer, so that letters that are typed are checked once.
 ProblemWatch::ProblemWatch(GraphDocument &document, std::function<void()> changed)
     : m_document(document)
     , m_changed(std::move(changed))
@@ -84,6 +85,7 @@ ProblemWatch::ProblemWatch(GraphDocument &document, std::function<void()> change
     connect(&m_timer, &QTimer::timeout, this, &ProblemWatch::check);
 }
 
+// Older work is dropped by the worker.
 void ProblemWatch::check()
 {
     m_background.start(

@@ -69,6 +69,7 @@ qsizetype endOfMarkup(const QString &text, qsizetype at)
 
 enum class Markup { Start, End, Empty, Other };
 
+/// What a piece of markup does to the depth of elements.
 Markup kindOf(QStringView markup)
 {
     if (markup.startsWith("<!"_L1) || markup.startsWith("<?"_L1)) {
@@ -161,9 +162,8 @@ QString writtenElement(const XMLNode &element)
 {
     CorvantaGraph graph;
     graph.actions.append({u"a"_s, element});
-    return QString::fromUtf8(graph.toXml())
-        .section(u"<action id='a'>"_s, 1)
-        .section(u"</action>"_s, 0, -2);
+    const QString inside = QString::fromUtf8(graph.toXml()).section(u"<action id='a'>"_s, 1);
+    return inside.section(u"</action>"_s, 0, -2);
 }
 
 /// In the form ID:PIN.
@@ -273,6 +273,7 @@ SourceText::Element SourceText::elementAt(qsizetype begin, qsizetype end) const
     return element;
 }
 
+// For the host's reader, not for a file.
 QByteArray SourceText::knownPart() const
 {
     QString text = m_begin;
@@ -300,6 +301,7 @@ bool SourceText::hasPosition(int index) const
 class SourceText::Composer
 {
 public:
+    /// Tables by origin, because the elements are visited in the order of the file.
     Composer(const SourceText &source, const Content &content)
         : m_source(source)
         , m_content(content)
@@ -319,6 +321,7 @@ public:
         }
     }
 
+    /// The whole document.
     QString text()
     {
         m_text = m_source.m_begin;
@@ -439,6 +442,7 @@ private:
         return element.text;
     }
 
+    /// The element of an action, with only the differences replaced.
     static QString currentAction(const Element &element, const Node &node)
     {
         QString text = element.text;
@@ -483,6 +487,7 @@ private:
         return text;
     }
 
+    /// The element of a variable; empty if it has been removed.
     QString currentVariable(const Element &element) const
     {
         const QString name = element.attributes.value(u"name"_s);
@@ -512,6 +517,7 @@ private:
     std::array<bool, 4> m_isAdded{};     // whether the new elements of the kind are written
 };
 
+// A new graph is composed like a file with nothing in it.
 QByteArray SourceText::compose(const Content &content, double version) const
 {
     if (!isNew()) {
