@@ -14,7 +14,6 @@
 #include "studio/shell/preferences/preferences.h"
 #include "studio/shell/preferences/settings.h"
 #include "studio/shell/preferences/shortcut_editor.h"
-#include "studio/shell/views/data_panel.h"
 #include "studio/shell/views/help_view.h"
 #include "studio/shell/views/outline.h"
 #include "studio/shell/views/problem_list.h"
@@ -68,7 +67,7 @@ MainWindow::MainWindow(const ActionRegistry &registry, Settings &settings)
     , m_problems(new ProblemList(this))
     , m_help(new HelpView(registry, this))
     , m_logs(new QStackedWidget(this))
-    , m_data(new DataPanel(registry, this))
+    , m_data(new DataView(registry, this))
     , m_runStatus(new RunStatus(this))
     , m_graphCommands(new GraphCommands(*m_commands, *m_workspace))
 {
@@ -278,7 +277,7 @@ void MainWindow::connectTab(DocumentTab *tab)
     connect(tab->log(), &LogPanel::actionChosen, m_graphCommands, &GraphCommands::showAction);
     connect(tab->runs(), &RunController::runningChanged, this,
             ifShown(&MainWindow::updateCommands));
-    connect(tab->runs(), &RunController::filesWritten, m_data->view(), &DataView::filesWritten);
+    connect(tab->runs(), &RunController::filesWritten, m_data, &DataView::filesWritten);
     GraphDocument *const document = tab->document();
     for (const auto signal : {&GraphDocument::actionChanged, &GraphDocument::columnsChanged}) {
         connect(document, signal, this, [this, tab](const QString &id) {
@@ -301,6 +300,7 @@ void MainWindow::showTab()
     m_variables->setDocument(document);
     m_outline->setDocument(document);
     m_problems->setDocument(document);
+    m_data->setDocument(document);
     m_runStatus->setController(m_shown != nullptr ? m_shown->runs() : nullptr);
     if (m_shown != nullptr) {
         m_logs->setCurrentWidget(m_shown->log());
@@ -315,7 +315,9 @@ void MainWindow::showSelection()
     const QStringList ids = m_graphCommands->selectedIds();
     m_properties->show(document, ids);
     m_outline->setSelected(ids);
-    m_data->showAction(document, ids.value(0));
+    if (ids.size() == 1) {
+        m_data->showAction(ids.first()); // else the last one stays
+    }
     updateCommands();
 }
 

@@ -11,7 +11,7 @@ class ActionRegistry;
 namespace corvanta::studio {
 
 class Commands;
-class DataPanel;
+class DataView;
 class DocumentTab;
 class GraphCommands;
 class HelpView;
@@ -90,7 +90,7 @@ private:
     ProblemList *m_problems;
     HelpView *m_help;
     QStackedWidget *m_logs; // one panel per tab
-    DataPanel *m_data;
+    DataView *m_data;
     RunStatus *m_runStatus;
     GraphCommands *m_graphCommands;
     DocumentTab *m_shown = nullptr; // whose document the panels show; null: none
