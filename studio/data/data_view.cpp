@@ -72,7 +72,8 @@ DataView::DataView(const ActionRegistry &registry, QWidget *parent)
     , m_layout(m_table, m_rows, m_summary->model())
     , m_note(new QLabel)
 {
-    setObjectName(u"dataView"_s);
+    setObjectName(u"data"_s);
+    setFocusProxy(m_table);
     m_rows.setRows(&m_reader.rows());
     setUpTable(m_table, u"dataRows"_s, tr("Rows"), &m_rows);
     m_splitter->addWidget(m_table);
@@ -226,8 +227,11 @@ void DataView::follow(GraphDocument *document)
 /// A writer without output pins shows what reaches it.
 void DataView::showAction(const QString &id)
 {
-    const bool hasOutput = m_document != nullptr && m_document->outputCount(id) > 0;
-    showPin({id, 0}, hasOutput ? EngineRunner::PinOut : EngineRunner::PinIn);
+    const bool isKnown = m_document != nullptr && m_document->contains(id);
+    if (isKnown && id != m_shown.pin.action) {
+        const bool hasOutput = m_document->outputCount(id) > 0;
+        showPin({id, 0}, hasOutput ? EngineRunner::PinOut : EngineRunner::PinIn);
+    }
 }
 
 void DataView::showPin(const PinRef &pin, EngineRunner::PinType type)
@@ -268,27 +272,35 @@ void DataView::updatePins()
 {
     const QSignalBlocker blocker(m_pins);
     m_pins->clear();
-    m_pins->setEnabled(hasPin());
-    if (!hasPin()) {
-        return;
+    m_listed = hasPin() ? pinsOfAction() : QVector<ShownPin>();
+    for (const ShownPin &pin : std::as_const(m_listed)) {
+        m_pins->addItem(titleOf(pin));
     }
-    const auto &[id, pin] = m_shown.pin;
-    const int outputs = m_document->outputCount(id);
-    for (int i = 0; i < outputs; ++i) {
-        m_pins->addItem(titleOf({{id, i}, EngineRunner::PinOut}));
+    m_pins->setEnabled(!m_listed.isEmpty());
+    m_pins->setCurrentIndex(static_cast<int>(m_listed.indexOf(m_shown)));
+}
+
+/// Input pins without a link have no rows.
+QVector<DataView::ShownPin> DataView::pinsOfAction() const
+{
+    const QString &id = m_shown.pin.action;
+    QVector<ShownPin> pins;
+    for (int i = 0; i < m_document->outputCount(id); ++i) {
+        pins.append({{id, i}, EngineRunner::PinOut});
     }
     for (int i = 0; i < m_document->inputCount(id); ++i) {
-        m_pins->addItem(titleOf({{id, i}, EngineRunner::PinIn}));
+        const ShownPin pin{{id, i}, EngineRunner::PinIn};
+        if (pin == m_shown || !m_document->linksTo(pin.pin).isEmpty()) {
+            pins << pin;
+        }
     }
-    m_pins->setCurrentIndex(m_shown.type == EngineRunner::PinOut ? pin : outputs + pin);
+    return pins;
 }
 
 void DataView::choosePin(int index)
 {
-    const QString id = m_shown.pin.action;
-    const int input = index - m_document->outputCount(id);
-    const bool isInput = input >= 0;
-    showPin({id, isInput ? input : index}, isInput ? EngineRunner::PinIn : EngineRunner::PinOut);
+    const ShownPin chosen = m_listed[index];
+    showPin(chosen.pin, chosen.type);
 }
 
 void DataView::showEvent(QShowEvent *event)

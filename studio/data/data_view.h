@@ -35,7 +35,8 @@ public:
 
     /// Show the pin of a document that was shown last; a null document: nothing.
     void setDocument(GraphDocument *document);
-    /// Show the first output pin of an action of the document, or its first input pin.
+    /// Show the first output pin of an action of the document, or its first input pin. The pin that
+    /// is shown stays if it is one of the action, or if there is no such action.
     void showAction(const QString &id);
     void showPin(const PinRef &pin, EngineRunner::PinType type);
     /// A run has written these files: forget the rows that were read from them.
@@ -55,6 +56,7 @@ private:
     {
         PinRef pin;
         EngineRunner::PinType type = EngineRunner::PinOut;
+        bool operator==(const ShownPin &) const = default;
     };
 
     // Called once, by the constructor.
@@ -75,6 +77,7 @@ private:
     void renameAction(const QString &oldId, const QString &id);
     void choosePin(int index);
     void updatePins();
+    QVector<ShownPin> pinsOfAction() const;
     void refreshLater() { m_delay.start(); }
     void refresh();
 
@@ -91,6 +94,7 @@ private:
 
     QPointer<GraphDocument> m_document;
     ShownPin m_shown;
+    QVector<ShownPin> m_listed;                  // the pins of its action, in the order of m_pins
     QHash<const QObject *, ShownPin> m_lastPins; // by document
     PinReader m_reader;
     RowsModel m_rows;
