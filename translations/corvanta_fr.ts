@@ -4777,18 +4777,14 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
 </context>
 <context>
-    <name>corvanta::studio::DataPanel</name>
+    <name>corvanta::studio::ColumnLayout</name>
     <message>
-        <source>&amp;Rows of:</source>
-        <translation>&amp;Lignes de&#xa0;:</translation>
+        <source>Hide the column</source>
+        <translation>Masquer la colonne</translation>
     </message>
     <message>
-        <source>%1, output %2</source>
-        <translation>%1, sortie %2</translation>
-    </message>
-    <message>
-        <source>%1, input %2</source>
-        <translation>%1, entrée %2</translation>
+        <source>Show all columns</source>
+        <translation>Afficher toutes les colonnes</translation>
     </message>
 </context>
 <context>
@@ -4826,10 +4822,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Copier en CSV</translation>
     </message>
     <message>
-        <source>Copy the selected cells, or all rows, as CSV</source>
-        <translation>Copier les cellules sélectionnées, ou toutes les lignes, en CSV</translation>
-    </message>
-    <message>
         <source>Reload</source>
         <translation>Relire</translation>
     </message>
@@ -4858,52 +4850,12 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Lignes</translation>
     </message>
     <message>
-        <source>Summarize all rows</source>
-        <translation>Résumer toutes les lignes</translation>
-    </message>
-    <message>
-        <source>Read the whole table for the counts and ranges</source>
-        <translation>Lire toute la table pour les nombres et les étendues</translation>
-    </message>
-    <message>
-        <source>Move left</source>
-        <translation>Vers la gauche</translation>
-    </message>
-    <message>
-        <source>Move the column to the left</source>
-        <translation>Déplacer la colonne vers la gauche</translation>
-    </message>
-    <message>
-        <source>Move right</source>
-        <translation>Vers la droite</translation>
-    </message>
-    <message>
-        <source>Move the column to the right</source>
-        <translation>Déplacer la colonne vers la droite</translation>
-    </message>
-    <message>
-        <source>Show all columns</source>
-        <translation>Afficher toutes les colonnes</translation>
-    </message>
-    <message>
-        <source>Show the hidden columns again</source>
-        <translation>Afficher de nouveau les colonnes masquées</translation>
-    </message>
-    <message>
         <source>More rows</source>
         <translation>Plus de lignes</translation>
     </message>
     <message>
         <source>Read more rows</source>
         <translation>Lire plus de lignes</translation>
-    </message>
-    <message>
-        <source>Output %1 of %2</source>
-        <translation>Sortie %1 de %2</translation>
-    </message>
-    <message>
-        <source>Input %1 of %2</source>
-        <translation>Entrée %1 de %2</translation>
     </message>
     <message>
         <source>Show %1 rows</source>
@@ -4934,10 +4886,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Cellules coupées après %1 caractères&#xa0;: %2</translation>
     </message>
     <message>
-        <source>No file is written; the rows are those that reach %1</source>
-        <translation>Aucun fichier n&apos;est écrit&#xa0;; ces lignes sont celles qui arrivent à %1</translation>
-    </message>
-    <message>
         <source>Not in the rows shown</source>
         <translation>Absent des lignes affichées</translation>
     </message>
@@ -4946,8 +4894,32 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Introuvable</translation>
     </message>
     <message>
-        <source>Hide the column</source>
-        <translation>Masquer la colonne</translation>
+        <source>Copy all rows, or those with selected cells, as CSV</source>
+        <translation>Copier toutes les lignes, ou celles des cellules sélectionnées, en CSV</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copier</translation>
+    </message>
+    <message>
+        <source>Copy the selected cell, or several as CSV</source>
+        <translation>Copier la cellule sélectionnée, ou plusieurs en CSV</translation>
+    </message>
+    <message>
+        <source>Pin of the rows</source>
+        <translation>Entrée ou sortie des lignes</translation>
+    </message>
+    <message>
+        <source>%1: output %2</source>
+        <translation>%1 : sortie %2</translation>
+    </message>
+    <message>
+        <source>%1: input %2</source>
+        <translation>%1 : entrée %2</translation>
+    </message>
+    <message>
+        <source>No file is written; the rows are those that reach &apos;%1&apos;</source>
+        <translation>Aucun fichier n&apos;est écrit ; les lignes sont celles qui arrivent à « %1 »</translation>
     </message>
 </context>
 <context>
@@ -5313,6 +5285,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Not kept: %1</source>
         <translation>Non conservés&#xa0;: %1</translation>
     </message>
+    <message>
+        <source>Copy the selected messages, or all that are shown</source>
+        <translation>Copier les messages sélectionnés, ou tous ceux qui sont affichés</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::MainWindow</name>
@@ -5508,12 +5484,16 @@ Actions&#xa0;: %2</translation>
 <context>
     <name>corvanta::studio::PinReader</name>
     <message>
-        <source>No rows reach this pin: it has no link.</source>
-        <translation>Aucune ligne n&apos;arrive ici&#xa0;: il n&apos;y a pas de lien.</translation>
-    </message>
-    <message>
         <source>The actions cannot be run.</source>
         <translation>Les actions ne peuvent pas être exécutées.</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is a pipe or a device: a run could not read its rows again.</source>
+        <translation>« %1 » est un tube ou un périphérique : une exécution ne pourrait pas relire ses lignes.</translation>
+    </message>
+    <message>
+        <source>No rows reach this pin: it has no link, or its action is unknown.</source>
+        <translation>Aucune ligne n&apos;arrive ici : l&apos;entrée n&apos;a pas de lien, ou son action est inconnue.</translation>
     </message>
 </context>
 <context>
@@ -5788,6 +5768,45 @@ Actions&#xa0;: %2</translation>
     <message>
         <source>Maximum</source>
         <translation>Maximum</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::SummaryPanel</name>
+    <message>
+        <source>Columns</source>
+        <translation>Colonnes</translation>
+    </message>
+    <message>
+        <source>Summarize all rows</source>
+        <translation>Résumer toutes les lignes</translation>
+    </message>
+    <message>
+        <source>Read the whole table for the counts and ranges</source>
+        <translation>Lire toute la table pour les nombres et les étendues</translation>
+    </message>
+    <message>
+        <source>Move left</source>
+        <translation>Vers la gauche</translation>
+    </message>
+    <message>
+        <source>Move the column to the left</source>
+        <translation>Déplacer la colonne vers la gauche</translation>
+    </message>
+    <message>
+        <source>Move right</source>
+        <translation>Vers la droite</translation>
+    </message>
+    <message>
+        <source>Move the column to the right</source>
+        <translation>Déplacer la colonne vers la droite</translation>
+    </message>
+    <message>
+        <source>Show all columns</source>
+        <translation>Afficher toutes les colonnes</translation>
+    </message>
+    <message>
+        <source>Show the hidden columns again</source>
+        <translation>Afficher de nouveau les colonnes masquées</translation>
     </message>
 </context>
 <context>
