@@ -3612,6 +3612,14 @@
         <source>Name of a column that is the last one of the output, such as _FileNames. Empty: the columns keep the order in which they appear.</source>
         <translation>Nom d&apos;une colonne qui est la dernière de la sortie, par exemple _FileNames. Vide : les colonnes gardent l&apos;ordre dans lequel elles apparaissent.</translation>
     </message>
+    <message>
+        <source>Number equal column names</source>
+        <translation>Numéroter les noms de colonnes égaux</translation>
+    </message>
+    <message>
+        <source>The second and later columns of one name get _2, _3, ... Off: they keep the name, which most file formats do not allow.</source>
+        <translation>La deuxième colonne d&apos;un même nom et les suivantes reçoivent _2, _3, ... Désactivé : elles gardent le nom, ce que la plupart des formats de fichiers n&apos;autorisent pas.</translation>
+    </message>
 </context>
 <context>
     <name>Problems</name>

@@ -1,5 +1,6 @@
 #include "actions/read_csv/csv_file.h"
 
+#include "actions/shared/tables/unique_names.h"
 #include "base/counted.h"
 #include "base/number.h"
 #include "base/text/number_value.h"
@@ -91,9 +92,11 @@ bool CsvFile::begin()
 QVector<QString> CsvFile::columnNames(const csv::RecordReader &records, const CsvForm &form)
 {
     QVector<QString> names;
+    shared::UniqueNames unique;
     for (const csv::Field &field : records.fields()) {
-        names << (form.hasHeader ? QString::fromUtf8(field.text, field.size)
-                                 : u'C' + QString::number(names.size() + 1));
+        const QString name = form.hasHeader ? QString::fromUtf8(field.text, field.size)
+                                            : u'C' + QString::number(names.size() + 1);
+        names << (form.uniqueNames ? unique.add(name) : name);
     }
     return names;
 }

@@ -16,7 +16,11 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "fileNameFromPin"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"),
-         {{"separator", shared::readSeparatorField}, "header", "types", "dateFormat"}},
+         {{"separator", shared::readSeparatorField},
+          "header",
+          "uniqueNames",
+          "types",
+          "dateFormat"}},
         {QT_TRANSLATE_NOOP("Panels", "Text"),
          {{"encoding", shared::foundEncodingField},
           {"quote", shared::quoteField},

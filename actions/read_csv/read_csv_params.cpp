@@ -62,6 +62,10 @@ ParamGroup<P> textForm()
             .label("Line ends")
             .meaning("lf: a line feed, with or without a carriage return before it. auto: "
                      "carriage returns alone if the first 64 KiB have no line feed."),
+        flag("uniqueNames", &P::uniqueNames)
+            .label("Number equal column names")
+            .meaning("The second and later columns of one name get _2, _3, ... Off: they keep the "
+                     "name, which most file formats do not allow."),
     };
 }
 
@@ -184,6 +188,7 @@ CsvForm csvFormOf(const ReadCsvParams &params)
     dialect.comment = params.comment.toStdString();
     dialect.skippedLines = params.skipRows;
     form.hasHeader = params.header;
+    form.uniqueNames = params.uniqueNames;
     form.decimal = params.decimal[0].toLatin1();
     form.fillsRagged = params.ragged == u"fill"_s;
     form.types = trimmedParts(params.types);

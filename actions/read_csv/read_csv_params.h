@@ -28,6 +28,7 @@ struct ReadCsvParams
     QString nullValues;
     QString ragged = QStringLiteral("error");
     QString lineEnd = QStringLiteral("lf");
+    bool uniqueNames = false;
 };
 
 /// Constant; made by the first call.
@@ -48,6 +49,7 @@ struct CsvForm
 {
     csv::TextForm text;
     bool hasHeader = true;
+    bool uniqueNames = false;
     char decimal = '.';
     bool fillsRagged = false;
     QStringList types;

@@ -282,9 +282,11 @@ TEST_F(LevelWriters, OtherMistakesHaveTheirMessages)
     EXPECT_EQ(messages(), (u"1\nERROR: cannot open XML file '' for write\n"_s).toStdString());
     g_table.names = {u"k"_s, u"k"_s, u"t"_s};
     EXPECT_FALSE(run("<writeJSON fileName='a.json'/>"));
-    EXPECT_EQ(messages(),
-              (u"1Error: cannot write '"_s + path("a.json") + u"': two columns are named 'k'\n"_s)
-                  .toStdString());
+    EXPECT_EQ(
+        messages(),
+        (u"1Error: cannot write '"_s + path("a.json") +
+         u"': two columns are named 'k'; uniqueNames='1' of readCSV (convert: --reader uniqueNames=1) numbers them\n"_s)
+            .toStdString());
     EXPECT_TRUE(run("<writeJSON fileName='b.json' "
                     "writeAllColumns='0'><ToWrite><s>k</s><s>k</s></ToWrite></writeJSON>"));
     EXPECT_TRUE(run("<writeXML fileName='c.xml' checkNameCollision='0'/>"));

@@ -2,12 +2,12 @@
 // there twice get numbers, so that columns of several sheets can be joined by name.
 #include "actions/workbook/table_columns.h"
 
+#include "actions/shared/tables/unique_names.h"
 #include "base/counted.h"
 #include "codecs/sheet/cell_text.h"
 #include "codecs/sheet/sheet_writer.h"
 
 #include <algorithm>
-#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -31,20 +31,6 @@ bool isHidden(const SheetTask &task, int column)
 QString lettersOf(int column)
 {
     return QString::fromLatin1(sheet::columnLetters(column));
-}
-
-/// `name`, or with "_2", "_3", ... if it is taken.
-QString uniqueName(const QString &name, std::set<QString> *taken,
-                   std::unordered_map<QString, int> *counts)
-{
-    QString unique = name;
-    int &count = (*counts)[name];
-    while (taken->contains(unique)) {
-        count = std::max(count, 1) + 1;
-        unique = u"%1_%2"_s.arg(name, QString::number(count));
-    }
-    taken->insert(unique);
-    return unique;
 }
 
 /// The type of a column. After a sample, a fraction can still follow: it is then not a key.
@@ -92,12 +78,10 @@ TaskColumns columnsOf(const SheetTask &task)
     const size_t count = isBounded ? static_cast<size_t>(area.lastColumn - area.firstColumn) + 1
                                    : task.scan.columns.size();
     chooseColumns(task, count, &columns);
-    std::set<QString> taken;
-    std::unordered_map<QString, int> counts;
+    shared::UniqueNames unique;
     for (const size_t i : columns.scanned) {
         const QString name = i < task.scan.columns.size() ? task.scan.columns[i].name : QString();
-        columns.names << uniqueName(name.isEmpty() ? lettersOf(task.columnOf(i)) : name, &taken,
-                                    &counts);
+        columns.names << unique.add(name.isEmpty() ? lettersOf(task.columnOf(i)) : name);
     }
     return columns;
 }

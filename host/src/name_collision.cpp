@@ -15,7 +15,8 @@ char doCheckNameCollision(const OneRow *row, bool check, corvanta::ActionBase *a
         const QString name = row->colName(column);
         if (check && seen.contains(name)) {
             action->fail(
-                u"Error: cannot write '%1': two columns are named '%2'\n"_s.arg(what, name));
+                u"Error: cannot write '%1': two columns are named '%2'; uniqueNames='1' of readCSV (convert: --reader uniqueNames=1) numbers them\n"_s
+                    .arg(what, name));
             return 1;
         }
         seen.insert(name);

@@ -79,6 +79,13 @@ class Found(Case):
         self.corvanta("convert", "out.xlsx", "again.parquet")
         self.assertEqual(self.types("again.parquet"), ["day=date U", "n=integer F"])
 
+    def test_equal_names(self):
+        self.put("in.csv", "a,a,a_2,b\n1,2,x,3\n")
+        self.assertIn("two columns are named 'a'; uniqueNames='1' of readCSV (convert: --reader uniqueNames=1) numbers them",
+                      self.corvanta("convert", "in.csv", "out.json", status=1).stderr)
+        self.corvanta("convert", "in.csv", "out.json", "--reader", "uniqueNames=1")
+        self.assertEqual(json.loads(self.read("out.json")), [{"a": 1, "a_2": 2, "a_2_2": "x", "b": 3}])
+
     def test_lines_before_the_names(self):
         for before in ("sep=|\n", "\n\r\n", "\ufeffsep=|\r\n", "\r\nsep=|\r\n"):
             self.put("in.csv", before + "a,b|c\n1|2\n")
