@@ -219,9 +219,14 @@ void ListEditor::markUnknown()
     for (int i = 0; i < m_list->count(); ++i) {
         QListWidgetItem *const item = m_list->item(i);
         const bool isKnown = offered.isEmpty() || offered.contains(offeredOf(item->text()));
-        item->setIcon(isKnown ? QIcon() : mark);
+        // A change of the item would reset its text while the user edits it.
+        if (item->icon().isNull() != isKnown) {
+            item->setIcon(isKnown ? QIcon() : mark);
+        }
         item->setToolTip(isKnown ? QString() : tr("The input has no such column"));
-        item->setFlags(item->flags() | Qt::ItemIsEditable); // items that were dropped
+        if (!item->flags().testFlag(Qt::ItemIsEditable)) { // it was dropped
+            item->setFlags(item->flags() | Qt::ItemIsEditable);
+        }
     }
 }
 
@@ -243,10 +248,22 @@ void ListEditor::add(const QStringList &texts)
 {
     int row = m_list->currentRow() < 0 ? m_list->count() : m_list->currentRow() + 1;
     for (const QString &text : texts) {
-        m_list->insertItem(row++, newItem(text));
+        m_list->insertItem(row++, newItem(m_offered.contains(text) ? addedText(text) : text));
     }
     m_list->setCurrentRow(row - 1);
     reportList();
+    if (texts.size() == 1 && m_list->currentItem()->text() != texts.first()) {
+        editCurrent(texts.first().size() + 1);
+    }
+}
+
+void ListEditor::editCurrent(qsizetype start)
+{
+    QListWidgetItem *const item = m_list->currentItem();
+    m_list->editItem(item);
+    if (auto *const line = m_list->viewport()->findChild<QLineEdit *>()) {
+        line->setSelection(static_cast<int>(start), static_cast<int>(item->text().size() - start));
+    }
 }
 
 void ListEditor::addTyped()
@@ -340,6 +357,17 @@ QString ColumnPairPicker::offeredOf(const QString &text) const
         }
     }
     return text.section(u'=', 0, 0);
+}
+
+ColumnTextPicker::ColumnTextPicker(const FieldContext &context, QString text)
+    : ColumnPairPicker(context)
+    , m_text(std::move(text))
+{
+}
+
+QString ColumnTextPicker::addedText(const QString &offered) const
+{
+    return offered + u'=' + (m_text.isEmpty() ? offered : m_text);
 }
 
 } // namespace corvanta

@@ -46,6 +46,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     /// The offered text that a text of the list names: itself, unless an editor adds signs to it.
     virtual QString offeredOf(const QString &text) const { return text; }
+    /// The text that is added for an offered one. If it is longer, its end is then edited in place.
+    virtual QString addedText(const QString &offered) const { return offered; }
     /// Offer these texts on the left.
     void setOffered(const QStringList &texts);
     /// The texts of the list, in order.
@@ -64,6 +66,8 @@ private:
     void showOffered();
     /// Insert texts after the current line of the list.
     void add(const QStringList &texts);
+    /// Open an editor in the current line, with everything from `start` selected.
+    void editCurrent(qsizetype start);
     /// Add the text of the search line, or the only offered text that matches it.
     void addTyped();
     void removeSelected();
@@ -103,13 +107,27 @@ protected:
 };
 
 /// A list of columns with what belongs to them: NAME, or NAME=TEXT.
-class ColumnPairPicker final : public ColumnPicker
+class ColumnPairPicker : public ColumnPicker
 {
 public:
     using ColumnPicker::ColumnPicker;
 
 protected:
     QString offeredOf(const QString &text) const override;
+};
+
+/// A list of NAME=TEXT: a column that is added gets a text, which the user can type over at once.
+class ColumnTextPicker final : public ColumnPairPicker
+{
+public:
+    /// `text` is what a column gets; empty: its own name.
+    ColumnTextPicker(const FieldContext &context, QString text);
+
+protected:
+    QString addedText(const QString &offered) const override;
+
+private:
+    QString m_text;
 };
 
 } // namespace corvanta

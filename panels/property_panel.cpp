@@ -147,7 +147,11 @@ PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLay
 
 PropertyPanel::~PropertyPanel()
 {
-    // The base class hides the window, which moves the focus when this object is gone.
+    // The base class hides the window, which moves the focus when this object is gone. A line of a
+    // list that is being edited is an edit until then.
+    if (QWidget *const control = focusWidget()) {
+        control->clearFocus();
+    }
     disconnect(qApp, nullptr, this, nullptr);
 }
 

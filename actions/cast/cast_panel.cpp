@@ -1,7 +1,7 @@
 // The types have no default, so their group comes first and says that a value is required.
 #include "actions/cast/cast_panel.h"
 
-#include "panels/column_picker.h"
+#include "actions/shared/panels/text_fields.h"
 
 namespace {
 
@@ -10,7 +10,7 @@ using namespace corvanta;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Types"), {{"types", editor<ColumnPairPicker>}}},
+        {QT_TRANSLATE_NOOP("Panels", "Types"), {{"types", shared::columnTypesField}}},
         {QT_TRANSLATE_NOOP("Panels", "Values that do not fit"), {"onError"}},
     };
 }

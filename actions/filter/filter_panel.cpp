@@ -1,7 +1,7 @@
 // The kinds of text columns are folded: they are needed only to compare texts as numbers.
 #include "actions/filter/filter_panel.h"
 
-#include "panels/column_picker.h"
+#include "actions/shared/panels/text_fields.h"
 
 namespace {
 
@@ -12,7 +12,7 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Rows"), {"where"}},
         {QT_TRANSLATE_NOOP("Panels", "Text columns"),
-         {{"kinds", editor<ColumnPairPicker>}, "decimal"},
+         {{"kinds", shared::columnKindsField}, {"decimal", shared::decimalSignField}},
          PanelGroup::Fold::Folded},
     };
 }

@@ -2,6 +2,7 @@
 // tables have them.
 #include "actions/join/join_panel.h"
 
+#include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 
 namespace {
@@ -13,7 +14,9 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Keys"), {{"keys", editor<ColumnPairPicker>}, "type"}},
         {QT_TRANSLATE_NOOP("Panels", "Columns"), {"suffix"}},
-        {QT_TRANSLATE_NOOP("Panels", "Text columns"), {"kinds"}, PanelGroup::Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Text columns"),
+         {{"kinds", shared::columnKindsField}},
+         PanelGroup::Fold::Folded},
     };
 }
 

@@ -1,6 +1,7 @@
 // The kinds of text columns are folded: without them texts are compared as texts.
 #include "actions/sort/sort_panel.h"
 
+#include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 
 namespace {
@@ -12,7 +13,7 @@ PanelLayout panelLayout()
     return {
         {QT_TRANSLATE_NOOP("Panels", "Order"), {{"keys", editor<SortKeyPicker>}}},
         {QT_TRANSLATE_NOOP("Panels", "Text columns"),
-         {{"kinds", editor<ColumnPairPicker>}, "decimal"},
+         {{"kinds", shared::columnKindsField}, {"decimal", shared::decimalSignField}},
          PanelGroup::Fold::Folded},
     };
 }

@@ -254,6 +254,31 @@ TEST(Editors, ColumnsAreFoundInSortKeysAndPairs)
     panels::setInputColumns({});
 }
 
+TEST(Editors, ATextIsTypedOverWhenItsColumnIsAdded)
+{
+    panels::setInputColumns({u"city"_s, u"a=b"_s});
+    const auto added = [](const QString &text, int row, const QString &typed) {
+        const Editor editor(infoOf(Type::Strings), [&](const FieldContext &context) {
+            return new ColumnTextPicker(context, text);
+        });
+        auto *const list = static_cast<QListWidget *>(editor.main());
+        const QList<QListWidget *> lists = editor->findChildren<QListWidget *>();
+        QListWidget *const offered = lists[lists[0] == list ? 1 : 0];
+        offered->setCurrentRow(row);
+        QTest::keyClick(offered, Qt::Key_Return);
+        QApplication::processEvents(); // what follows an insertion must not reset the line
+        auto *const line = list->viewport()->findChild<QLineEdit *>();
+        EXPECT_NE(line, nullptr);
+        QTest::keyClicks(line, typed);
+        QTest::keyClick(line, Qt::Key_Return);
+        QApplication::processEvents();
+        return editor.last();
+    };
+    EXPECT_EQ(added({}, 0, u"town"_s), u"city=town"_s);
+    EXPECT_EQ(added(u"F"_s, 1, u"K"_s), u"a=b=K"_s);
+    panels::setInputColumns({});
+}
+
 TEST(Editors, AColumnIsTypedOrChosen)
 {
     panels::setInputColumns({u"city"_s, u"date"_s});

@@ -4,8 +4,11 @@
 #include "actions/shared/panels/text_fields.h"
 
 #include "panels/basic_editors.h"
+#include "panels/column_picker.h"
 
 #include <span>
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta::shared {
 
@@ -112,6 +115,21 @@ FieldEditor *raggedField(const FieldContext &context)
 FieldEditor *readLineEndField(const FieldContext &context)
 {
     return new ChoiceEditor(context, kReadLineEnds);
+}
+
+FieldEditor *columnTypesField(const FieldContext &context)
+{
+    return new ColumnTextPicker(context, u"F"_s);
+}
+
+FieldEditor *columnKindsField(const FieldContext &context)
+{
+    return new ColumnTextPicker(context, u"decimal"_s);
+}
+
+FieldEditor *newNamesField(const FieldContext &context)
+{
+    return new ColumnTextPicker(context, {});
 }
 
 FieldEditor *lineEndField(const FieldContext &context)

@@ -1,5 +1,5 @@
-// Fields that the panels of readers and writers of texts share: values that most users choose from
-// a list. Any other text can still be typed, except for choices.
+// Fields that panels of several actions have: texts that most users choose from a list, and columns
+// with texts. Any other text can still be typed, except for choices.
 //
 // Each function is a MakeEditor. Threads: the GUI thread.
 #pragma once
@@ -21,6 +21,10 @@ FieldEditor *decimalSignField(const FieldContext &context);
 FieldEditor *quoteField(const FieldContext &context);
 /// What happens to lines of another length.
 FieldEditor *raggedField(const FieldContext &context);
+/// Columns with their types, their kinds, or their new names, which are typed in place.
+FieldEditor *columnTypesField(const FieldContext &context);
+FieldEditor *columnKindsField(const FieldContext &context);
+FieldEditor *newNamesField(const FieldContext &context);
 /// The end of a line.
 FieldEditor *readLineEndField(const FieldContext &context);
 FieldEditor *lineEndField(const FieldContext &context);
