@@ -1,3 +1,4 @@
+// Words are quoted for a POSIX shell, so that any file name is one word of the command.
 #include "studio/shell/command_text.h"
 
 #include <QDir>

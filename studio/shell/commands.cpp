@@ -1,3 +1,6 @@
+// The table of all commands, and the menus and tool bar that are made from it.
+//
+// A line of the table is all that a new command needs, besides the function that it starts.
 #include "studio/shell/commands.h"
 
 #include "studio/shell/command_icons.h"
@@ -338,6 +341,20 @@ void Commands::fill(QToolBar *bar) const
         }
         group = QLatin1StringView(info.menu);
         bar->addAction(action);
+    }
+}
+
+void Commands::fillContextMenu(QMenu *menu) const
+{
+    for (const char *const name :
+         {"graph.add", "graph.link", "graph.insert", "", "run.here", "run.data", "", "edit.rename",
+          "edit.comment", "", "edit.cut", "edit.copy", "edit.paste", "edit.duplicate",
+          "edit.delete", "", "help.action"}) {
+        if (*name == 0) {
+            menu->addSeparator();
+        } else {
+            menu->addAction((*this)[QLatin1StringView(name)]);
+        }
     }
 }
 

@@ -42,12 +42,15 @@ public:
 
     /// Add the menus. Those without an entry in the table stay empty; see menu().
     void fill(QMenuBar *bar);
+    /// Add the commands that have an icon, one group per menu.
     void fill(QToolBar *bar) const;
     /// Draw the icons of the tool bar in the colours of a palette.
     void updateIcons(const QPalette &palette);
     /// Let the shortcuts of commands such as Copy work in `widget`, which shows the graph.
     /// Elsewhere they belong to the text or table that has the focus.
     void addGraphShortcuts(QWidget *widget) const;
+    /// Add what can be done with the selected actions and links.
+    void fillContextMenu(QMenu *menu) const;
     /// A menu or submenu by its name, for example "file.recent"; null before fill().
     QMenu *menu(const QString &name) const;
 

@@ -1,3 +1,4 @@
+// Connects a document with what is shown of it in its tab.
 #include "studio/shell/document_tab.h"
 
 #include "studio/canvas/canvas_view.h"

@@ -38,7 +38,9 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
+    /// Show what the document reports about its file.
     void connectDocument();
+    /// Another program has changed the file: let the user choose a version.
     void offerReload();
 
     std::unique_ptr<GraphDocument> m_document;

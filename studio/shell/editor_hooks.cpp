@@ -1,3 +1,4 @@
+// The panels know only MainUI; an action leads to its document by its address.
 #include "studio/shell/editor_hooks.h"
 
 #include "corvanta/main_ui.h"

@@ -1,3 +1,6 @@
+// What the commands do with the document and the canvas of the current tab.
+//
+// Everything that changes a graph is a function of GraphDocument, which makes it a step for undo.
 #include "studio/shell/graph_commands.h"
 
 #include "studio/canvas/canvas_view.h"

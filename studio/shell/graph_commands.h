@@ -41,6 +41,7 @@ Q_SIGNALS:
     void reported(const QString &text);
 
 private:
+    // Called once, by the constructor: what each command starts.
     void connectEdits();
     void connectLinks();
     void connectViews();
@@ -56,15 +57,22 @@ private:
     /// The runs of the current tab, after the edit in progress has become a part of the graph.
     RunController *runs() const;
 
+    /// Copy the selected actions to the clipboard and remove them.
     void cut();
     void copy();
+    /// Add the actions of the clipboard; reports a text that is not a graph.
     void paste();
     /// Link the two selected actions, or let the user choose what to link the selected one to.
     void link();
+    /// Let the user choose among all links that `id` can have.
     void chooseLink(const QString &id);
+    /// Insert the selected action into the selected link; reports why that is impossible.
     void insertIntoLink();
+    /// Let the user choose a file, and draw the whole graph into it.
     void exportPicture(const QString &title, const QString &filter, const QString &suffix);
+    /// Copy the command that runs the saved graph.
     void copyCommand();
+    /// Save an executable shell script that runs the saved graph.
     void saveScript();
     /// Save a new or changed graph first; the command and the script name its file. Returns false
     /// if the user cancelled.

@@ -1,3 +1,4 @@
+// Makes the parts of the window and connects their signals; the parts do not know each other.
 #include "studio/shell/main_window.h"
 
 #include "studio/canvas/canvas_view.h"
@@ -26,6 +27,7 @@
 #include <QDockWidget>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QGraphicsItem>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -51,6 +53,19 @@ QStringList graphsOf(const QMimeData &data)
         }
     }
     return files;
+}
+
+/// Select what is at a place of the view, unless it is selected: commands act on the selection.
+void selectItemAt(CanvasView *canvas, QPoint place)
+{
+    QGraphicsItem *item = canvas->itemAt(place);
+    while (item != nullptr && !item->flags().testFlag(QGraphicsItem::ItemIsSelectable)) {
+        item = item->parentItem();
+    }
+    if (item != nullptr && !item->isSelected()) {
+        canvas->graphScene().clearSelection();
+        item->setSelected(true);
+    }
 }
 
 } // namespace
@@ -259,7 +274,7 @@ void MainWindow::connectTabs()
 void MainWindow::connectTab(DocumentTab *tab)
 {
     m_logs->addWidget(tab->log());
-    m_commands->addGraphShortcuts(tab->canvas());
+    connectCanvas(tab->canvas());
     const auto ifShown = [this, tab](auto function) {
         return [this, tab, function] {
             if (tab == m_shown) {
@@ -269,11 +284,6 @@ void MainWindow::connectTab(DocumentTab *tab)
     };
     connect(tab->canvas(), &CanvasView::selectionChanged, this,
             ifShown(&MainWindow::showSelection));
-    connect(tab->canvas(), &CanvasView::message, m_graphCommands, &GraphCommands::reported);
-    connect(tab->canvas(), &CanvasView::graphDropped, m_workspace, &Workspace::open);
-    connect(tab->canvas(), &CanvasView::activated, this, [this] { raise(m_properties); });
-    connect(tab->canvas(), &CanvasView::renameWanted, (*m_commands)[u"edit.rename"_s],
-            &QAction::trigger);
     connect(tab->log(), &LogPanel::actionChosen, m_graphCommands, &GraphCommands::showAction);
     connect(tab->runs(), &RunController::runningChanged, this,
             ifShown(&MainWindow::updateCommands));
@@ -290,6 +300,22 @@ void MainWindow::connectTab(DocumentTab *tab)
     connect(document, &GraphDocument::reloaded, this, ifShown(&MainWindow::showSelection));
     connect(document->undoStack(), &QUndoStack::indexChanged, this,
             ifShown(&MainWindow::updateCommands));
+}
+
+void MainWindow::connectCanvas(CanvasView *canvas)
+{
+    m_commands->addGraphShortcuts(canvas);
+    connect(canvas, &CanvasView::message, m_graphCommands, &GraphCommands::reported);
+    connect(canvas, &CanvasView::graphDropped, m_workspace, &Workspace::open);
+    connect(canvas, &CanvasView::activated, this, [this] { raise(m_properties); });
+    connect(canvas, &CanvasView::renameWanted, (*m_commands)[u"edit.rename"_s], &QAction::trigger);
+    canvas->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(canvas, &QWidget::customContextMenuRequested, this, [this, canvas](QPoint place) {
+        selectItemAt(canvas, place);
+        QMenu menu(this);
+        m_commands->fillContextMenu(&menu);
+        menu.exec(canvas->viewport()->mapToGlobal(place));
+    });
 }
 
 void MainWindow::showTab()

@@ -10,6 +10,7 @@ class ActionRegistry;
 
 namespace corvanta::studio {
 
+class CanvasView;
 class Commands;
 class DataView;
 class DocumentTab;
@@ -52,30 +53,44 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    /// Make all panels around the canvas, in the arrangement of a first start.
     void makeDocks();
+    /// `content` gets a panel of its own, whose object name begins with "dock.".
     QDockWidget *addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content);
+    /// Make the menus and the tool bar from the table of the commands.
     void makeMenus();
+    /// Commands of the menu "File", except "Export".
     void connectFileCommands();
+    /// Commands that change how the window looks, and the dialogs of the preferences.
     void connectViewCommands();
     /// Commands that put the keyboard focus on a part of the window.
     void connectFocusCommands();
     void connectHelpCommands();
+    /// Signals of the panels that belong to the window, not to a tab.
     void connectPanels();
     void connectTabs();
+    /// Signals of a tab; those of a tab that is not shown change nothing in the panels.
     void connectTab(DocumentTab *tab);
+    /// Shortcuts, context menu and messages of a canvas.
+    void connectCanvas(CanvasView *canvas);
+    /// Show the window as the last session has left it.
     void restoreArrangement();
 
     /// Show the current tab in all panels.
     void showTab();
     /// Show what is selected on the canvas in all panels.
     void showSelection();
+    /// Name the current graph in the title of the window.
     void updateTitle();
+    /// Enable the commands that are possible now.
     void updateCommands();
+    /// Fill the menu of recent files each time it is opened.
     void fillRecentMenu();
     /// Show a panel in front of the others and put the keyboard focus on it.
     static void raise(QWidget *content);
     /// Change the size of all texts by percentage points.
     void changeFont(int percent);
+    /// Use the colours and the text size of the settings.
     void applySettings();
     void showAbout();
 

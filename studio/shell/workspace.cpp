@@ -1,3 +1,5 @@
+// A tab owns its document. The panels leave a document, by currentTabChanged(), before it is
+// destroyed.
 #include "studio/shell/workspace.h"
 
 #include "studio/shell/document_tab.h"

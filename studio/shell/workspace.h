@@ -65,17 +65,25 @@ Q_SIGNALS:
     void titleChanged();
 
 private:
+    /// Show a document in a new tab.
     DocumentTab *add(std::unique_ptr<GraphDocument> document);
+    /// The tab that has the file; null if it is not open.
     DocumentTab *findTab(const QString &fileName) const;
+    /// Save the document; returns false after showing why that is impossible.
     bool write(DocumentTab *tab, const QString &fileName);
     /// Save, discard or cancel. Returns false for cancel.
     bool askToSave(DocumentTab *tab);
+    /// Close a tab without a question.
     void removeTabOf(DocumentTab *tab);
+    /// Open recovered graphs, in place of their saved versions.
     void recover(const QVector<GraphDocument::Recovery> &recoveries);
     /// Ask a question in a dialog; `buttons` and the answer are QMessageBox::StandardButtons.
     int ask(const QString &title, const QString &question, int buttons);
+    /// Show why something was not done.
     void showFailure(const QString &text);
+    /// Show the name of the graph on its tab.
     void updateTitle(DocumentTab *tab);
+    /// Keep the list of open files for the next session, also after a crash.
     void rememberFiles();
 
     const ActionRegistry &m_registry;

@@ -1,3 +1,5 @@
+// The keyboard focus stays in the palette after an action was added, so that a chain of actions is
+// typed without a change of the focus.
 #include "studio/shell/palette/palette.h"
 
 #include "studio/shell/palette/palette_model.h"

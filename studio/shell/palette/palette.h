@@ -41,13 +41,18 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // Called once, by the constructor.
     void makeSearch();
     void makeTree();
+    /// Show what matches the text, with the first match as the current one.
     void search(const QString &text);
     /// The first action that is shown; invalid when nothing matches.
     QModelIndex firstAction() const;
+    /// Add the action of a row; a category adds nothing.
     void choose(const QModelIndex &index);
+    /// The context menu of the action at a place of the tree.
     void showMenu(const QPoint &position);
+    /// Show other favourites or recent actions; the current action stays.
     void refresh();
 
     Settings &m_settings;

@@ -1,3 +1,4 @@
+// The items hold type names only; everything else is looked up in the catalogue.
 #include "studio/shell/palette/palette_model.h"
 
 #include "corvanta/action_registry.h"

@@ -39,9 +39,11 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
 
 private:
+    /// Favourites and recent actions first, if there are any.
     void showCategories();
     /// Add a category with the actions of these types, unless there are none.
     void addCategory(const QString &title, const QStringList &types);
+    /// Both cells of a row have the type, because a drag can start at each of them.
     void addEntry(QStandardItem *parent, const CatalogueEntry &entry);
 
     const ActionRegistry &m_registry;

@@ -1,3 +1,4 @@
+// The values are copied into the fields at the start and back when the dialog is accepted.
 #include "studio/shell/preferences/preferences.h"
 
 #include <QCheckBox>

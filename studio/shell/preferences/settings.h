@@ -27,6 +27,7 @@ public:
     /// Put a file first. The name is made absolute.
     void addRecentFile(const QString &fileName);
     void removeRecentFile(const QString &fileName);
+    /// Forget all recent files.
     void clearRecentFiles();
 
     /// Type names of the actions that were added last.
@@ -42,6 +43,7 @@ public:
     /// Without a value: keep the default from now on.
     void setShortcut(const QString &command, const std::optional<QKeySequence> &keys);
 
+    /// Theme::System unless set; also for a word that is not known.
     Theme theme() const;
     void setTheme(Theme theme);
     /// Size of all texts, in percent of the size that the desktop sets, from 50 to 300.
@@ -61,6 +63,7 @@ public:
     /// Geometry and arrangement of the main window, in the form of QMainWindow.
     QByteArray windowGeometry() const;
     QByteArray windowState() const;
+    /// Called when the window is closed.
     void setWindow(const QByteArray &geometry, const QByteArray &state);
 
     static constexpr int kMaxRecent = 12;

@@ -1,3 +1,4 @@
+// The list shows the texts of the commands in the order of the menus.
 #include "studio/shell/preferences/shortcut_editor.h"
 
 #include "studio/shell/commands.h"

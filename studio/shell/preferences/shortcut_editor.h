@@ -25,15 +25,18 @@ public:
     explicit ShortcutEditor(Commands &commands, QWidget *parent = nullptr);
 
 private:
+    // Called once, by the constructor.
     void makeTree();
     void makeFields();
     /// Hide the commands that do not contain `text` in name or shortcut.
     void filter(const QString &text);
     /// Show the current command in the field.
     void showCurrent();
+    /// Give the current command a shortcut, unless another one has it.
     void setKeys(const QKeySequence &keys);
     /// Null without a current command.
     QAction *currentAction() const;
+    /// Show the shortcuts of a row.
     void showKeys(QTreeWidgetItem *item);
 
     Commands &m_commands;

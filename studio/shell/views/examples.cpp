@@ -1,3 +1,4 @@
+// Finds the examples by their files, so that a new example needs no entry in a list.
 #include "studio/shell/views/examples.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// Makes the page of an action when it is shown, so that it is never out of date.
 #include "studio/shell/views/help_view.h"
 
 #include "corvanta/action_parameters.h"

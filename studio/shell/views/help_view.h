@@ -33,6 +33,7 @@ Q_SIGNALS:
     void pageOpened();
 
 private:
+    /// `page` is a key that an action has passed to openHelp().
     void showPage(const QString &page, const QString &anchor);
 
     const ActionRegistry &m_registry;

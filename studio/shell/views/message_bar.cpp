@@ -1,3 +1,4 @@
+// The bar has the colours of tool tips, which every theme makes stand out from the window.
 #include "studio/shell/views/message_bar.h"
 
 #include <QHBoxLayout>

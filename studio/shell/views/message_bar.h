@@ -27,6 +27,7 @@ public:
     void show(const QString &text, const QVector<Choice> &choices);
 
 private:
+    /// Add a button at the end.
     void addButton(const Choice &choice);
 
     QLabel *m_text;

@@ -1,3 +1,4 @@
+// The tree is made again after changes: an update item by item costs more code than time.
 #include "studio/shell/views/outline.h"
 
 #include "studio/document/graph_document.h"

@@ -26,9 +26,13 @@ Q_SIGNALS:
     void shown(const QString &id);
 
 private:
+    /// Make all items; the selection is kept.
     void fill();
+    /// Add an action with an item per link.
     void addAction(const QString &id);
+    /// Report which actions the user has selected here.
     void reportSelection();
+    /// Of a link the action at its other end.
     static QString idOf(const QTreeWidgetItem &item);
 
     QPointer<GraphDocument> m_document;

@@ -1,3 +1,4 @@
+// The document finds the problems in the background; this list only shows them.
 #include "studio/shell/views/problem_list.h"
 
 #include "studio/document/graph_document.h"

@@ -24,6 +24,7 @@ Q_SIGNALS:
     void countChanged(int count);
 
 private:
+    /// Show the problems that are known now.
     void fill();
 
     QPointer<GraphDocument> m_document;

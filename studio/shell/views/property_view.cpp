@@ -1,3 +1,4 @@
+// All fields are made again for another selection, so that none shows an action that is gone.
 #include "studio/shell/views/property_view.h"
 
 #include "corvanta/action_parameters.h"

@@ -41,21 +41,30 @@ public:
     UpdateClassWidget *panel() const { return m_panel; }
 
 private:
+    /// Destroy all fields and the panel.
     void clear();
+    /// Show a sentence in place of fields.
     void showMessage(const QString &text);
+    /// Show name, comment and panel of the only action.
     void showOne();
+    /// Show the simple parameters of all actions, which must be of one type.
     void showSeveral();
+    /// The name is changed when the field is left: letters of a name may be invalid.
     void addName(QFormLayout *form);
+    /// The comment is changed with each letter, so that saving never misses some.
     void addComment(QFormLayout *form);
+    /// An action of an unknown type has no panel; a sentence says so.
     void addPanel(QVBoxLayout *layout);
     /// A field for one parameter of all shown actions.
     QWidget *makeField(const ParameterInfo &info);
     QWidget *makeChoiceField(const ParameterInfo &info);
     QWidget *makeFlagField(const ParameterInfo &info);
     QWidget *makeTextField(const ParameterInfo &info);
+    /// Rename the action, or say below the field why it is impossible.
     void rename();
     /// The value that all shown actions have; nothing if they differ.
     std::optional<QString> commonValue(const QString &parameter) const;
+    /// Set a parameter of all shown actions, as one step.
     void setParameter(const QString &parameter, const QString &value);
 
     QPointer<GraphDocument> m_document;

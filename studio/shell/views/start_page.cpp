@@ -1,3 +1,4 @@
+// Both lists are opened by Enter or a double click; tool tips have the full names of the files.
 #include "studio/shell/views/start_page.h"
 
 #include "studio/shell/preferences/settings.h"

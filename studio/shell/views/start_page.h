@@ -22,7 +22,9 @@ public:
     void refresh();
 
 Q_SIGNALS:
+    /// The user wants an empty graph.
     void newRequested();
+    /// The user wants to choose a file.
     void openRequested();
     /// A recent file was chosen.
     void fileChosen(const QString &fileName);
@@ -33,8 +35,10 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
+    // Called once, by the constructor.
     void addButtons(QVBoxLayout *layout);
     QListWidget *addList(QVBoxLayout *layout, const QString &title, const QString &name);
+    /// The examples do not change while the program runs.
     void fillExamples();
 
     const Settings &m_settings;

@@ -1,3 +1,4 @@
+// The rows are not made again while a cell is edited: its editor would be closed.
 #include "studio/shell/views/variable_table.h"
 
 #include "studio/document/graph_document.h"

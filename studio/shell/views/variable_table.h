@@ -24,7 +24,9 @@ public:
     void startEditing();
 
 private:
+    /// Show all variables and an empty row.
     void fill();
+    /// Add a row at the end; an empty name is the row for a new variable.
     void addRow(const QString &name, const QString &value);
     /// A cell was edited: `row` and `column` count from 0.
     void apply(int row, int column);
@@ -32,9 +34,11 @@ private:
     QString problemOf(const QString &name, const QString &oldName) const;
     /// The name of the variable of a row; empty for a row that is not in the graph yet.
     QString nameInGraph(int row) const;
+    /// Show the name of a row, and remember that the graph has it.
     void setRowName(int row, const QString &name);
     /// Set or rename a variable, as one step.
     void setVariable(const QString &oldName, const QString &name, const QString &value);
+    /// Remove the variable of the current row.
     void removeSelected();
 
     QPointer<GraphDocument> m_document;
