@@ -236,6 +236,13 @@ TEST(DataView, EachPinOfAnActionCanBeChosen)
     Q_EMIT pins->activated(1);
     view.wait();
     EXPECT_EQ(view.rows().rows, 5);
+    // Neither the same action nor a selection without an action changes it.
+    view.view.showAction(u"few"_s);
+    view.view.showAction({});
+    EXPECT_EQ(pins->currentText(), u"few: input 0"_s);
+    view.view.showAction(u"last"_s);
+    EXPECT_EQ(pins->currentText(), u"last: output 0"_s);
+    view.show(u"few"_s, EngineRunner::PinIn);
     view.folder.document->remove({u"few"_s});
     EXPECT_TRUE(waitFor([&] { return pins->count() == 0; }));
     EXPECT_EQ(view.rows().rows, 0);
