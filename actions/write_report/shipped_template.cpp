@@ -1,5 +1,8 @@
-// Templates are in the folder of the program in a build, and below share/ in an installation.
+// Templates are in the folder of the program in a build, and below share/ in an installation, which
+// is found from the folder of this module: the program may be elsewhere.
 #include "actions/write_report/shipped_template.h"
+
+#include "base/platform/library.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -18,7 +21,8 @@ QString ownFolder()
 
 QString installedFolder()
 {
-    return QCoreApplication::applicationDirPath() + u"/../share/corvanta/officeTemplates/"_s;
+    static const char anchor = 0;
+    return platform::folderOfCode(&anchor) + u"/../../../share/corvanta/officeTemplates/"_s;
 }
 
 } // namespace

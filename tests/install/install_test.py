@@ -113,6 +113,10 @@ class Development(Installed):
         shutil.copy(examples / "elements.csv", self.folder)
         self.assertIn(": 118 rows\n", self.run_program(host, "main.graph"))
         self.assertIn("cannot read the graph file", self.run_program(host, "missing.graph", status=2))
+        # The templates of the installation, for a program that is elsewhere.
+        shutil.copytree(examples / "charts", self.folder / "charts")
+        self.run_program(host, "charts/workbook.graph")
+        self.assertTrue((self.folder / "charts/sales.xlsx").is_file())
         # The same with pkg-config.
         env = {**self.env, "PKG_CONFIG_PATH": str(self.prefix / "lib/pkgconfig")}
         flags = self.run_program("pkg-config", "--cflags", "--libs", "corvanta", env=env).split("\n")[0]
