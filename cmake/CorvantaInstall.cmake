@@ -4,9 +4,11 @@
 # templates relative to where they are. docs/sdk.md describes the tree.
 # The layers install their own libraries and headers; this file does the rest.
 set_target_properties(corvanta PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+set_property(GLOBAL APPEND PROPERTY corvanta_installed corvanta)
 install(TARGETS corvanta RUNTIME DESTINATION bin COMPONENT runtime)
 if(TARGET corvanta-studio)
     set_target_properties(corvanta-studio PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+    set_property(GLOBAL APPEND PROPERTY corvanta_installed corvanta-studio)
     install(TARGETS corvanta-studio RUNTIME DESTINATION bin COMPONENT runtime)
     install(FILES packaging/corvanta-studio.desktop DESTINATION share/applications COMPONENT runtime)
 endif()
@@ -39,6 +41,9 @@ install(FILES ${CMAKE_BINARY_DIR}/corvanta.pc DESTINATION lib/pkgconfig COMPONEN
 install(DIRECTORY examples/plugin examples/host DESTINATION share/corvanta/examples COMPONENT dev)
 
 # What the target "docs" has made; nothing without it.
+if(TARGET docs)
+    set_property(GLOBAL APPEND PROPERTY corvanta_installed docs)
+endif()
 foreach(folder man bash-completion zsh fish)
     install(DIRECTORY ${CMAKE_BINARY_DIR}/share/${folder} DESTINATION share COMPONENT runtime OPTIONAL)
 endforeach()
@@ -60,3 +65,7 @@ install(CODE [[
             execute_process(COMMAND gzip -9nf "${page}" COMMAND_ERROR_IS_FATAL ANY)
         endforeach()
     endif()]] COMPONENT runtime)
+
+# Everything that is installed, and nothing else.
+get_property(targets GLOBAL PROPERTY corvanta_installed)
+add_custom_target(installed DEPENDS ${targets})
