@@ -4,6 +4,7 @@ target_compile_options(corvanta_options INTERFACE
     -Wall -Wextra -Wpedantic -Wformat=2 -Werror=format-security -Wnon-virtual-dtor -Wno-missing-field-initializers
     -Werror -fno-omit-frame-pointer
     $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage> # to it, the sources of a unity build are headers
+    -Wno-builtin-macro-redefined -D__FILE__=__FILE_NAME__ # the same bytes wherever the sources are
     $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess> # without it ccache cannot see through a precompiled header
     "$<$<CXX_COMPILER_ID:GNU>:SHELL:--param ggc-min-heapsize=1048576>") # KiB; no garbage collection: a tenth of the time
 target_compile_definitions(corvanta_options INTERFACE
