@@ -200,7 +200,8 @@ def zsh_value(option, catalogue):
     words, kind = value_words(option, catalogue), value_kind(option)
     if words:
         return f"({' '.join(words)})"
-    return {"file": "_files", "folder": "_files -/", "reader": "_corvanta_parameters reader", "writer": "_corvanta_parameters writer"}.get(kind, "")
+    # The blank makes _arguments call the function with these words only.
+    return {"file": "_files", "folder": "_files -/", "reader": " _corvanta_parameters reader", "writer": " _corvanta_parameters writer"}.get(kind, "")
 
 
 def zsh_options(command, catalogue):
@@ -210,7 +211,7 @@ def zsh_options(command, catalogue):
         star = "*" if is_repeatable else ""
         exclusive = "" if len(names) == 1 else f"({' '.join(names)})"
         for name in names:
-            # "-+" and "=" accept the value in the next word, too.
+            # "=": the value may be in the same word or in the next one.
             suffix = "=" if option["value"] and name.startswith("--") else ""
             yield f"'{exclusive}{star}{name}{suffix}[{zsh_text(option['meaning'])}]{value}'"
     yield "'--help[print the options of the command]'"
@@ -220,7 +221,7 @@ def zsh_arguments(command, catalogue):
     if command["name"] == "describe":
         return f"'1:action:({' '.join(action['type'] for action in catalogue.actions)})'"
     extensions = command_extensions(command, catalogue)
-    return f"'*:file:_files -g \"(#i)*.({'|'.join(extensions)})\"'" if extensions else ""
+    return f"'*:file:_files -g \"*.(#i)({'|'.join(extensions)})(-.)\"'" if extensions else ""
 
 
 def zsh(catalogue):

@@ -5,7 +5,7 @@ CORVANTA is the built program, which says what its commands and actions are. SHA
 
     man/man1, man/man5, man/man7
     bash-completion/completions/corvanta, zsh/site-functions/_corvanta, fish/vendor_completions.d/corvanta.fish
-    doc/corvanta/html/index.html, doc/corvanta/THIRD-PARTY.md, doc/corvanta/corvanta.spdx.json
+    doc/corvanta/html/index.html, and THIRD-PARTY.md, corvanta.spdx.json and SECURITY.md in doc/corvanta
 
 Without the Python package "markdown" there is no HTML, and a line says so.
 """
@@ -45,6 +45,7 @@ def main(corvanta, share):
     write(share / "fish/vendor_completions.d/corvanta.fish", completions.fish(catalogue))
     write(share / "doc/corvanta/THIRD-PARTY.md", dependencies.notices(ROOT))
     write(share / "doc/corvanta/corvanta.spdx.json", dependencies.bill_of_materials(ROOT, catalogue.version))
+    shutil.copyfile(ROOT / "SECURITY.md", share / "doc/corvanta/SECURITY.md")
     if importlib.util.find_spec("markdown") is None:
         print("docs: the Python package 'markdown' (python3-markdown) is missing: no HTML is made")
         return

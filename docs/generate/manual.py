@@ -5,7 +5,7 @@ emphasised words.
 """
 import re
 
-INLINE = re.compile(r"`([^`]+)`|\*\*([^*]+)\*\*|\[([^\]]+)\]\([^)]*\)|!\[[^\]]*\]\([^)]*\)")
+INLINE = re.compile(r"(?<!\\)`([^`]+)`|\*\*([^*]+)\*\*|\[([^\]]+)\]\([^)]*\)|!\[[^\]]*\]\([^)]*\)")
 
 
 ESCAPES = {"\\": "\\e", "-": "\\-", "'": "\\(aq", "`": "\\(ga", "^": "\\(ha", "~": "\\(ti"}
@@ -21,16 +21,20 @@ def line(text):
     return "\\&" + text if text.startswith((".", "'")) else text
 
 
+def plain(text):
+    """Text between code and links, without the escapes of Markdown."""
+    return escaped(re.sub(r"\\([*_`\[\]|\\])", r"\1", text).replace("&lt;", "<").replace("&amp;", "&"))
+
+
 def inline(text):
     """Code and strong words are bold; of a link the text remains, of a picture nothing."""
     result, last = "", 0
-    text = text.replace("&lt;", "<")
     for found in INLINE.finditer(text):
         bold, link = found.group(1) or found.group(2), found.group(3)
-        result += escaped(text[last:found.start()].replace("\\|", "|"))
-        result += f"\\fB{escaped(bold)}\\fR" if bold else escaped((link or "").replace("`", ""))
+        result += plain(text[last:found.start()])
+        result += f"\\fB{escaped(bold)}\\fR" if bold else plain((link or "").replace("`", ""))
         last = found.end()
-    return line(result + escaped(text[last:].replace("\\|", "|")))
+    return line(result + plain(text[last:]))
 
 
 def blocks(markdown):
@@ -99,9 +103,9 @@ def page(name, section, version, markdown):
     """The title and the first paragraph of `markdown` are the lines of NAME."""
     parts = list(blocks(markdown))
     summary = " ".join(parts[1][1]).rstrip(".")
-    # A paragraph between the summary and the first heading belongs to the description.
     lines = [f".TH {name.upper()} {section} \"\" \"Corvanta {version}\" \"Corvanta manual\"", ".SH NAME",
              f"{escaped(name)} \\- {inline(summary[:1].lower() + summary[1:])}"]
+    # What is between the summary and the first heading belongs to the description.
     if parts[2][0] == "code" or not parts[2][1][0].startswith("#"):
         lines.append(".SH DESCRIPTION")
     for kind, text in parts[2:]:
@@ -147,8 +151,9 @@ def pages(catalogue, reference, graph):
         result[f"man1/{name}.1"] = page(name, 1, catalogue.version, text)
     for action in catalogue.actions:
         name = f"corvanta-{action['type']}"
-        # Pictures are for the HTML.
-        text = reference[f"reference/actions/{action['type']}.md"].partition("\n## Panel\n")[0] + "\n## See also\n\n" + see_also(["corvanta(1)", "corvanta-graph(5)"]) + "\n"
+        # Pictures and pages about formats are in the HTML only.
+        text = reference[f"reference/actions/{action['type']}.md"].partition("\n## Panel\n")[0]
+        text = re.sub("- Details of the format.*\n", "", text) + "\n## See also\n\n" + see_also(["corvanta(1)", "corvanta-graph(5)"]) + "\n"
         result[f"man7/{name}.7"] = page(name, 7, catalogue.version, text)
     result["man5/corvanta-graph.5"] = page("corvanta-graph", 5, catalogue.version, graph)
     return result

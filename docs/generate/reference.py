@@ -6,9 +6,9 @@ import message_texts
 KINDS = {"strings": "list of texts", "flag": "0 or 1"}
 
 
-def cell(text):
-    """A text for a cell of a table."""
-    return text.replace("|", "\\|").replace("\n", " ").replace("<", "&lt;")
+def prose(text):
+    """A text of the program, in which nothing is markup."""
+    return re.sub(r"([*_`\[\]|\\])", r"\\\1", text.replace("&", "&amp;").replace("<", "&lt;")).replace("\n", " ")
 
 
 def code(text):
@@ -35,12 +35,12 @@ class ActionPage:
 
     def markdown(self, panel=None):
         action = self.action
-        self.lines = [f"# {action['type']}", "", sentence(action["description"]), ""]
+        self.lines = [f"# {action['type']}", "", prose(sentence(action["description"])), ""]
         self.add_facts()
         if action["examples"]:
             self.lines += ["## Examples", ""]
             for example in action["examples"]:
-                self.lines += [sentence(example["title"]), "", block(example["element"], "xml")]
+                self.lines += [prose(sentence(example["title"])), "", block(example["element"], "xml")]
         self.lines += ["## Parameters", "", "The values of a saved element; what is not given has its default.", ""]
         if not action["parameters"]:
             self.lines += ["This action has no parameters.", ""]
@@ -72,7 +72,7 @@ class ActionPage:
         for info in infos:
             anchor = (path + info["name"]).replace("/", ".")
             # The Markdown tool has six levels of headings.
-            self.lines += [f"{'#' * min(level, 6)} {path}{info['name']} {{#{anchor}}}", "", info["meaning"], ""]
+            self.lines += [f"{'#' * min(level, 6)} {path}{info['name']} {{#{anchor}}}", "", prose(info["meaning"]), ""]
             self.lines += [f"- {fact}" for fact in self.facts(info)] + [""]
             self.lines += [block(info["example"], "xml")]
             self.add_parameters(info.get("members", []), f"{path}{info['name']}/")
@@ -88,11 +88,11 @@ class ActionPage:
         if info.get("unit"):
             yield f"Unit: {info['unit']}."
         if info.get("usedWhen"):
-            yield f"Used only when {', and '.join(info['usedWhen'])}."
+            yield f"Used only when {prose(', and '.join(info['usedWhen']))}."
         for number, choice in enumerate(info.get("choices", [])):
             explanation = (info.get("explanations") or [""] * (number + 1))[number]
             element = " ".join(info["choiceExamples"][number].split())
-            yield f"{number}: {cell(choice)}" + (f". {explanation}" if explanation else ".") + (f" Example: `{element}`" if element else "")
+            yield f"{number}: {prose(choice)}" + (f". {prose(explanation)}" if explanation else ".") + (f" Example: `{element}`" if element else "")
         if info["type"] == "structure":
             yield f"Each element `{info['element']}` holds the members below."
 
@@ -137,19 +137,19 @@ def action_pages(catalogue, root):
 
 
 def command_page(command):
-    lines = [f"# corvanta {command['name']}", "", sentence(command["summary"]), "", "## Synopsis", "",
+    lines = [f"# corvanta {command['name']}", "", prose(sentence(command["summary"])), "", "## Synopsis", "",
              block("\n".join("corvanta " + usage for usage in command["usage"])), "## Description", ""]
     for paragraph in command["description"]:
-        lines += [paragraph.replace("<", "&lt;"), ""]
+        lines += [prose(paragraph), ""]
     lines += ["## Options", ""]
     for group in command["optionGroups"]:
         lines += [f"### {group['title']}", ""] if group["title"] else []
         for option in group["options"]:
             names = ", ".join(option["names"])
-            lines += [code(f"{names} {option['value']}".strip()), f":   {sentence(option['meaning'])}", ""]
+            lines += [code(f"{names} {option['value']}".strip()), f":   {prose(sentence(option['meaning']))}", ""]
     if command["examples"]:
         lines += ["## Examples", "", block("\n".join("corvanta " + example for example in command["examples"]), "sh")]
-    lines += ["## Exit status", "", command["exitStatus"] or "0 done, 2 bad usage.", ""]
+    lines += ["## Exit status", "", prose(command["exitStatus"]) or "0 done, 2 bad usage.", ""]
     return "\n".join(lines)
 
 
@@ -183,7 +183,7 @@ def actions_index(catalogue):
     lines = ["# Actions", "", "| action | what it does | pins in | pins out |", "|---|---|---|---|"]
     for action in catalogue.actions:
         pins = "any" if action["pinsIn"] > 2 else action["pinsIn"]
-        lines.append(f"| [{action['type']}](actions/{action['type']}.md) | {cell(action['description'])} | {pins} | {action['pinsOut']} |")
+        lines.append(f"| [{action['type']}](actions/{action['type']}.md) | {prose(action['description'])} | {pins} | {action['pinsOut']} |")
     return "\n".join(lines) + "\n"
 
 

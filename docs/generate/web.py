@@ -74,15 +74,17 @@ class Site:
                 f'<body><nav>{links}</nav>\n{body}\n</body></html>\n')
 
     def add_lists(self):
-        """Lists of the pages of a folder at the end of the first page, and of the cookbook."""
-        def items(folder, page):
-            for path, text in sorted(self.texts.items()):
-                if path.startswith(folder) and not path.endswith("index.md"):
-                    yield f"- [{text.partition(chr(10))[0].lstrip('# ')}]({os.path.relpath(path, os.path.dirname(page) or '.')})"
+        """Lists of the pages of each folder at the end of the first page, and of the cookbook."""
+        for title, folder in (("Guides", "guide"), ("Formats", "formats"), ("For developers", ""), ("Decisions", "decisions")):
+            self.add_list("index.md", f"## {title}", folder)
+        self.add_list("cookbook/index.md", "", "cookbook")
 
-        for title, folder in (("Formats", "formats/"), ("Decisions", "decisions/")):
-            self.texts["index.md"] += "\n".join(["", f"## {title}", "", *items(folder, "index.md"), ""])
-        self.texts["cookbook/index.md"] += "\n".join(["", *items("cookbook/", "cookbook/index.md"), ""])
+    def add_list(self, page, title, folder):
+        paths = [path for path in sorted(self.texts) if os.path.dirname(path) == folder and not path.endswith("index.md")]
+        # A link of a page is relative to its place in the repository.
+        links = [os.path.relpath(in_repository(path), os.path.dirname(in_repository(page))) for path in paths]
+        titles = [self.texts[path].partition("\n")[0].lstrip("# ") for path in paths]
+        self.texts[page] += "\n".join(["", title, "", *(f"- [{name}]({link})" for name, link in zip(titles, links)), ""])
 
     def write(self):
         import markdown  # only here: manual pages and completions do not need it

@@ -18,6 +18,19 @@ HTML = SHARE / "doc/corvanta/html"
 BASH, ZSH, FISH = (SHARE / name for name in ("bash-completion/completions/corvanta", "zsh/site-functions/_corvanta",
                                              "fish/vendor_completions.d/corvanta.fish"))
 
+# Types a line and a tab in a terminal of zsh, and prints what appears.
+ZPTY = r"""
+zmodload zsh/zpty; zpty z zsh -f -i
+zpty -w z "PS1=; unsetopt prompt_sp prompt_cr zle_bracketed_paste; bindkey '^I' list-choices; fpath=($1 \$fpath); autoload -U compinit; compinit -D; print rea''dy"
+zpty -r -m z out '*ready*'
+zpty -w -n z "$2"$'\t'
+for i in {1..20}; do
+    sleep .05
+    while zpty -r -t z more; do out+=$more; done
+done
+print -r -- "$out"; zpty -d z
+"""
+
 
 def corvanta(*words):
     return subprocess.run([CORVANTA, *words], check=True, capture_output=True, text=True).stdout
@@ -157,7 +170,11 @@ class Completions(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("zsh"), "no zsh")
     def test_zsh(self):
-        subprocess.run(["zsh", "-n", str(ZSH)], check=True)
+        for line, offered in (("corvanta con", "convert"), ("corvanta convert elements.csv out.xlsx --writer sheetN", "sheetName"),
+                              ("corvanta run m", "main.graph"), ("corvanta describe writeE", "writeExcel")):
+            done = subprocess.run(["zsh", "-f", "-c", ZPTY, "zsh", str(ZSH.parent), line], cwd=ROOT / "examples", capture_output=True, text=True,
+                                  check=True, timeout=60)
+            self.assertIn(offered, done.stdout.rpartition(line[-9:] + "\t")[2] or done.stdout, line)
 
     @unittest.skipUnless(shutil.which("fish"), "no fish")
     def test_fish(self):
