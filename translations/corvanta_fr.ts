@@ -629,6 +629,10 @@
 <context>
     <name>HelpView</name>
     <message>
+        <source>Examples and messages</source>
+        <translation>Exemples et messages</translation>
+    </message>
+    <message>
         <source>Parameters</source>
         <translation>Paramètres</translation>
     </message>

@@ -6,6 +6,9 @@
 #include "corvanta/help.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -65,6 +68,20 @@ QString parameterTable(const ActionParameters &parameters)
                ofPage(QT_TRANSLATE_NOOP("HelpView", "Meaning")), rows);
 }
 
+/// A link to the page of the installed reference, which also has examples and messages. Empty
+/// where the documentation is not installed.
+QString referenceLink(const QString &type)
+{
+    const QString file = QCoreApplication::applicationDirPath() +
+                         u"/../share/doc/corvanta/html/reference/actions/%1.html"_s.arg(type);
+    if (!QFileInfo::exists(file)) {
+        return {};
+    }
+    return u"<p><a href=\"%1\">%2</a></p>"_s.arg(
+        QUrl::fromLocalFile(QDir::cleanPath(file)).toString(QUrl::FullyEncoded),
+        ofPage(QT_TRANSLATE_NOOP("HelpView", "Examples and messages")));
+}
+
 } // namespace
 
 QString actionHelp(ActionItem &prototype)
@@ -78,6 +95,7 @@ QString actionHelp(ActionItem &prototype)
         page += u"<p>%1</p>"_s.arg(ofPage(QT_TRANSLATE_NOOP("HelpView", "Files: %1"))
                                        .arg(types.join(u", "_s).toHtmlEscaped()));
     }
+    page += referenceLink(QString::fromLatin1(prototype.getTypeName()));
     if (const auto *const parameters = dynamic_cast<const ActionParameters *>(&prototype)) {
         page += parameterTable(*parameters);
     }
