@@ -84,6 +84,7 @@ QIcon actionIcon(const QPixmap &drawn, const QPalette &palette)
     QPainter painter(&tile);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
+    // Not white: the tile should not be the brightest thing of the window.
     painter.setBrush(QColor(0xe8, 0xe8, 0xea));
     painter.drawRoundedRect(tile.rect(), 8, 8);
     painter.drawPixmap(tile.rect().marginsRemoved({4, 4, 4, 4}), drawn);

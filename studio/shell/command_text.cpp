@@ -27,6 +27,7 @@ QString runCommandText(const QString &graphFile)
 
 QString runScriptText(const QString &graphFile, const QString &scriptFile)
 {
+    // Relative to the script, so that both can be copied to another machine.
     const QDir folder = QFileInfo(scriptFile).absoluteDir();
     const QString name = folder.relativeFilePath(QFileInfo(graphFile).absoluteFilePath());
     const QString comment = QFileInfo(graphFile).fileName().replace(u'\n', u' ');

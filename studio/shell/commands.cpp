@@ -260,10 +260,12 @@ Commands::Commands(QWidget *window, Settings &settings)
     , m_settings(settings)
 {
     for (const CommandInfo &info : kCommands) {
+        // It has no shortcut and starts nothing.
         if ((info.flags & kSubMenu) != 0) {
             continue;
         }
         QAction *const action = makeAction(info, window);
+        // One that the user has set replaces all of the table.
         if (const auto keys = settings.shortcut(action->objectName())) {
             action->setShortcut(*keys);
         }
@@ -323,6 +325,7 @@ void Commands::fill(QMenuBar *bar)
             menu->addSeparator();
         }
     }
+    // Tests find menus by name.
     for (const auto &[name, menu] : m_menus) {
         menu->setObjectName(u"menu."_s + name);
     }
@@ -330,6 +333,7 @@ void Commands::fill(QMenuBar *bar)
 
 void Commands::fill(QToolBar *bar) const
 {
+    // The menu of the command before.
     QString group;
     for (QAction *const action : m_actions) {
         const CommandInfo &info = infoOf(*action);
@@ -371,6 +375,7 @@ QKeySequence Commands::defaultShortcut(const QAction &action)
 
 void Commands::setShortcut(QAction *action, const QKeySequence &keys)
 {
+    // A later version may have another default, which the user then gets.
     if (keys == defaultShortcut(*action)) {
         action->setShortcuts(sequences(infoOf(*action).keys));
         m_settings.setShortcut(action->objectName(), std::nullopt);

@@ -25,6 +25,7 @@ DocumentTab::DocumentTab(std::unique_ptr<GraphDocument> document, QWidget *paren
     layout->setSpacing(0);
     layout->addWidget(m_messages);
     layout->addWidget(m_canvas, 1);
+    // Keys that are not for a panel are for the graph.
     setFocusProxy(m_canvas);
     connectDocument();
 }

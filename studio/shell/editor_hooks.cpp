@@ -20,6 +20,7 @@ namespace {
 /// The document that has the action; null for an action of none.
 GraphDocument *documentOf(const Workspace &workspace, const ActionItem *action)
 {
+    // A panel may report an edit that it made in the background, when another tab is shown.
     for (const DocumentTab *const tab : workspace.tabs()) {
         if (!tab->document()->idOf(action).isEmpty()) {
             return tab->document();

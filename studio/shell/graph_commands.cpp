@@ -28,6 +28,7 @@ namespace {
 std::optional<LinkRef> possibleLink(const GraphDocument &document, const QString &from,
                                     const QString &to, QString *why)
 {
+    // Few actions have more than two pins, so that all pairs can be tried.
     for (int out = 0; out < document.outputCount(from); ++out) {
         for (int in = 0; in < document.inputCount(to); ++in) {
             if (document.canLink({from, out}, {to, in}, why)) {
@@ -42,6 +43,7 @@ std::optional<LinkRef> possibleLink(const GraphDocument &document, const QString
 QVector<LinkRef> possibleLinks(const GraphDocument &document, const QString &id)
 {
     QVector<LinkRef> links;
+    // Both directions: the user may begin at either end.
     for (const QString &other : document.ids()) {
         for (const auto &[from, to] : {std::pair(id, other), std::pair(other, id)}) {
             if (const auto link = possibleLink(document, from, to, nullptr)) {
@@ -54,6 +56,7 @@ QVector<LinkRef> possibleLinks(const GraphDocument &document, const QString &id)
 
 QString linkText(const LinkRef &link)
 {
+    // As in the graph file, with an arrow.
     return u"%1:%2 \u2192 %3:%4"_s.arg(link.from.action, QString::number(link.from.pin),
                                        link.to.action, QString::number(link.to.pin));
 }
@@ -124,6 +127,7 @@ void GraphCommands::connectEdits()
                          [this] { document()->remove(selectedIds(), selectedLinks()); });
     m_commands.onTrigger("edit.selectAll", this, [this] { select(document()->ids()); });
     m_commands.onTrigger("graph.layout", this, [this] {
+        // A single action has nothing to be arranged with.
         const QStringList ids = selectedIds();
         document()->layout(ids.size() > 1 ? ids : QStringList());
     });
@@ -163,6 +167,7 @@ void GraphCommands::connectViews()
     onCanvas("view.zoomReset", &CanvasView::zoomReset);
     onCanvas("view.zoomFit", &CanvasView::zoomFit);
     m_commands.onTrigger("view.overview", this, [this](bool isShown) {
+        // A preference of the window, not of one graph.
         for (const DocumentTab *const each : m_workspace.tabs()) {
             each->canvas()->setOverviewShown(isShown);
         }
@@ -205,6 +210,7 @@ RunController *GraphCommands::runs() const
 
 void GraphCommands::update()
 {
+    // Of the shown tab; on the start page all of these are false or 0.
     const bool hasGraph = document() != nullptr;
     const qsizetype count = selectedIds().size();
     const qsizetype links = selectedLinks().size();
@@ -247,6 +253,7 @@ void GraphCommands::copy()
 
 void GraphCommands::paste()
 {
+    // The clipboard may have any text: paste() finds out whether it is a graph.
     const QStringList ids =
         document()->paste(QGuiApplication::clipboard()->text(), canvas()->freePosition());
     if (ids.isEmpty()) {
@@ -261,11 +268,13 @@ void GraphCommands::addAction(const QString &type)
     QString id;
     const QStringList ids = selectedIds();
     const QVector<LinkRef> links = selectedLinks();
+    // The palette has no other way to say where an action goes.
     if (links.size() == 1 && ids.isEmpty()) {
         id = document()->addActionIntoLink(type, links.first());
     } else if (ids.size() == 1 && document()->outputCount(ids.first()) > 0) {
         id = document()->addActionAfter(type, {ids.first(), 0});
     }
+    // For example a second reader, which no action can send rows to.
     if (id.isEmpty()) {
         id = document()->addAction(type, canvas()->freePosition());
     }
@@ -281,6 +290,7 @@ void GraphCommands::link()
     }
     QString why;
     auto found = possibleLink(*document(), ids.first(), ids.last(), &why);
+    // The order of a selection is not that of clicks; only one direction may be possible.
     if (!found) {
         found = possibleLink(*document(), ids.last(), ids.first(), nullptr);
     }
@@ -359,6 +369,7 @@ void GraphCommands::saveScript()
     if (name.isEmpty()) {
         return;
     }
+    // An existing script is replaced only when the new one is complete.
     QSaveFile file(name);
     const QByteArray text = runScriptText(document()->fileName(), name).toUtf8();
     const bool isWritten =
@@ -368,6 +379,7 @@ void GraphCommands::saveScript()
                                 {{tr("Close")}});
         return;
     }
+    // For the same people who may read it.
     QFile::setPermissions(name, QFile::permissions(name) | QFile::ExeOwner | QFile::ExeUser |
                                     QFile::ExeGroup | QFile::ExeOther);
 }

@@ -115,6 +115,7 @@ MainWindow::~MainWindow()
 
 void MainWindow::makeDocks()
 {
+    // The panels at the sides are high: trees and parameters need height more than width.
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     QDockWidget *const palette = addDock(Qt::LeftDockWidgetArea, tr("Palette"), m_palette);
@@ -129,10 +130,11 @@ void MainWindow::makeDocks()
     tabifyDockWidget(problems, addDock(Qt::BottomDockWidgetArea, tr("Data"), m_data));
     properties->raise();
     problems->raise();
+    // In letters and lines, so that the panels fit to any text size.
     const int letter = fontMetrics().averageCharWidth();
     resizeDocks({palette, properties}, {letter * 36, letter * 60}, Qt::Horizontal);
     const int line = fontMetrics().lineSpacing();
-    resizeDocks({problems}, {line * 11}, Qt::Vertical);
+    resizeDocks({problems}, {line * 15}, Qt::Vertical);
     resizeDocks({palette, outline}, {line * 30, line * 11}, Qt::Vertical);
 }
 
@@ -187,6 +189,7 @@ void MainWindow::connectViewCommands()
     m_commands->onTrigger("view.fullScreen", this, [this](bool isFull) {
         setWindowState(windowState().setFlag(Qt::WindowFullScreen, isFull));
     });
+    // After the last tab comes the first one.
     const auto showTabAt = [this](int step) {
         const int count = m_workspace->count();
         m_workspace->setCurrentIndex((m_workspace->currentIndex() + step + count) % count);
@@ -273,8 +276,10 @@ void MainWindow::connectTabs()
 
 void MainWindow::connectTab(DocumentTab *tab)
 {
+    // The tab deletes it, which also removes it from here.
     m_logs->addWidget(tab->log());
     connectCanvas(tab->canvas());
+    // Runs continue in tabs that are not shown.
     const auto ifShown = [this, tab](auto function) {
         return [this, tab, function] {
             if (tab == m_shown) {
@@ -322,6 +327,7 @@ void MainWindow::showTab()
 {
     m_shown = m_workspace->current();
     GraphDocument *const document = m_shown != nullptr ? m_shown->document() : nullptr;
+    // First: the document of the tab before may be destroyed next.
     m_properties->show(nullptr, {});
     m_variables->setDocument(document);
     m_outline->setDocument(document);
@@ -349,6 +355,7 @@ void MainWindow::showSelection()
 
 void MainWindow::updateTitle()
 {
+    // The start page belongs to no file.
     const QString program = tr("Corvanta");
     if (m_shown == nullptr) {
         setWindowTitle(program);
@@ -373,6 +380,7 @@ void MainWindow::updateCommands()
 
 void MainWindow::addAction(const QString &type)
 {
+    // On the start page the palette begins a graph.
     if (m_shown == nullptr) {
         m_workspace->newDocument();
     }
@@ -431,6 +439,7 @@ void MainWindow::showAbout()
 void MainWindow::restoreArrangement()
 {
     (*m_commands)[u"view.dark"_s]->setChecked(isDark(palette()));
+    // A first start, or the file of another version.
     if (!restoreGeometry(m_settings.windowGeometry())) {
         resize(1280, 800);
     }
@@ -451,6 +460,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
+    // Only here: a window that was killed keeps the arrangement of the session before.
     m_settings.setWindow(saveGeometry(), saveState());
     event->accept();
 }

@@ -23,6 +23,7 @@ namespace corvanta::studio {
 
 namespace {
 
+/// Of file dialogs. Graphs may have any extension, so all files can be chosen too.
 QString graphFilter()
 {
     return Workspace::tr("Graphs (*.graph);;All files (*)");
@@ -51,6 +52,7 @@ Workspace::Workspace(const ActionRegistry &registry, Settings &settings, QWidget
 {
     setObjectName(u"workspace"_s);
     setTabsClosable(true);
+    // The order of the tabs is that of the next session.
     setMovable(true);
     setDocumentMode(true);
     connect(this, &QTabWidget::currentChanged, this, &Workspace::currentTabChanged);
@@ -92,6 +94,7 @@ void Workspace::newDocument()
 
 DocumentTab *Workspace::findTab(const QString &fileName) const
 {
+    // Relative names depend on the current folder.
     const QString name = QFileInfo(fileName).absoluteFilePath();
     for (DocumentTab *const tab : tabs()) {
         if (tab->document()->fileName() == name) {
@@ -109,6 +112,7 @@ bool Workspace::open(const QString &fileName)
     }
     auto document = GraphDocument::open(fileName, m_registry);
     if (!document) {
+        // A file that cannot be parsed may be repaired; a missing one is only in the way.
         if (!QFileInfo::exists(fileName)) {
             m_settings.removeRecentFile(fileName);
         }
@@ -201,6 +205,7 @@ bool Workspace::saveAs(DocumentTab *tab)
     const QString name = tab->document()->fileName();
     QFileDialog dialog(this, tr("Save the graph"), name, graphFilter());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    // The dialog itself asks before it replaces a file.
     dialog.setDefaultSuffix(u"graph"_s);
     return dialog.exec() == QDialog::Accepted && write(tab, dialog.selectedFiles().value(0));
 }
@@ -208,6 +213,7 @@ bool Workspace::saveAs(DocumentTab *tab)
 bool Workspace::write(DocumentTab *tab, const QString &fileName)
 {
     GraphDocument *const document = tab->document();
+    // saveAs() makes inputs absolute when the folder changes, which a plain save must not do.
     const auto saved =
         fileName == document->fileName() ? document->save() : document->saveAs(fileName);
     if (!saved) {
@@ -222,6 +228,7 @@ bool Workspace::write(DocumentTab *tab, const QString &fileName)
 bool Workspace::saveAll()
 {
     for (DocumentTab *const tab : tabs()) {
+        // Stop at the first one that the user cancels.
         if (tab->document()->isModified() && !save(tab)) {
             return false;
         }
@@ -255,6 +262,7 @@ bool Workspace::askToSave(DocumentTab *tab)
     case QMessageBox::Save:
         return save(tab);
     case QMessageBox::Discard:
+        // Else the next session would offer the changes that the user has just given up.
         tab->document()->discardRecovery();
         return true;
     default:
@@ -282,6 +290,7 @@ void Workspace::removeTabOf(DocumentTab *tab)
     delete tab;
     if (!m_isClosing) {
         rememberFiles();
+        // Without tabs the window would be empty.
         if (count() == 0) {
             showStartPage();
         }
@@ -291,6 +300,7 @@ void Workspace::removeTabOf(DocumentTab *tab)
 bool Workspace::closeAll()
 {
     finishEditing();
+    // All questions first: a tab is closed only when none is cancelled.
     for (DocumentTab *const tab : tabs()) {
         if (!askToSave(tab)) {
             return false;
@@ -320,6 +330,7 @@ void Workspace::reopenFiles()
 {
     const QStringList files = m_settings.openFiles();
     for (const QString &file : files) {
+        // No message for a file that was removed or is on a drive that is not mounted now.
         if (QFileInfo::exists(file)) {
             open(file);
         }
@@ -344,6 +355,7 @@ void Workspace::offerRecovery()
     box.setTextFormat(Qt::PlainText);
     QAbstractButton *const yes = box.addButton(tr("&Recover"), QMessageBox::AcceptRole);
     QAbstractButton *const no = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
+    // The files stay, and are offered again at the next start.
     box.addButton(tr("&Later"), QMessageBox::RejectRole);
     box.exec();
     if (box.clickedButton() == yes) {

@@ -26,6 +26,7 @@ Group groupOf(const QStringList &keywords, const QStringList &tags)
     if (keywords.contains("export"_L1)) {
         return Writers;
     }
+    // "Common" and "Uncommon" say how often an action is used, not what it does.
     const QString tag = tags.value(0);
     return tag.isEmpty() || tag == "Common"_L1 || tag == "Uncommon"_L1 ? Tables : Tagged;
 }
@@ -58,6 +59,7 @@ QStringList searchWords(ActionItem &action)
         word = word.toLower();
         word.remove(0, word.startsWith(u'.') ? 1 : 0); // ".pptx"
     }
+    // Keywords and extensions often are the same.
     words.removeDuplicates();
     return words;
 }
@@ -85,6 +87,7 @@ int distance(const CatalogueEntry &entry, const QString &word)
 int distance(const CatalogueEntry &entry, const QStringList &words)
 {
     int sum = 0;
+    // Every word must match, so that more words find less.
     for (const QString &word : words) {
         const int each = distance(entry, word);
         if (each == kNoMatch) {

@@ -25,12 +25,14 @@ Palette::Palette(const ActionRegistry &registry, Settings &settings, QWidget *pa
     , m_tree(new QTreeView(this))
 {
     setObjectName(u"palette"_s);
+    setMinimumWidth(fontMetrics().averageCharWidth() * 24); // the longest name and its icon
     makeSearch();
     makeTree();
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(m_search);
     layout->addWidget(m_tree);
+    // The search is what a user of the keyboard wants.
     setFocusProxy(m_search);
 }
 
@@ -40,6 +42,7 @@ void Palette::makeSearch()
     m_search->setAccessibleName(tr("Search actions"));
     m_search->setPlaceholderText(tr("Search actions"));
     m_search->setClearButtonEnabled(true);
+    // A line edit ignores the keys that lead into the tree.
     m_search->installEventFilter(this);
     connect(m_search, &QLineEdit::textChanged, this, &Palette::search);
     connect(m_search, &QLineEdit::returnPressed, this, [this] { choose(firstAction()); });
@@ -139,6 +142,7 @@ bool Palette::eventFilter(QObject *watched, QEvent *event)
             m_tree->setFocus(Qt::OtherFocusReason);
             return true;
         }
+        // An empty field leaves the key to others, such as a dialog.
         if (key == Qt::Key_Escape && !m_search->text().isEmpty()) {
             m_search->clear();
             return true;

@@ -59,6 +59,7 @@ void PaletteModel::showCategories()
 void PaletteModel::addCategory(const QString &title, const QStringList &types)
 {
     auto category = std::make_unique<QStandardItem>(title);
+    // Not drag-enabled: a category cannot be added.
     category->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
     category->setColumnCount(2);
     for (const QString &type : types) {
@@ -88,6 +89,7 @@ void PaletteModel::addEntry(QStandardItem *parent, const CatalogueEntry &entry)
 QMimeData *PaletteModel::mimeData(const QModelIndexList &indexes) const
 {
     const QString type = indexes.value(0).data(kTypeRole).toString();
+    // Null ends the drag.
     if (type.isEmpty()) {
         return nullptr;
     }

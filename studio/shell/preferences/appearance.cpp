@@ -16,6 +16,7 @@ QPalette darkPalette()
 {
     const QColor window(0x35, 0x36, 0x3a);
     const QColor deep(0x1f, 0x20, 0x23);
+    // Grey rather than black: outlines and shadows stay visible.
     QPalette dark(window, QColor(0x2b, 0x2c, 0x30));
     dark.setColor(QPalette::Base, deep);
     dark.setColor(QPalette::AlternateBase, QColor(0x2b, 0x2c, 0x30));
@@ -25,6 +26,7 @@ QPalette darkPalette()
     dark.setColor(QPalette::ToolTipText, Qt::white);
     dark.setColor(QPalette::Link, QColor(0x8a, 0xb4, 0xf8));
     dark.setColor(QPalette::PlaceholderText, QColor(0xb0, 0xb0, 0xb4));
+    // The constructor makes them too dark to read.
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         dark.setColor(QPalette::Disabled, role, QColor(0x9a, 0x9b, 0xa0));
     }
@@ -60,6 +62,7 @@ void applyAppearance(Theme theme, int fontPercent)
         QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     }
     QApplication::setPalette(themePalette(theme));
+    // From the size of the desktop, not from the current one.
     QFont font = desktopFont();
     font.setPointSizeF(font.pointSizeF() * fontPercent / 100);
     QApplication::setFont(font);

@@ -44,6 +44,7 @@ Settings::Settings(const QString &fileName)
 void Settings::prepend(const QString &key, const QString &item)
 {
     QStringList items = m_file.value(key).toStringList();
+    // Each item once.
     items.removeAll(item);
     items.prepend(item);
     m_file.setValue(key, items.mid(0, kMaxRecent));
@@ -88,6 +89,7 @@ QStringList Settings::favouriteActions() const
 
 void Settings::setFavouriteAction(const QString &type, bool isFavourite)
 {
+    // A mark that is set again moves to the end.
     QStringList types = favouriteActions();
     types.removeAll(type);
     if (isFavourite) {
@@ -99,6 +101,7 @@ void Settings::setFavouriteAction(const QString &type, bool isFavourite)
 std::optional<QKeySequence> Settings::shortcut(const QString &command) const
 {
     const QVariant saved = m_file.value(kShortcutGroup + command);
+    // An empty text is a shortcut that was removed.
     return saved.isValid() ? std::optional(QKeySequence(saved.toString())) : std::nullopt;
 }
 
@@ -129,6 +132,7 @@ void Settings::setTheme(Theme theme)
 
 int Settings::fontPercent() const
 {
+    // The file may be edited by hand.
     return qBound(kMinFontPercent, m_file.value(kFontPercent, 100).toInt(), kMaxFontPercent);
 }
 

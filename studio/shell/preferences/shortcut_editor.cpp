@@ -29,6 +29,7 @@ QString plainText(const QAction &action)
 QString keyTexts(const QAction &action)
 {
     QStringList texts;
+    // Some commands have two, for keyboards without one of the keys.
     for (const QKeySequence &keys : action.shortcuts()) {
         texts << keys.toString(QKeySequence::NativeText);
     }
@@ -94,6 +95,7 @@ void ShortcutEditor::makeFields()
     m_keys->setAccessibleName(tr("New shortcut"));
     m_conflict->setObjectName(u"shortcutConflict"_s);
     m_conflict->setWordWrap(true);
+    // Enter ends the recording of a shortcut and must not press a button.
     for (QPushButton *const button : {m_clear, m_reset}) {
         button->setAutoDefault(false);
     }
@@ -145,6 +147,7 @@ void ShortcutEditor::setKeys(const QKeySequence &keys)
         return;
     }
     if (const QAction *const other = m_commands.findConflict(action, keys)) {
+        // Taking the shortcut away from the other command would surprise later.
         m_keys->setKeySequence(action->shortcut());
         m_conflict->setText(tr("%1 is the shortcut of \"%2\"")
                                 .arg(keys.toString(QKeySequence::NativeText), plainText(*other)));

@@ -23,6 +23,7 @@ QString firstComment(const QString &fileName)
         return {};
     }
     QXmlStreamReader xml(&file);
+    // Comments inside the graph are about its parts.
     while (!xml.atEnd() && !xml.isStartElement()) {
         xml.readNext();
         if (xml.isComment()) {

@@ -35,6 +35,7 @@ QString typeText(const ParameterInfo &info)
     }
     QStringList choices;
     for (int i = 0; i < info.choices.size(); ++i) {
+        // A number without a text is not a choice.
         if (!info.choices.at(i).isEmpty()) {
             choices << u"%1: %2"_s.arg(QString::number(i), ofTable(info.choices.at(i)));
         }
@@ -108,7 +109,9 @@ HelpView::HelpView(const ActionRegistry &registry, QWidget *parent)
 {
     setObjectName(u"help"_s);
     setAccessibleName(tr("Help"));
+    // In the browser of the user.
     setOpenExternalLinks(true);
+    // An action does not name its page, it only opens it.
     for (const auto &prototype : registry.prototypes()) {
         setHelpOpener([&](const QString &page, const QString &) {
             m_types.insert(page, QString::fromLatin1(prototype->getTypeName()));

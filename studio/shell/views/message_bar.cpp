@@ -1,4 +1,4 @@
-// The bar has the colours of tool tips, which every theme makes stand out from the window.
+// The bar has the colours of tool tips, which differ from the window in every theme.
 #include "studio/shell/views/message_bar.h"
 
 #include <QHBoxLayout>
@@ -45,6 +45,7 @@ void MessageBar::addButton(const Choice &choice)
     auto *const button = new QPushButton(choice.text, this);
     m_layout->addWidget(button);
     connect(button, &QPushButton::clicked, this, [this, run = choice.run] {
+        // First: what is run may show another message.
         hide();
         if (run) {
             run();

@@ -25,6 +25,7 @@ Outline::Outline(QWidget *parent)
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setUniformRowHeights(true);
     m_update.setSingleShot(true);
+    // After the step that causes the changes.
     m_update.setInterval(0);
     connect(&m_update, &QTimer::timeout, this, &Outline::fill);
     connect(this, &QTreeWidget::itemSelectionChanged, this, &Outline::reportSelection);
@@ -99,6 +100,7 @@ QString Outline::idOf(const QTreeWidgetItem &item)
 void Outline::setSelected(const QStringList &ids)
 {
     m_selected = ids;
+    // The selection comes from the canvas: reporting it would be a loop.
     const QSignalBlocker blocker(this);
     const QSet<QString> wanted(ids.begin(), ids.end());
     QTreeWidgetItem *first = nullptr;
@@ -110,6 +112,7 @@ void Outline::setSelected(const QStringList &ids)
             item->setSelected(true);
         }
     }
+    // While the user moves in the tree, its current item is the one that counts.
     if (first != nullptr && !hasFocus()) {
         setCurrentItem(first, 0, QItemSelectionModel::NoUpdate);
         scrollToItem(first);

@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -56,6 +57,7 @@ PropertyView::PropertyView(QWidget *parent)
 
 void PropertyView::show(GraphDocument *document, const QStringList &ids)
 {
+    // Making a panel takes longer than all else here, and would lose the focus.
     if (m_page != nullptr && document == m_document && ids == m_ids) {
         return;
     }
@@ -129,6 +131,7 @@ void PropertyView::addComment(QFormLayout *form)
 
 void PropertyView::addPanel(QVBoxLayout *layout)
 {
+    // Null for a type that no module has; the graph keeps its element.
     ActionItem *const action = m_document->action(m_ids.first());
     m_panel = action != nullptr ? action->createPanel(m_page) : nullptr;
     if (m_panel != nullptr) {
@@ -150,6 +153,7 @@ void PropertyView::refresh()
     if (m_document == nullptr || m_ids.isEmpty()) {
         return;
     }
+    // Values that were different may be equal now: make the fields again.
     if (m_ids.size() > 1) {
         const QStringList ids = m_ids;
         m_ids.clear();
@@ -157,6 +161,7 @@ void PropertyView::refresh()
         return;
     }
     const QString &id = m_ids.first();
+    // A name that is being typed stays.
     if (!m_name->isModified()) {
         m_name->setText(id);
     }
@@ -205,6 +210,7 @@ void PropertyView::editComment()
 void PropertyView::showSeveral()
 {
     const QString type = m_document->type(m_ids.first());
+    // Parameters of equal names may mean different things in different types.
     const bool isOneType = std::all_of(m_ids.begin(), m_ids.end(), [&](const QString &id) {
         return m_document->type(id) == type && m_document->action(id) != nullptr;
     });
@@ -247,6 +253,7 @@ QWidget *PropertyView::makeFlagField(const ParameterInfo &info)
 {
     auto *const box = new QCheckBox; // the form owns the fields
     const auto value = commonValue(info.name);
+    // The third state is only shown: a click gives all actions one value.
     box->setTristate(!value);
     box->setCheckState(!value             ? Qt::PartiallyChecked
                        : *value == "1"_L1 ? Qt::Checked
@@ -267,6 +274,7 @@ QWidget *PropertyView::makeChoiceField(const ParameterInfo &info)
         }
     }
     const auto value = commonValue(info.name);
+    // Shown while no choice is current.
     box->setPlaceholderText(tr("different values"));
     box->setCurrentIndex(value ? box->findData(*value) : -1);
     connect(box, &QComboBox::activated, this,
@@ -281,6 +289,7 @@ QWidget *PropertyView::makeTextField(const ParameterInfo &info)
     edit->setText(value.value_or(QString()));
     edit->setPlaceholderText(value ? QString() : tr("different values"));
     connect(edit, &QLineEdit::editingFinished, this, [this, edit, name = info.name] {
+        // Leaving a field that shows different values must not make them equal.
         if (edit->isModified()) {
             edit->setModified(false);
             setParameter(name, edit->text());

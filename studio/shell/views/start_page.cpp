@@ -41,6 +41,7 @@ StartPage::StartPage(const Settings &settings, QWidget *parent)
     layout->setContentsMargins(40, 24, 40, 24);
     auto *const title = new QLabel(tr("Corvanta"), this);
     QFont font = title->font();
+    // Relative: the user may have chosen another text size.
     font.setPointSizeF(font.pointSizeF() * 2);
     title->setFont(font);
     layout->addWidget(title);
@@ -80,6 +81,7 @@ QListWidget *StartPage::addList(QVBoxLayout *layout, const QString &title, const
     list->setSpacing(2);
     list->setWordWrap(true);
     auto *const label = new QLabel(title, this);
+    // The mnemonic of the label leads to the list.
     label->setBuddy(list);
     layout->addWidget(label);
     layout->addWidget(list, 1);
@@ -95,6 +97,7 @@ void StartPage::fillExamples()
 
 void StartPage::refresh()
 {
+    // The list may have changed since the page was shown.
     m_recent->clear();
     for (const QString &file : m_settings.recentFiles()) {
         const QFileInfo info(file);

@@ -36,6 +36,7 @@ VariableTable::VariableTable(QWidget *parent)
     m_table->setToolTip(tr("${NAME} in a file name or text is replaced by the value."));
     m_problem->setWordWrap(true);
     m_problem->hide();
+    // Also in the context menu, for users who do not know the key.
     auto *const remove = new QAction(tr("Remove the variable"), m_table);
     remove->setObjectName(u"removeVariable"_s);
     remove->setShortcut(QKeySequence::Delete);
@@ -91,6 +92,7 @@ void VariableTable::fill()
         addRow(it.key(), it.value());
     }
     addRow({}, {});
+    // After a rename or an undo the row may be another one.
     const auto same = m_table->findItems(name, Qt::MatchExactly);
     m_table->setCurrentCell(same.isEmpty() ? m_table->rowCount() - 1 : same.first()->row(), column);
 }
@@ -153,6 +155,7 @@ void VariableTable::setVariable(const QString &oldName, const QString &name, con
     if (name.isEmpty()) {
         return; // a value that has no name yet
     }
+    // Renaming is two changes but one step.
     m_document->undoStack()->beginMacro(tr("Set variable %1").arg(name));
     if (!oldName.isEmpty() && oldName != name) {
         m_document->setVariable(oldName, QString());
