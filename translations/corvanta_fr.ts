@@ -899,6 +899,10 @@
         <source>carriage return and line feed (CR LF)</source>
         <translation>retour chariot et saut de ligne (CR LF)</translation>
     </message>
+    <message>
+        <source>as the file declares</source>
+        <translation>comme le fichier le déclare</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>

@@ -1,3 +1,4 @@
+// The levels get most of the room: "Fill from the file" finds them, and the user edits the result.
 #include "actions/read_json/read_json_panel.h"
 
 #include "actions/shared/level_editors.h"

@@ -1,3 +1,5 @@
+// The columns of the file are offered and not filled in: what is listed is read, and later files
+// may have more.
 #include "actions/read_parquet/read_parquet_panel.h"
 
 #include "panels/fill/file_columns.h"

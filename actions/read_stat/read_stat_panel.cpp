@@ -18,7 +18,10 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Columns"),
          {{"ColumnsToRead", editor<FileColumnPicker>}, "columnNamefromLabel", "outputFilenames"}},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
-         {"formatDates", "extractLabels", "catalogFile", {"encoding", shared::encodingField}}},
+         {"formatDates",
+          "extractLabels",
+          "catalogFile",
+          {"encoding", shared::declaredEncodingField}}},
         previewGroup(),
         {kAdvancedGroup, {"maxRows", "fileNameColumn", "bufferSize"}, Fold::Folded},
     };

@@ -1,3 +1,4 @@
+// Templates and documents come from columns of the input, so the first group has no file field.
 #include "actions/write_doc/write_doc_panel.h"
 
 #include "panels/column_picker.h"

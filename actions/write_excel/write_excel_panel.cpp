@@ -1,3 +1,5 @@
+// Target and sheet are open, because the mode decides which of their fields count. Everything about
+// the look of cells is folded.
 #include "actions/write_excel/write_excel_panel.h"
 
 #include "actions/shared/panel_groups.h"

@@ -1,3 +1,4 @@
+// The structure comes before the columns: with levels, the columns of the table are not used.
 #include "actions/write_json/write_json_panel.h"
 
 #include "actions/shared/level_editors.h"

@@ -1,3 +1,5 @@
+// The charts are open and the largest group: the template decides which there are, and each needs
+// its columns.
 #include "actions/write_report/write_report_panel.h"
 
 #include "actions/write_report/write_report.h"

@@ -1,3 +1,4 @@
+// The structure comes before the columns: with levels, the columns of the table are not used.
 #include "actions/write_xml/write_xml_panel.h"
 
 #include "actions/shared/level_editors.h"

@@ -5,6 +5,7 @@
 #include "panels/file_field.h"
 #include "panels/mnemonics.h"
 #include "panels/note_label.h"
+#include "tests/panels/panel_keys.h"
 #include "tests/panels/panel_support.h"
 
 #include <QAction>
@@ -276,6 +277,21 @@ TEST(Editors, ATextIsTypedOverWhenItsColumnIsAdded)
     };
     EXPECT_EQ(added({}, 0, u"town"_s), u"city=town"_s);
     EXPECT_EQ(added(u"F"_s, 1, u"K"_s), u"a=b=K"_s);
+    panels::setInputColumns({});
+}
+
+TEST(Editors, ALineThatIsBeingEditedIsKeptWhenThePanelIsDeleted)
+{
+    panels::setInputColumns({u"city"_s});
+    const panels::Action action =
+        panels::fromXml("<select><rename><s>city=town</s></rename></select>");
+    panels::Panel panel = panels::shown(action);
+    auto *const list =
+        static_cast<QListWidget *>(panel->findChild<QWidget *>(u"rename"_s)->focusProxy());
+    list->editItem(list->item(0));
+    QTest::keyClicks(list->viewport()->findChild<QLineEdit *>(), u"city=place"_s);
+    panel.reset();
+    EXPECT_EQ(panels::valueOf(action, u"rename"_s), u"city=place"_s);
     panels::setInputColumns({});
 }
 

@@ -16,7 +16,6 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyleFactory>
@@ -426,19 +425,6 @@ TEST(PanelEdits, AButtonSetsTheDefault)
     actions.first()->trigger();
     EXPECT_EQ(editor.value(u"separator"_s), u","_s);
     EXPECT_FALSE(actions.first()->isEnabled());
-}
-
-TEST(PanelEdits, ALineThatIsBeingEditedIsKeptWhenThePanelIsDeleted)
-{
-    panels::setInputColumns({u"city"_s});
-    const Action action = panels::fromXml("<select><rename><s>city=town</s></rename></select>");
-    Panel panel = shown(action);
-    auto *const list = static_cast<QListWidget *>(fieldOf(panel, u"rename"_s)->focusProxy());
-    list->editItem(list->item(0));
-    QTest::keyClicks(list->viewport()->findChild<QLineEdit *>(), u"city=place"_s);
-    panel.reset();
-    EXPECT_EQ(panels::valueOf(action, u"rename"_s), u"city=place"_s);
-    panels::setInputColumns({});
 }
 
 TEST(PanelEdits, AValueThatWasRejectedIsResetToo)

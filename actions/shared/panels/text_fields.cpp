@@ -38,6 +38,18 @@ constexpr NamedValue kEncodings[] = {
 };
 constexpr size_t kShortEncodings = 6;
 
+// For files that may declare a wrong encoding: "UTF-8" trusts the file.
+constexpr NamedValue kDeclaredEncodings[] = {
+    {"UTF-8", QT_TRANSLATE_NOOP("Panels", "as the file declares")},
+    kEncodings[2],
+    kEncodings[3],
+    kEncodings[4],
+    kEncodings[5],
+    kEncodings[6],
+    kEncodings[8],
+    kEncodings[9],
+};
+
 constexpr NamedValue kDecimalSigns[] = {
     {".", QT_TRANSLATE_NOOP("Panels", "point")},
     {",", QT_TRANSLATE_NOOP("Panels", "comma")},
@@ -90,6 +102,11 @@ FieldEditor *foundEncodingField(const FieldContext &context)
 FieldEditor *encodingField(const FieldContext &context)
 {
     return suggest(context, std::span(kEncodings).subspan(1));
+}
+
+FieldEditor *declaredEncodingField(const FieldContext &context)
+{
+    return suggest(context, kDeclaredEncodings);
 }
 
 FieldEditor *shortEncodingField(const FieldContext &context)

@@ -13,6 +13,8 @@ FieldEditor *writeSeparatorField(const FieldContext &context);
 /// The name of an encoding. A reader of text files can also find it out ("auto").
 FieldEditor *foundEncodingField(const FieldContext &context);
 FieldEditor *encodingField(const FieldContext &context);
+/// The encoding of a data set, which declares one itself.
+FieldEditor *declaredEncodingField(const FieldContext &context);
 /// The same with one byte per character, or UTF-8.
 FieldEditor *shortEncodingField(const FieldContext &context);
 /// The sign between the digits of a decimal number.
