@@ -227,7 +227,7 @@ TEST_F(Canvas, ANewActionIsAskedForWhereALinkEndsInTheOpen)
     const int steps = m_document.undoStack()->count();
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_TRUE(isLinked(m_sort, u"filter"_s));
-    EXPECT_EQ(m_document.position(u"filter"_s), QPointF(512, 300));
+    EXPECT_EQ(m_document.position(u"filter"_s), QPointF(512, 304));
     EXPECT_EQ(m_document.undoStack()->count(), steps + 1);
     // Space asks without a mouse.
     m_view.showAction(u"filter"_s);
@@ -253,6 +253,10 @@ TEST_F(Canvas, DroppedActionsAndFilesAreAdded)
     EXPECT_TRUE(isLinked(m_in, u"select"_s) && isLinked(u"select"_s, m_out));
     drop(&action, {300, 300});
     EXPECT_TRUE(m_document.contains(u"select2"_s));
+    // What cannot be inserted is added.
+    action.setData(CanvasView::actionMimeType(), "writeReport");
+    drop(&action, scene().links()[0]->path().pointAtPercent(0.5));
+    EXPECT_TRUE(m_document.contains(u"writeReport"_s) && m_message.contains("no output"_L1));
     QFile file(m_folder.filePath(u"data.csv"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("a;b\n1;2\n");

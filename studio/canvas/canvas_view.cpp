@@ -30,6 +30,7 @@ constexpr double kMinZoom = 0.05;
 constexpr double kMaxZoom = 4;
 constexpr double kSceneMargin = 2000; // to drag nodes away from the others
 constexpr int kOverviewMargin = 10;
+constexpr QPointF kNodeCenter(NodeItem::kWidth / 2, NodeItem::kGrid * 2);
 
 /// The unit vector of an arrow key; null for any other.
 QPointF directionOf(int key)
@@ -124,9 +125,7 @@ void CanvasView::showAction(const QString &id)
 QPointF CanvasView::freePosition() const
 {
     const QPointF center = mapToScene(viewport()->rect().center());
-    QPointF place(
-        std::round((center.x() - NodeItem::kWidth / 2) / NodeItem::kGrid) * NodeItem::kGrid,
-        std::round((center.y() - NodeItem::kGrid * 2) / NodeItem::kGrid) * NodeItem::kGrid);
+    QPointF place = m_scene->snapped(center - kNodeCenter);
     const auto isTaken = [&](const NodePtr &node) {
         const QPointF distance = node->position - place;
         return qAbs(distance.x()) < kLayerStep.width() && qAbs(distance.y()) < kLayerStep.height();
@@ -145,6 +144,7 @@ void CanvasView::zoomBy(double factor)
     scale(change, change);
 }
 
+// About the middle of the view, where nothing moves away.
 void CanvasView::zoomReset()
 {
     setTransform({});
@@ -171,6 +171,7 @@ void CanvasView::growScene()
     m_scene->setSceneRect(m_scene->sceneRect().united(needed));
 }
 
+// Its place depends on the scroll bars, which may have come or gone.
 void CanvasView::setOverviewShown(bool isShown)
 {
     m_overview->setVisible(isShown);
@@ -403,6 +404,7 @@ void CanvasView::mouseMoveEvent(QMouseEvent *event)
     QGraphicsView::mouseMoveEvent(event);
 }
 
+// The other buttons do their work in the scene.
 void CanvasView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::MiddleButton && m_isPanning) {
@@ -450,16 +452,17 @@ void CanvasView::dropEvent(QDropEvent *event)
 {
     const QPointF place = mapToScene(event->position().toPoint());
     // The middle of the new node is where the mouse is.
-    QPointF corner = place - QPointF(NodeItem::kWidth / 2, NodeItem::kGrid * 2);
+    QPointF corner = m_scene->snapped(place - kNodeCenter);
     const LinkItem *const link = m_scene->linkAt(place);
     m_scene->markLink(nullptr);
     event->acceptProposedAction();
     if (event->mimeData()->hasFormat(actionMimeType())) {
         const QString type = QString::fromUtf8(event->mimeData()->data(actionMimeType()));
         QString why;
-        const QString id = link == nullptr ? m_document.addAction(type, corner)
-                                           : m_document.addActionIntoLink(type, link->link(), &why);
-        id.isEmpty() ? Q_EMIT message(why) : showAction(id);
+        const QString inserted =
+            link == nullptr ? QString() : m_document.addActionIntoLink(type, link->link(), &why);
+        showAction(inserted.isEmpty() ? m_document.addAction(type, corner) : inserted);
+        Q_EMIT message(why);
         return;
     }
     for (const QString &file : localFiles(event->mimeData())) {
@@ -498,7 +501,7 @@ void CanvasView::addAsked(const QString &type, const PinRef &from, QPointF place
 {
     QUndoStack *const stack = m_document.undoStack();
     stack->beginMacro(tr("Add %1").arg(type));
-    const QString id = m_document.addAction(type, place);
+    const QString id = m_document.addAction(type, m_scene->snapped(place));
     QString why;
     if (!from.action.isEmpty() && !m_document.addLink(from, {id, 0}, &why)) {
         Q_EMIT message(why);
@@ -527,6 +530,7 @@ void CanvasView::drawBackground(QPainter *painter, const QRectF &area)
     }
 }
 
+// What is visible in the overview changes too.
 void CanvasView::resizeEvent(QResizeEvent *event)
 {
     QGraphicsView::resizeEvent(event);

@@ -10,6 +10,7 @@
 #include <QUndoStack>
 
 #include <algorithm>
+#include <cmath>
 
 namespace corvanta::studio {
 
@@ -128,6 +129,7 @@ void GraphScene::removeLinkItem(const LinkRef &link)
     refreshPins(link.to.action);
 }
 
+// Called for each move of the mouse while a node is dragged.
 void GraphScene::refreshLinksOf(const NodeItem *node)
 {
     for (LinkItem *const item : std::as_const(m_links)) {
@@ -171,6 +173,14 @@ QRectF GraphScene::itemsRect() const
     return area;
 }
 
+QPointF GraphScene::snapped(QPointF place) const
+{
+    const auto nearest = [&](double x) {
+        return m_isSnapping ? std::round(x / NodeItem::kGrid) * NodeItem::kGrid : x;
+    };
+    return {nearest(place.x()), nearest(place.y())};
+}
+
 void GraphScene::setSnapping(bool snaps)
 {
     m_isSnapping = snaps;
@@ -211,6 +221,7 @@ QString GraphScene::currentId() const
     return ids.size() == 1 ? ids.first() : QString();
 }
 
+// Blocked signals: a selection of many nodes is one change for panels.
 void GraphScene::select(const QStringList &ids)
 {
     {
@@ -289,7 +300,7 @@ void GraphScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     const NodeItem *const moved =
         event->buttons().testFlag(Qt::LeftButton) ? insertable() : nullptr;
     if (moved != nullptr && moved == mouseGrabberItem()) {
-        LinkItem *const link = linkAt(moved->sceneBoundingRect().center(), moved);
+        LinkItem *const link = linkAt(moved->mapToScene(moved->body().center()), moved);
         const bool canInsert =
             link != nullptr && m_document.canInsertIntoLink(moved->id(), link->link());
         markLink(canInsert ? link : nullptr);

@@ -33,6 +33,8 @@ public:
     /// What the nodes and links cover, without the room around them.
     QRectF itemsRect() const;
     bool isSnapping() const { return m_isSnapping; }
+    /// The nearest place on the grid, or the same place without snapping.
+    QPointF snapped(QPointF place) const;
     /// Whether nodes that the user drags keep to the grid.
     void setSnapping(bool snaps);
 

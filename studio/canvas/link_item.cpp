@@ -46,6 +46,7 @@ QPainterPath LinkItem::curve(QPointF from, QPointF to)
     return path;
 }
 
+// Both ends are read from the nodes, which move.
 void LinkItem::refresh()
 {
     setPath(curve(m_from->outputPosition(m_link.from.pin), m_to->inputPosition(m_link.to.pin)));

@@ -11,8 +11,6 @@
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
 
-#include <cmath>
-
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
@@ -161,6 +159,7 @@ void NodeItem::setProblems(const QString &problems)
     }
 }
 
+// In the scene, for links.
 QPointF NodeItem::inputPosition(int pin) const
 {
     return mapToScene(0, pinY(pin, m_inputs));
@@ -177,6 +176,7 @@ double NodeItem::pinY(int pin, int count) const
     return m_size.height() / 2 + (pin - (qMax(count, 1) - 1) / 2.0) * kPinDistance;
 }
 
+// A pin is hit more easily than it is drawn.
 int NodeItem::pinAt(QPointF place, bool isInput) const
 {
     // The whole height between the pins; the outside more than the inside, where the node is moved.
@@ -237,10 +237,8 @@ QVariant NodeItem::itemChange(GraphicsItemChange change, const QVariant &value)
 {
     const auto *const graph = static_cast<const GraphScene *>(scene());
     if (change == ItemPositionChange && !m_isRefreshing && graph != nullptr &&
-        graph->isSnapping() && !QApplication::keyboardModifiers().testFlag(Qt::AltModifier)) {
-        const QPointF place = value.toPointF();
-        return QPointF(std::round(place.x() / kGrid) * kGrid,
-                       std::round(place.y() / kGrid) * kGrid);
+        !QApplication::keyboardModifiers().testFlag(Qt::AltModifier)) {
+        return graph->snapped(value.toPointF());
     }
     if (change == ItemPositionHasChanged) {
         Q_EMIT movedByUser();

@@ -25,12 +25,25 @@ Overview::Overview(CanvasView &view)
     m_timer.setInterval(kDelayMs);
     connect(&m_timer, &QTimer::timeout, this, qOverload<>(&QWidget::update));
     const auto redraw = [this] { m_timer.start(); };
-    connect(&view.graphScene(), &QGraphicsScene::changed, this, redraw);
     for (const QScrollBar *const bar : {view.horizontalScrollBar(), view.verticalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, redraw);
         connect(bar, &QScrollBar::rangeChanged, this, redraw);
     }
     hide();
+}
+
+// The scene collects the areas of its changes only for those who are connected.
+void Overview::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_changes =
+        connect(&m_view.graphScene(), &QGraphicsScene::changed, this, [this] { m_timer.start(); });
+}
+
+void Overview::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    disconnect(m_changes);
 }
 
 // The whole graph, in the middle.

@@ -18,6 +18,10 @@ public:
     QSize sizeHint() const override { return {200, 140}; }
 
 protected:
+    // The scene reports its changes only while the overview is shown: it costs time.
+
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     /// Draws the nodes and the visible part.
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override { goTo(event); }
@@ -29,6 +33,7 @@ private:
     void goTo(const QMouseEvent *event);
 
     CanvasView &m_view;
+    QMetaObject::Connection m_changes;
     QTimer m_timer; // draws soon after a change, not after each
 };
 

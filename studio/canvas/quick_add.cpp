@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -65,7 +66,9 @@ void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QStri
     m_chosen = std::move(chosen);
     m_field->clear();
     search();
-    move(place);
+    const QRect area = screen()->availableGeometry().adjusted(0, 0, -width(), -height());
+    move(qBound(area.left(), place.x(), qMax(area.left(), area.right())),
+         qBound(area.top(), place.y(), qMax(area.top(), area.bottom())));
     show();
     m_field->setFocus();
 }

@@ -461,7 +461,7 @@ QStringList GraphDocument::paste(const QString &text, QPointF position)
                 {{{names.value(from.action), from.pin}, {names.value(to.action), to.pin}}, -1});
         }
     }
-    const QStringList ids = names.values();
+    QStringList ids = names.values();
     push(counted(ids, tr("Paste “%1”"), tr("Paste %1 actions")),
          [&](Content &content) { content = after; });
     return ids;

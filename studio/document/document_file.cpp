@@ -205,7 +205,7 @@ GraphDocument::FileResult<void> GraphDocument::reload()
                      checked ? tr("“%1” has changed while it was read.").arg(name)
                              : checked.fault().code.value(0).text};
     }
-    if (const auto loaded = load(text, name); !loaded) {
+    if (auto loaded = load(text, name); !loaded) {
         return loaded;
     }
     m_isRecovered = false;
