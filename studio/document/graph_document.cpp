@@ -231,9 +231,9 @@ void GraphDocument::rebuildGraph()
 /// Make the action of a node; none for a type that the module does not have.
 void GraphDocument::makeItem(const Node &node)
 {
-    if (std::shared_ptr<ActionItem> item = m_registry.create(node.element, &m_global)) {
+    if (const std::shared_ptr<ActionItem> item = m_registry.create(node.element, &m_global)) {
         item->setIdx(m_indexes.value(node.id, -1));
-        m_items.insert(node.key, std::move(item));
+        m_items.insert(node.key, item);
     }
 }
 

@@ -86,25 +86,31 @@ private:
         std::vector<std::vector<size_t>> all;
         std::vector<bool> seen(m_next.size());
         for (size_t start = 0; start < m_next.size(); ++start) {
-            if (seen[start]) {
-                continue;
+            if (!seen[start]) {
+                all.push_back(partOf(start, &seen));
             }
-            seen[start] = true;
-            std::vector<size_t> part{start};
-            for (size_t i = 0; i < part.size(); ++i) {
-                for (const auto *const list : {&m_next[part[i]], &m_previous[part[i]]}) {
-                    for (const size_t other : *list) {
-                        if (!seen[other]) {
-                            seen[other] = true;
-                            part.push_back(other);
-                        }
-                    }
-                }
-            }
-            std::sort(part.begin(), part.end());
-            all.push_back(std::move(part));
         }
         return all;
+    }
+
+    /// The part of one action; marks what it has.
+    std::vector<size_t> partOf(size_t start, std::vector<bool> *seen) const
+    {
+        std::vector<size_t> part;
+        const auto add = [&](size_t node) {
+            if (!(*seen)[node]) {
+                (*seen)[node] = true;
+                part.push_back(node);
+            }
+        };
+        add(start);
+        for (size_t i = 0; i < part.size(); ++i) {
+            const size_t node = part[i];
+            std::ranges::for_each(m_next[node], add);
+            std::ranges::for_each(m_previous[node], add);
+        }
+        std::sort(part.begin(), part.end());
+        return part;
     }
 
     /// Find the rows of the actions of a part.
