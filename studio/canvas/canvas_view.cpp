@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QUrl>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -522,11 +523,11 @@ void CanvasView::drawBackground(QPainter *painter, const QRectF &area)
     }
     painter->setRenderHint(QPainter::Antialiasing, false);
     painter->setPen(QPen(colors.grid(), 0));
-    for (double x = std::floor(area.left() / kStep) * kStep; x < area.right(); x += kStep) {
-        painter->drawLine(QPointF(x, area.top()), QPointF(x, area.bottom()));
+    for (int i = qFloor(area.left() / kStep); i * kStep < area.right(); ++i) {
+        painter->drawLine(QPointF(i * kStep, area.top()), QPointF(i * kStep, area.bottom()));
     }
-    for (double y = std::floor(area.top() / kStep) * kStep; y < area.bottom(); y += kStep) {
-        painter->drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
+    for (int i = qFloor(area.top() / kStep); i * kStep < area.bottom(); ++i) {
+        painter->drawLine(QPointF(area.left(), i * kStep), QPointF(area.right(), i * kStep));
     }
 }
 
