@@ -152,9 +152,8 @@ void MainWindow::makeMenus()
     m_commands->fill(menuBar());
     QToolBar *const bar = addToolBar(tr("Tool bar"));
     bar->setObjectName(u"toolBar"_s);
-    bar->setIconSize({20, 20});
-    m_commands->updateIcons(palette());
     m_commands->fill(bar);
+    updateIcons();
     QMenu *const docks = m_commands->menu(u"view.docks"_s);
     for (const QDockWidget *const dock : findChildren<QDockWidget *>()) {
         docks->addAction(dock->toggleViewAction());
@@ -448,10 +447,17 @@ void MainWindow::restoreArrangement()
 
 void MainWindow::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::PaletteChange) {
-        m_commands->updateIcons(palette());
-    }
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        updateIcons();
+    }
+}
+
+void MainWindow::updateIcons()
+{
+    const int size = fontMetrics().height() * 4 / 3; // larger texts need larger icons
+    setIconSize({size, size});
+    m_commands->updateIcons(palette());
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

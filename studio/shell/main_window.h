@@ -44,7 +44,7 @@ public:
     void showHelp(const QString &type);
 
 protected:
-    /// Draws the icons in the colours of another theme.
+    /// Draws the icons again for another theme or text size.
     void changeEvent(QEvent *event) override;
     /// Asks about unsaved changes.
     void closeEvent(QCloseEvent *event) override;
@@ -82,6 +82,8 @@ private:
     void showSelection();
     /// Name the current graph in the title of the window.
     void updateTitle();
+    /// Draw the icons of the tool bar in the colours and the text size of the window.
+    void updateIcons();
     /// Enable the commands that are possible now.
     void updateCommands();
     /// Fill the menu of recent files each time it is opened.

@@ -55,7 +55,8 @@ void Palette::makeTree()
     m_tree->setModel(m_model);
     m_tree->setHeaderHidden(true);
     m_tree->setDragEnabled(true);
-    m_tree->setIconSize({20, 20});
+    const int size = fontMetrics().height() * 4 / 3;
+    m_tree->setIconSize({size, size});
     m_tree->setUniformRowHeights(true);
     m_tree->setIndentation(m_tree->indentation() / 2);
     m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // tool tips have the descriptions
