@@ -11,6 +11,8 @@
 #include <QToolBar>
 #include <QWidget>
 
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
@@ -277,34 +279,35 @@ Commands::Commands(QWidget *window, Settings &settings)
             window->addAction(action);
         }
         m_actions.push_back(action);
+        m_byName[action->objectName()] = action;
     }
+}
+
+QVector<QAction *> Commands::actionsWith(unsigned flag) const
+{
+    QVector<QAction *> found;
+    std::copy_if(m_actions.begin(), m_actions.end(), std::back_inserter(found),
+                 [flag](const QAction *action) { return (infoOf(*action).flags & flag) != 0; });
+    return found;
 }
 
 void Commands::updateIcons(const QPalette &palette)
 {
-    for (QAction *const action : m_actions) {
-        if ((infoOf(*action).flags & kInToolBar) != 0) {
-            action->setIcon(commandIcon(action->objectName(), palette));
-        }
+    for (QAction *const action : actionsWith(kInToolBar)) {
+        action->setIcon(commandIcon(action->objectName(), palette));
     }
 }
 
 void Commands::addGraphShortcuts(QWidget *widget) const
 {
-    for (QAction *const action : m_actions) {
-        if ((infoOf(*action).flags & kOfGraph) != 0) {
-            widget->addAction(action);
-        }
+    for (QAction *const action : actionsWith(kOfGraph)) {
+        widget->addAction(action);
     }
 }
 
 QAction *Commands::operator[](const QString &name) const
 {
-    const auto found = std::find_if(m_actions.begin(), m_actions.end(), [&](const QAction *action) {
-        return action->objectName() == name;
-    });
-    Q_ASSERT(found != m_actions.end());
-    return *found;
+    return m_byName.at(name);
 }
 
 void Commands::fill(QMenuBar *bar)
@@ -335,11 +338,8 @@ void Commands::fill(QToolBar *bar) const
 {
     // The menu of the command before.
     QString group;
-    for (QAction *const action : m_actions) {
+    for (QAction *const action : actionsWith(kInToolBar)) {
         const CommandInfo &info = infoOf(*action);
-        if ((info.flags & kInToolBar) == 0) {
-            continue;
-        }
         if (!group.isEmpty() && group != QLatin1StringView(info.menu)) {
             bar->addSeparator();
         }

@@ -62,8 +62,12 @@ public:
     QAction *findConflict(const QAction *action, const QKeySequence &keys) const;
 
 private:
+    /// The commands that have a flag of the table, in its order.
+    QVector<QAction *> actionsWith(unsigned flag) const;
+
     Settings &m_settings;
     QVector<QAction *> m_actions;
+    std::map<QString, QAction *> m_byName;
     std::map<QString, QMenu *> m_menus;
 };
 
