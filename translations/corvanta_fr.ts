@@ -903,6 +903,14 @@
         <source>as the file declares</source>
         <translation>comme le fichier le déclare</translation>
     </message>
+    <message>
+        <source>line feed (LF or CR LF)</source>
+        <translation>saut de ligne (LF ou CR LF)</translation>
+    </message>
+    <message>
+        <source>line feed, or carriage return in a file without line feeds</source>
+        <translation>saut de ligne, ou retour chariot dans un fichier sans saut de ligne</translation>
+    </message>
 </context>
 <context>
     <name>Parameters</name>
@@ -4019,6 +4027,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>a column, a number or a text in single quotes</source>
         <translation>une colonne, un nombre ou un texte entre apostrophes</translation>
     </message>
+    <message>
+        <source>lineEnd=&apos;%1&apos; is neither &apos;lf&apos; nor &apos;auto&apos;</source>
+        <translation>lineEnd=&apos;%1&apos; n&apos;est ni &apos;lf&apos; ni &apos;auto&apos;</translation>
+    </message>
 </context>
 <context>
     <name>Units</name>
@@ -5162,6 +5174,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Insert “%1” into a link</source>
         <translation>Insérer «&#xa0;%1&#xa0;» dans un lien</translation>
     </message>
+    <message>
+        <source>“%1” has changed while it was read.</source>
+        <translation>«&#xa0;%1&#xa0;» a changé pendant sa lecture.</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::GraphRun</name>
@@ -5189,12 +5205,12 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Insérer «&#xa0;%1&#xa0;» dans un lien</translation>
     </message>
     <message>
-        <source>No action can get the rows of “%1”.</source>
-        <translation>Aucune action ne peut recevoir les lignes de «&#xa0;%1&#xa0;».</translation>
-    </message>
-    <message>
         <source>Link “%1” to input %2 of “%3”: Enter; another target: Tab</source>
         <translation>Lier «&#xa0;%1&#xa0;» à l&apos;entrée %2 de «&#xa0;%3&#xa0;»&#xa0;: Entrée&#xa0;; autre cible&#xa0;: Tab</translation>
+    </message>
+    <message>
+        <source>No other action can get the rows of “%1”.</source>
+        <translation>Aucune autre action ne peut recevoir les lignes de «&#xa0;%1&#xa0;».</translation>
     </message>
 </context>
 <context>
