@@ -84,6 +84,11 @@ ExitStatus runProgram(int argc, char **argv)
 {
     platform::occupyStandardStreams();
     catchStopSignals();
+    if (!platform::isTerminal(stdout)) {
+        // Most outputs fit, so that the last flush knows why one cannot be written.
+        constexpr size_t kBufferBytes = size_t(256) * 1024;
+        std::setvbuf(stdout, nullptr, _IOFBF, kBufferBytes);
+    }
     // Without this Qt uses a library that ends the program when there is no memory.
     qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application(argc, argv);

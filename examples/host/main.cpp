@@ -34,7 +34,7 @@ int main(int argc, char **argv)
     run.start();
     run.wait();
     for (const corvanta::ActionProgress &action : run.progress()) {
-        std::printf("%s: %lld rows\n", qUtf8Printable(action.id), action.rowsOut);
+        std::printf("%s: %lld rows\n", qUtf8Printable(action.id), action.allRowsOut());
     }
     return run.succeeded() ? 0 : 1;
 }

@@ -168,6 +168,9 @@ class Found(Case):
         self.corvanta("convert", "in.dbf", "out.xlsx")
         self.assertEqual(self.types("out.xlsx"), ["C=decimal F", "N=decimal F", "D=date U", "L=boolean U", "T=datetime U"])
         self.corvanta("convert", "in.dbf", "out.csv", "--reader", "types=F,F")
+        self.put("cut.dbf", header[:20])
+        self.assertIn("The columns of 'cut.dbf' are texts: the file could not be examined",
+                      self.corvanta("convert", "cut.dbf", "cut.xlsx", status=1).stderr)
         self.assertEqual(self.read("out.csv"), "C,N,D,L,T\n2.5,7.25,20260131,1,20260131 04:30:05\n1,12,00000000,0,\n")
         self.assertIn("record 1, column 'N': '7.25' is not of type K",
                       self.corvanta("convert", "in.dbf", "out.csv", "--reader", "types=F,K", status=1).stderr)

@@ -119,7 +119,7 @@ struct Run::Private
     Clock::duration stopLimit() const;
     bool isOverdue() const;
     void abandon();
-    void giveOwnControls(const CorvantaGraph &graph);
+    void giveOwnControl(const CorvantaGraph &graph, const CorvantaGraph::Pin &from);
     void endAlone(RunNode &node, RunControl::Status status);
     bool endedAlone(const RunNode &node) const;
     bool hasRowsToKeep(const RunNode &node) const;

@@ -43,7 +43,12 @@ void Run::Private::build(const CorvantaGraph &graph, const ActionRegistry &regis
     }
     endUnlinkedPins(graph);
     if (options.keepPartial) {
-        giveOwnControls(graph);
+        for (const CorvantaGraph::Link &link : graph.links) {
+            giveOwnControl(graph, link.from);
+        }
+        for (const Listener &listener : options.listeners) {
+            giveOwnControl(graph, listener.from);
+        }
     }
     // After endUnlinkedPins(), which would end the pins of the listeners: the graph has no links to
     // them.
@@ -131,13 +136,11 @@ void Run::Private::connect(const CorvantaGraph &graph, const CorvantaGraph::Pin 
     source.ports->out(from.pin).addReader(&nodes[to]->ports->gate(), pin);
 }
 
-/// Makes every action whose rows another one reads end alone.
-void Run::Private::giveOwnControls(const CorvantaGraph &graph)
+/// Makes an action whose rows another one reads end alone.
+void Run::Private::giveOwnControl(const CorvantaGraph &graph, const CorvantaGraph::Pin &from)
 {
-    for (const CorvantaGraph::Link &link : graph.links) {
-        RunNode &node = *nodes[static_cast<size_t>(graph.indexOf(link.from.action))];
-        node.action->m_control = node.control = &node.ownControl;
-    }
+    RunNode &node = *nodes[static_cast<size_t>(graph.indexOf(from.action))];
+    node.action->m_control = node.control = &node.ownControl;
 }
 
 } // namespace corvanta
