@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <array>
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
@@ -86,8 +87,8 @@ ExitStatus runProgram(int argc, char **argv)
     catchStopSignals();
     if (!platform::isTerminal(stdout)) {
         // Most outputs fit, so that the last flush knows why one cannot be written.
-        constexpr size_t kBufferBytes = size_t(256) * 1024;
-        std::setvbuf(stdout, nullptr, _IOFBF, kBufferBytes);
+        static std::array<char, size_t(256) * 1024> buffer; // glibc ignores a size without one
+        std::setvbuf(stdout, buffer.data(), _IOFBF, buffer.size());
     }
     // Without this Qt uses a library that ends the program when there is no memory.
     qputenv("QT_NO_GLIB", "1");

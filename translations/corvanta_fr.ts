@@ -625,6 +625,10 @@
         <source>The chemical elements as a workbook: typed cells, dates, links and a defined name.</source>
         <translation>Les éléments chimiques dans un classeur&#xa0;: cellules typées, dates, liens et un nom défini.</translation>
     </message>
+    <message>
+        <source>Settings copied by the actions of the example module, which is built first.</source>
+        <translation>Des réglages copiés par les actions du module d&apos;exemple, qu&apos;il faut d&apos;abord compiler.</translation>
+    </message>
 </context>
 <context>
     <name>HelpView</name>
