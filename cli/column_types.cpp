@@ -14,14 +14,17 @@ using namespace corvanta;
 
 namespace {
 
+bool isText(FileFormat::Family family)
+{
+    return family == FileFormat::SeparatedText || family == FileFormat::Json ||
+           family == FileFormat::Markup || family == FileFormat::Database;
+}
+
 /// Whether the reader's files are texts, so that their columns have no types of their own.
 bool readsTexts(const ActionParameters &reader)
 {
-    const auto formats = reader.fileFormats();
-    return std::any_of(formats.begin(), formats.end(), [](const FileFormat &format) {
-        return format.use == FileFormat::Read &&
-               (format.family == FileFormat::SeparatedText || format.family == FileFormat::Json ||
-                format.family == FileFormat::Markup || format.family == FileFormat::Database);
+    return std::ranges::any_of(reader.fileFormats(), [](const FileFormat &format) {
+        return format.use == FileFormat::Read && isText(format.family);
     });
 }
 
@@ -39,16 +42,17 @@ bool isTextWithNumbers(const ColumnKind &kind)
     return !kind.exceptionPlace.isEmpty() && (isNumber(kind.kind) || isNumber(kind.before));
 }
 
+ValueKind kindOf(QChar letter)
+{
+    return letter == u'K'   ? ValueKind::Integer
+           : letter == u'F' ? ValueKind::Decimal
+                            : ValueKind::Text;
+}
+
 /// The kind of a column whose letter the user has given.
 ColumnKind givenKind(const QString &column, QChar letter)
 {
-    ColumnKind kind;
-    kind.column = column;
-    kind.letter = letter.toLatin1();
-    kind.kind = letter == u'K'   ? ValueKind::Integer
-                : letter == u'F' ? ValueKind::Decimal
-                                 : ValueKind::Text;
-    return kind;
+    return {column, kindOf(letter), letter.toLatin1()};
 }
 
 QVector<ColumnKind> noKinds()

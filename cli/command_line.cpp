@@ -111,9 +111,8 @@ CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
 /// The value may contain "=" and may be empty; the name may not.
 CommandResult<Assignment> Assignment::parse(const QString &text)
 {
-    const qsizetype equals = text.indexOf(u'=');
-    if (equals <= 0) {
-        return badUsage(u"'%1' is not of the form NAME=VALUE"_s.arg(text));
+    if (const qsizetype equals = text.indexOf(u'='); equals > 0) {
+        return Assignment{text.left(equals), text.mid(equals + 1)};
     }
-    return Assignment{text.left(equals), text.mid(equals + 1)};
+    return badUsage(u"'%1' is not of the form NAME=VALUE"_s.arg(text));
 }

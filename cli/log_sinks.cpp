@@ -4,6 +4,7 @@
 #include "log_sinks.h"
 
 #include "base/counted.h"
+#include "base/mapped.h"
 #include "base/platform/terminal.h"
 #include "base/system_error.h"
 #include "visible_text.h"
@@ -112,10 +113,7 @@ private:
     }
     QByteArray format(const LogMessage &message, const QVector<ActionProgress> &all) const override
     {
-        QJsonArray actions;
-        for (const ActionProgress &action : all) {
-            actions << objectOf(action);
-        }
+        const auto actions = mapped<QJsonArray>(all, objectOf);
         return membersOf(message) + ",\"progress\":" + jsonOf(actions) + "}\n";
     }
     static QJsonObject objectOf(const ActionProgress &action)

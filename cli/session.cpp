@@ -33,11 +33,9 @@ QByteArray shortCount(double count)
 /// A fraction from 0 to 1 as "[####------] 42%".
 QByteArray fractionBar(float fraction)
 {
-    constexpr int kWidth = 10;
-    const float inside = qBound(0.0F, fraction, 1.0F);
-    const int filled = static_cast<int>(inside * kWidth);
-    return '[' + QByteArray(filled, '#') + QByteArray(kWidth - filled, '-') + "] " +
-           QByteArray::number(static_cast<int>(inside * 100)) + '%';
+    const int percent = static_cast<int>(qBound(0.0F, fraction, 1.0F) * 100);
+    const QByteArray bar = QByteArray(percent / 10, '#').leftJustified(10, '-');
+    return '[' + bar + "] " + QByteArray::number(percent) + '%';
 }
 
 /// Sum of the rows that the readers of the graph have sent.

@@ -16,7 +16,9 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -53,14 +55,15 @@ private:
     bool m_areRelated = false;
 };
 
-/// The text as a part of a file name that no system refuses.
-QString fileNameOf(const QString &text)
+bool isPlain(QChar c)
 {
-    QString name;
-    for (const QChar c : text) {
-        const bool isPlain = c.isLetterOrNumber() || c.isMark() || u" _-.()"_s.contains(c);
-        name += isPlain ? c : u'_';
-    }
+    return c.isLetterOrNumber() || c.isMark() || u" _-.()"_s.contains(c);
+}
+
+/// The text as a part of a file name that no system refuses.
+QString fileNameOf(QString name)
+{
+    std::ranges::replace_if(name, std::not_fn(isPlain), QChar(u'_'));
     // Neither "." nor a hidden file.
     return name.startsWith(u'.') ? u'_' + name : name;
 }

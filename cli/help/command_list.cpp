@@ -9,6 +9,7 @@
 #include "cli/commands.h"
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -101,18 +102,15 @@ CommandOptions optionsOf(const Command &command)
 
 const Command *findCommand(const QString &name)
 {
-    const auto *const found =
-        std::find_if(std::begin(kCommands), std::end(kCommands), [&](const Command &command) {
-            return name == QLatin1StringView(command.name);
-        });
+    const auto *const found = std::ranges::find_if(
+        kCommands, [&](const Command &command) { return name == QLatin1StringView(command.name); });
     return found == std::end(kCommands) ? nullptr : found;
 }
 
 corvanta::Fault<ExitStatus> unknownCommand(const QString &name)
 {
     QStringList known{u"help"_s};
-    for (const Command &command : kCommands) {
-        known << QString::fromLatin1(command.name);
-    }
+    std::ranges::transform(kCommands, std::back_inserter(known),
+                           [](const Command &command) { return QLatin1StringView(command.name); });
     return badUsage(u"unknown command '%1'%2"_s.arg(name, corvanta::closeNameHint(name, known)));
 }
