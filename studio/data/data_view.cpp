@@ -227,8 +227,7 @@ void DataView::follow(GraphDocument *document)
 /// A writer without output pins shows what reaches it.
 void DataView::showAction(const QString &id)
 {
-    const bool isKnown = m_document != nullptr && m_document->contains(id);
-    if (isKnown && id != m_shown.pin.action) {
+    if (m_document != nullptr && m_document->contains(id) && id != m_shown.pin.action) {
         const bool hasOutput = m_document->outputCount(id) > 0;
         showPin({id, 0}, hasOutput ? EngineRunner::PinOut : EngineRunner::PinIn);
     }

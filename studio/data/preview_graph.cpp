@@ -132,14 +132,18 @@ bool readsFiles(const Graph &graph, const ActionRegistry &registry, const QStrin
     });
 }
 
-/// A name without a file is not one: the run reports that it is missing.
+/// A pipe or a device: what a preview has read from it, a run would not get again. A name without a
+/// file is not one: the run reports that it is missing.
+bool isStream(const QString &name)
+{
+    const QFileInfo info(name);
+    return info.exists() && !info.isFile() && !info.isDir();
+}
+
 QString unrepeatableInput(const Graph &graph, const ActionRegistry &registry)
 {
     const QStringList inputs = inputsOf(graph, registry);
-    const auto found = std::find_if(inputs.begin(), inputs.end(), [](const QString &input) {
-        const QFileInfo info(input);
-        return info.exists() && !info.isFile() && !info.isDir();
-    });
+    const auto found = std::ranges::find_if(inputs, isStream);
     return found == inputs.end() ? QString() : *found;
 }
 

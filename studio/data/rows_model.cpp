@@ -205,13 +205,17 @@ RowsModel::Place RowsModel::find(const QString &text, const QVector<int> &column
 
 namespace {
 
+bool isSpecial(QChar c)
+{
+    return c == u',' || c == u'"' || c == u'\n' || c == u'\r';
+}
+
 /// A field of a CSV file. A null text is a missing cell.
 QString fieldOf(QStringView text)
 {
+    // An empty text is quoted too, so that it differs from a missing one.
     const bool isQuoted =
-        !text.isNull() && (text.isEmpty() || std::any_of(text.begin(), text.end(), [](QChar c) {
-                               return c == u',' || c == u'"' || c == u'\n' || c == u'\r';
-                           }));
+        !text.isNull() && (text.isEmpty() || std::ranges::any_of(text, isSpecial));
     const QString plain = text.toString();
     return isQuoted ? u'"' + QString(plain).replace(u'"', "\"\""_L1) + u'"' : plain;
 }

@@ -5,7 +5,6 @@
 
 #include <QLocale>
 
-#include <array>
 #include <numeric>
 
 using namespace Qt::StringLiterals;
@@ -120,11 +119,11 @@ QVariant SummaryModel::data(const QModelIndex &index, int role) const
 /// Only the boxes can be changed.
 bool SummaryModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (role != Qt::CheckStateRole || index.column() != Name) {
-        return false;
+    const bool isCheck = role == Qt::CheckStateRole && index.column() == Name;
+    if (isCheck) {
+        setShown(columnAt(index.row()), value.toInt() == Qt::Checked);
     }
-    setShown(columnAt(index.row()), value.toInt() == Qt::Checked);
-    return true;
+    return isCheck;
 }
 
 Qt::ItemFlags SummaryModel::flags(const QModelIndex &index) const
@@ -135,12 +134,10 @@ Qt::ItemFlags SummaryModel::flags(const QModelIndex &index) const
 
 QVariant SummaryModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (role != Qt::DisplayRole || orientation != Qt::Horizontal) {
-        return {};
-    }
-    const std::array<QString, kColumns> names{tr("Column"),   tr("Type"),    tr("Missing"),
-                                              tr("Distinct"), tr("Minimum"), tr("Maximum")};
-    return names.at(static_cast<size_t>(section));
+    const bool isTitle = role == Qt::DisplayRole && orientation == Qt::Horizontal;
+    const QStringList titles{tr("Column"),   tr("Type"),    tr("Missing"),
+                             tr("Distinct"), tr("Minimum"), tr("Maximum")};
+    return isTitle ? titles.at(section) : QVariant();
 }
 
 } // namespace corvanta::studio

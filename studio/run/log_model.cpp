@@ -128,11 +128,9 @@ QVariant LogModel::data(const QModelIndex &index, int role) const
 
 QVariant LogModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (role != Qt::DisplayRole || orientation != Qt::Horizontal) {
-        return {};
-    }
-    const std::array<QString, kColumns> names{tr("Severity"), tr("Action"), tr("Message")};
-    return names.at(static_cast<size_t>(section));
+    const bool isTitle = role == Qt::DisplayRole && orientation == Qt::Horizontal;
+    const QStringList titles{tr("Severity"), tr("Action"), tr("Message")};
+    return isTitle ? titles.at(section) : QVariant();
 }
 
 void LogFilter::setFilter(int maxLevel, const QString &action, const QString &text)

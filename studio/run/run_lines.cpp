@@ -4,6 +4,8 @@
 //         "running","rowsIn":0,"rowsOut":[1024],"fraction":0.5}, ...]}
 #include "studio/run/run_lines.h"
 
+#include "base/mapped.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -45,25 +47,22 @@ RunState stateOf(const QJsonObject &object)
     return state;
 }
 
+RunProgress::Action actionOf(const QJsonValue &value)
+{
+    return {value["action"_L1].toString(), stateOf(value.toObject())};
+}
+
 /// The listeners of a run, its taps, are actions too; they have no node.
 RunProgress progressOf(const QJsonArray &array)
 {
-    RunProgress progress;
-    for (const auto &value : array) {
-        const QJsonObject object = value.toObject();
-        progress.actions.append({object["action"_L1].toString(), stateOf(object)});
-    }
-    return progress;
+    return {mapped<QVector<RunProgress::Action>>(array, actionOf)};
 }
 
 RunSummary summaryOf(const QJsonObject &object)
 {
-    RunSummary summary{object["rows"_L1].toInteger()};
-    const QJsonArray files = object["files"_L1].toArray();
-    for (const auto &file : files) {
-        summary.files << file.toString();
-    }
-    return summary;
+    const auto textOf = [](const QJsonValue &value) { return value.toString(); };
+    return {object["rows"_L1].toInteger(),
+            mapped<QStringList>(object["files"_L1].toArray(), textOf)};
 }
 
 } // namespace

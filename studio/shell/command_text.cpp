@@ -12,11 +12,9 @@ namespace corvanta::studio {
 QString shellWord(const QString &text)
 {
     static const QRegularExpression plain(u"^[A-Za-z0-9_./:=+@%-]+$"_s);
-    if (plain.match(text).hasMatch()) {
-        return text;
-    }
-    QString quoted = text;
-    return u'\'' + quoted.replace(u"'"_s, u"'\\''"_s) + u'\'';
+    // Between apostrophes all letters are plain, except the apostrophe itself.
+    const QString quoted = u'\'' + QString(text).replace(u"'"_s, u"'\\''"_s) + u'\'';
+    return plain.match(text).hasMatch() ? text : quoted;
 }
 
 QString runCommandText(const QString &graphFile)

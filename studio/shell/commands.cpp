@@ -11,6 +11,7 @@
 #include <QToolBar>
 #include <QWidget>
 
+#include <algorithm>
 #include <iterator>
 
 using namespace Qt::StringLiterals;
@@ -228,10 +229,9 @@ QList<QKeySequence> sequences(const char *keys)
 
 const CommandInfo &infoOf(const QAction &action)
 {
-    const auto *const found =
-        std::find_if(std::begin(kCommands), std::end(kCommands), [&](const CommandInfo &info) {
-            return action.objectName() == QLatin1StringView(info.name);
-        });
+    const auto *const found = std::ranges::find_if(kCommands, [&](const CommandInfo &info) {
+        return action.objectName() == QLatin1StringView(info.name);
+    });
     return *found; // every QAction is made from the table
 }
 
@@ -300,9 +300,7 @@ void Commands::updateIcons(const QPalette &palette)
 
 void Commands::addGraphShortcuts(QWidget *widget) const
 {
-    for (QAction *const action : actionsWith(kOfGraph)) {
-        widget->addAction(action);
-    }
+    widget->addActions(actionsWith(kOfGraph));
 }
 
 QAction *Commands::operator[](const QString &name) const

@@ -3,6 +3,7 @@
 // Everything that changes a graph is a function of GraphDocument, which makes it a step for undo.
 #include "studio/shell/graph_commands.h"
 
+#include "base/mapped.h"
 #include "studio/canvas/canvas_view.h"
 #include "studio/run/run_controller.h"
 #include "studio/shell/command_text.h"
@@ -308,10 +309,7 @@ void GraphCommands::chooseLink(const QString &id)
         Q_EMIT reported(tr("No other action can be linked to this one."));
         return;
     }
-    QStringList texts;
-    for (const LinkRef &each : links) {
-        texts << linkText(each);
-    }
+    const auto texts = mapped<QStringList>(links, linkText);
     bool isChosen = false;
     const QString chosen = QInputDialog::getItem(&m_workspace, tr("Link"), tr("New link:"), texts,
                                                  0, false, &isChosen);

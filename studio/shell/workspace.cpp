@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
@@ -227,13 +229,9 @@ bool Workspace::write(DocumentTab *tab, const QString &fileName)
 
 bool Workspace::saveAll()
 {
-    for (DocumentTab *const tab : tabs()) {
-        // Stop at the first one that the user cancels.
-        if (tab->document()->isModified() && !save(tab)) {
-            return false;
-        }
-    }
-    return true;
+    // Stops at the first one that the user cancels.
+    return std::ranges::all_of(
+        tabs(), [this](DocumentTab *tab) { return !tab->document()->isModified() || save(tab); });
 }
 
 void Workspace::reload(DocumentTab *tab)

@@ -3,6 +3,9 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
@@ -27,11 +30,10 @@ constexpr QLatin1StringView kThemeNames[] = {"system"_L1, "light"_L1, "dark"_L1}
 /// The file of the user, or another one.
 QString settingsFile(const QString &fileName)
 {
-    if (!fileName.isEmpty()) {
-        return fileName;
-    }
-    return QSettings(QSettings::IniFormat, QSettings::UserScope, u"corvanta"_s, u"studio"_s)
-        .fileName();
+    return fileName.isEmpty()
+               ? QSettings(QSettings::IniFormat, QSettings::UserScope, u"corvanta"_s, u"studio"_s)
+                     .fileName()
+               : fileName;
 }
 
 } // namespace
@@ -117,12 +119,9 @@ void Settings::setShortcut(const QString &command, const std::optional<QKeySeque
 Theme Settings::theme() const
 {
     const QString name = m_file.value(kTheme).toString();
-    for (int i = 0; i < int(std::size(kThemeNames)); ++i) {
-        if (name == kThemeNames[i]) {
-            return static_cast<Theme>(i);
-        }
-    }
-    return Theme::System;
+    const auto *const found = std::ranges::find(kThemeNames, name);
+    return found == std::end(kThemeNames) ? Theme::System
+                                          : static_cast<Theme>(found - std::begin(kThemeNames));
 }
 
 void Settings::setTheme(Theme theme)

@@ -21,6 +21,14 @@ namespace {
 
 enum Column { Name, Keys, Meaning };
 
+/// Any column: a user may search for a key as well as for a word of the meaning.
+bool contains(const QTreeWidgetItem &item, const QString &text)
+{
+    return item.text(Name).contains(text, Qt::CaseInsensitive) ||
+           item.text(Keys).contains(text, Qt::CaseInsensitive) ||
+           item.text(Meaning).contains(text, Qt::CaseInsensitive);
+}
+
 QString plainText(const QAction &action)
 {
     return action.text().remove(u'&').remove(u"..."_s);
@@ -28,12 +36,8 @@ QString plainText(const QAction &action)
 
 QString keyTexts(const QAction &action)
 {
-    QStringList texts;
     // Some commands have two, for keyboards without one of the keys.
-    for (const QKeySequence &keys : action.shortcuts()) {
-        texts << keys.toString(QKeySequence::NativeText);
-    }
-    return texts.join(u"; "_s);
+    return QKeySequence::listToString(action.shortcuts(), QKeySequence::NativeText);
 }
 
 } // namespace
@@ -114,10 +118,7 @@ void ShortcutEditor::filter(const QString &text)
 {
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
         QTreeWidgetItem *const item = m_tree->topLevelItem(i);
-        const bool fits = item->text(Name).contains(text, Qt::CaseInsensitive) ||
-                          item->text(Keys).contains(text, Qt::CaseInsensitive) ||
-                          item->text(Meaning).contains(text, Qt::CaseInsensitive);
-        item->setHidden(!fits);
+        item->setHidden(!contains(*item, text));
     }
 }
 
