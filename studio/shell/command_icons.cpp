@@ -20,6 +20,7 @@ struct IconPath
     const char *colour = ""; ///< of areas; empty: that of texts
 };
 
+// In the program and not in files: the lines take their colour from the palette.
 constexpr IconPath kIcons[] = {
     {"file.new", "M3.5 1.5h5.5l3.5 3.5v9.5h-9z M9 1.5v3.5h3.5"},
     {"file.open", "M1.5 13.5v-11h4l1.5 2h6v2.5 M1.5 13.5l2.5-6.5h11l-2.5 6.5z"},
@@ -29,11 +30,13 @@ constexpr IconPath kIcons[] = {
     {"view.zoomFit", "M2 6v-4h4 M10 2h4v4 M14 10v4h-4 M6 14h-4v-4"},
     {"graph.layout",
      "M1.5 6h4v4h-4z M10.5 1.5h4v4h-4z M10.5 10.5h4v4h-4z M5.5 8h2.5 M10.5 3.5h-2.5v9h2.5"},
+    // The colours of starting and stopping are the same in all themes.
     {"run.all", "", "M4 2l9.5 6l-9.5 6z", "#2f9e44"},
     {"run.here", "M13.5 2.5v11", "M2.5 2.5l8.5 5.5l-8.5 5.5z", "#2f9e44"},
     {"run.stop", "", "M3 3h10v10h-10z", "#e03131"},
 };
 
+// For screens of any density, so that no icon is scaled.
 constexpr int kSizes[] = {16, 24, 32, 48, 64}; // pixels
 
 QByteArray svgOf(const IconPath &icon, const QColor &text)
@@ -50,6 +53,7 @@ QByteArray svgOf(const IconPath &icon, const QColor &text)
 QPixmap drawn(const QByteArray &svg, int size)
 {
     QPixmap pixmap(size, size);
+    // A new pixmap has arbitrary pixels.
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     QSvgRenderer(svg).render(&painter);
@@ -76,6 +80,7 @@ QIcon commandIcon(const QString &command, const QPalette &palette)
 
 QIcon actionIcon(const QPixmap &drawn, const QPalette &palette)
 {
+    // The modules draw their icons for a light background.
     if (!isDark(palette) || drawn.isNull()) {
         return drawn;
     }

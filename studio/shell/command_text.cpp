@@ -28,6 +28,7 @@ QString runScriptText(const QString &graphFile, const QString &scriptFile)
     // Relative to the script, so that both can be copied to another machine.
     const QDir folder = QFileInfo(scriptFile).absoluteDir();
     const QString name = folder.relativeFilePath(QFileInfo(graphFile).absoluteFilePath());
+    // A line feed in the name would end the comment, and the rest would be a command.
     const QString comment = QFileInfo(graphFile).fileName().replace(u'\n', u' ');
     // Without changing the folder: options may have names relative to that of the caller.
     return u"#!/bin/sh\n"

@@ -216,6 +216,7 @@ constexpr CommandInfo kCommands[] = {
 
 constexpr char kDefaultKeys[] = "defaultShortcut"; // property of a QAction
 
+/// The table is constant, so its texts are only marked there and translated here.
 QString translated(const char *text)
 {
     return QCoreApplication::translate("Commands", text);
@@ -238,11 +239,13 @@ const CommandInfo &infoOf(const QAction &action)
 QAction *makeAction(const CommandInfo &info, QWidget *window)
 {
     auto *const action = new QAction(translated(info.text), window); // the window owns it
+    // The settings and the parts of the window find the command by it.
     action->setObjectName(QLatin1StringView(info.name));
     action->setStatusTip(translated(info.tip));
     action->setCheckable((info.flags & kCheckable) != 0);
     action->setChecked((info.flags & kChecked) != 0);
     action->setShortcuts(sequences(info.keys));
+    // Kept apart: shortcuts of the user replace those of the action.
     action->setProperty(kDefaultKeys, QVariant::fromValue(action->shortcut()));
     return action;
 }
@@ -273,6 +276,7 @@ Commands::Commands(QWidget *window, Settings &settings)
         }
         updateToolTip(action);
         if ((info.flags & kOfGraph) != 0) {
+            // Keys such as Delete belong to a text field while it has the focus.
             action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
         } else {
             // Also without a menu bar, for example in full screen.
@@ -293,6 +297,7 @@ QVector<QAction *> Commands::actionsWith(unsigned flag) const
 
 void Commands::updateIcons(const QPalette &palette)
 {
+    // The icons have the colour of the texts, which differs between themes.
     for (QAction *const action : actionsWith(kInToolBar)) {
         action->setIcon(commandIcon(action->objectName(), palette));
     }
@@ -305,6 +310,7 @@ void Commands::addGraphShortcuts(QWidget *widget) const
 
 QAction *Commands::operator[](const QString &name) const
 {
+    // Names are constants of the program.
     return m_byName.at(name);
 }
 
@@ -314,6 +320,7 @@ void Commands::fill(QMenuBar *bar)
         m_menus[QLatin1StringView(info.name)] = bar->addMenu(translated(info.text));
     }
     for (const CommandInfo &info : kCommands) {
+        // Known already: the table has a submenu above its commands.
         QMenu *const menu = m_menus.at(QLatin1StringView(info.menu));
         if ((info.flags & kSubMenu) != 0) {
             QMenu *const inner = menu->addMenu(translated(info.text));
@@ -348,6 +355,7 @@ void Commands::fill(QToolBar *bar) const
 
 void Commands::fillContextMenu(QMenu *menu) const
 {
+    // An empty name is a separator. Only what depends on the item that was clicked is here.
     for (const char *const name :
          {"graph.add", "graph.link", "graph.insert", "", "run.here", "run.data", "", "edit.rename",
           "edit.comment", "", "edit.cut", "edit.copy", "edit.paste", "edit.duplicate",
@@ -368,6 +376,7 @@ QMenu *Commands::menu(const QString &name) const
 
 QKeySequence Commands::defaultShortcut(const QAction &action)
 {
+    // Not from the table, whose texts would have to be parsed again.
     return action.property(kDefaultKeys).value<QKeySequence>();
 }
 
@@ -387,6 +396,7 @@ void Commands::setShortcut(QAction *action, const QKeySequence &keys)
 QAction *Commands::findConflict(const QAction *action, const QKeySequence &keys) const
 {
     const auto found = std::find_if(m_actions.begin(), m_actions.end(), [&](const QAction *other) {
+        // Many commands have no keys, which is not a conflict.
         return other != action && !keys.isEmpty() && other->shortcuts().contains(keys);
     });
     return found == m_actions.end() ? nullptr : *found;

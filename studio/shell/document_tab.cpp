@@ -24,6 +24,7 @@ DocumentTab::DocumentTab(std::unique_ptr<GraphDocument> document, QWidget *paren
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_messages);
+    // The log is not in the tab: the window shows it in a dock.
     layout->addWidget(m_canvas, 1);
     // Keys that are not for a panel are for the graph.
     setFocusProxy(m_canvas);
@@ -62,6 +63,7 @@ void DocumentTab::showEvent(QShowEvent *event)
 
 QString DocumentTab::title() const
 {
+    // Tabs have no mark for unsaved changes, as the title of a window has.
     return m_document->isModified() ? m_document->title() + u'*' : m_document->title();
 }
 
@@ -76,6 +78,7 @@ void DocumentTab::offerReload()
             m_messages->show(loaded.fault().detail, {{tr("Close")}});
         }
     };
+    // Not a dialog: the user may compare the graph with the file first.
     m_messages->show(text, {{tr("Read it again"), reload}, {tr("Keep this version")}});
 }
 

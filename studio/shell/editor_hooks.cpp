@@ -29,6 +29,7 @@ GraphDocument *documentOf(const Workspace &workspace, const ActionItem *action)
     return nullptr;
 }
 
+/// An empty table for an action of no document.
 TableSchema columnsOf(const Workspace &workspace, const ActionItem *action, int pin)
 {
     GraphDocument *const document = documentOf(workspace, action);
@@ -50,6 +51,7 @@ QStringList chooseFrom(const QStringList &names, bool several, QWidget *parent)
         new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    // A double click is a choice, as in a dialog for files.
     QObject::connect(list, &QListWidget::itemActivated, &dialog, &QDialog::accept);
     auto *const layout = new QVBoxLayout(&dialog);
     layout->addWidget(list);
@@ -68,11 +70,13 @@ QStringList chooseFrom(const QStringList &names, bool several, QWidget *parent)
 void setEditorHooks(Workspace &workspace)
 {
     MainUI::EditorHooks hooks;
+    // Asked when a panel needs it: the current tab may be another one by then.
     hooks.editedGraph = [&workspace]() -> CorvantaGraph * {
         const DocumentTab *const tab = workspace.current();
         return tab != nullptr ? &tab->document()->graph() : nullptr;
     };
     hooks.edited = [&workspace](ActionItem *action, const ParameterEdit &edit) {
+        // Null if the action was removed before its panel reports.
         if (GraphDocument *const document = documentOf(workspace, action)) {
             document->recordEdit(action, edit);
         }
@@ -88,6 +92,7 @@ void setEditorHooks(Workspace &workspace)
 
 void resetEditorHooks()
 {
+    // The functions refer to the workspace, which ends before the program does.
     MainUI::setEditorHooks({});
 }
 

@@ -78,6 +78,7 @@ GraphCommands::GraphCommands(Commands &commands, Workspace &workspace)
 
 DocumentTab *GraphCommands::tab() const
 {
+    // Asked each time: a command is for the tab that is shown when it runs.
     return m_workspace.current();
 }
 
@@ -117,6 +118,7 @@ void GraphCommands::showAction(const QString &id)
 
 void GraphCommands::connectEdits()
 {
+    // None of them checks for a document: update() disables them where there is none.
     m_commands.onTrigger("edit.undo", this, [this] { document()->undoStack()->undo(); });
     m_commands.onTrigger("edit.redo", this, [this] { document()->undoStack()->redo(); });
     m_commands.onTrigger("edit.cut", this, [this] { cut(); });
@@ -132,6 +134,7 @@ void GraphCommands::connectEdits()
         const QStringList ids = selectedIds();
         document()->layout(ids.size() > 1 ? ids : QStringList());
     });
+    // The commands differ only in the alignment.
     using Alignment = GraphDocument::Alignment;
     constexpr std::pair<const char *, Alignment> kAlignments[] = {
         {"align.left", Alignment::Left},       {"align.center", Alignment::Center},
@@ -183,6 +186,7 @@ void GraphCommands::connectViews()
 void GraphCommands::connectExports()
 {
     m_commands.onTrigger("export.svg", this, [this] {
+        // The suffix decides about the format, see CanvasView::exportTo().
         exportPicture(tr("Save as SVG"), tr("Drawings (*.svg)"), u"svg"_s);
     });
     m_commands.onTrigger("export.png", this, [this] {
@@ -205,6 +209,7 @@ void GraphCommands::connectRuns()
 
 RunController *GraphCommands::runs() const
 {
+    // A value that is still being typed belongs to the run.
     Workspace::finishEditing();
     return tab()->runs();
 }
@@ -309,11 +314,13 @@ void GraphCommands::chooseLink(const QString &id)
         Q_EMIT reported(tr("No other action can be linked to this one."));
         return;
     }
+    // The same as a drag between two pins, for users of the keyboard.
     const auto texts = mapped<QStringList>(links, linkText);
     bool isChosen = false;
     const QString chosen = QInputDialog::getItem(&m_workspace, tr("Link"), tr("New link:"), texts,
                                                  0, false, &isChosen);
     if (isChosen) {
+        // No two texts are equal: each names both pins.
         const LinkRef &ends = links.at(texts.indexOf(chosen));
         document()->addLink(ends.from, ends.to);
     }
@@ -332,6 +339,7 @@ void GraphCommands::exportPicture(const QString &title, const QString &filter,
 {
     const QFileInfo graph(document()->fileName());
     const QString name =
+        // Next to the graph; a graph without a file has only a title.
         graph.path() + u'/' + QFileInfo(document()->title()).completeBaseName() + u'.' + suffix;
     const QString file = QFileDialog::getSaveFileName(&m_workspace, title, name, filter);
     QString why;
@@ -342,12 +350,14 @@ void GraphCommands::exportPicture(const QString &title, const QString &filter,
 
 bool GraphCommands::hasFile()
 {
+    // The command reads the file, where unsaved changes would be missing.
     return (!document()->isModified() && !document()->fileName().isEmpty()) ||
            m_workspace.save(tab());
 }
 
 void GraphCommands::copyCommand()
 {
+    // A shell may be in any folder, so the command has the full name of the file.
     if (hasFile()) {
         const QString command = runCommandText(document()->fileName());
         QGuiApplication::clipboard()->setText(command);

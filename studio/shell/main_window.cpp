@@ -44,6 +44,7 @@ namespace corvanta::studio {
 namespace {
 
 /// The graph files among the dropped files.
+/// Other files are for the canvas, which has a place for the actions that read them.
 QStringList graphsOf(const QMimeData &data)
 {
     QStringList files;
@@ -90,6 +91,7 @@ MainWindow::MainWindow(const ActionRegistry &registry, Settings &settings)
     setAcceptDrops(true);
     setDockNestingEnabled(true);
     setCentralWidget(m_workspace);
+    // Before the first panel, which asks them for its columns.
     setEditorHooks(*m_workspace);
     makeDocks();
     makeMenus();
@@ -100,6 +102,7 @@ MainWindow::MainWindow(const ActionRegistry &registry, Settings &settings)
     connectHelpCommands();
     connectPanels();
     connectTabs();
+    // Last: only docks and bars that exist are restored.
     restoreArrangement();
     showTab();
 }
@@ -141,6 +144,7 @@ void MainWindow::makeDocks()
 QDockWidget *MainWindow::addDock(Qt::DockWidgetArea area, const QString &title, QWidget *content)
 {
     auto *const dock = new QDockWidget(title, this);
+    // restoreState() finds the docks by these names, so they must stay the same in all versions.
     dock->setObjectName(u"dock."_s + content->objectName());
     dock->setWidget(content);
     addDockWidget(area, dock);
@@ -151,14 +155,17 @@ void MainWindow::makeMenus()
 {
     m_commands->fill(menuBar());
     QToolBar *const bar = addToolBar(tr("Tool bar"));
+    // Saved with the arrangement, like the names of the docks.
     bar->setObjectName(u"toolBar"_s);
     m_commands->fill(bar);
     updateIcons();
+    // A closed dock has nothing in the window that opens it again.
     QMenu *const docks = m_commands->menu(u"view.docks"_s);
     for (const QDockWidget *const dock : findChildren<QDockWidget *>()) {
         docks->addAction(dock->toggleViewAction());
     }
     docks->addAction(bar->toggleViewAction());
+    // Filled when it is opened: each file that is opened or saved changes the list.
     connect(m_commands->menu(u"file.recent"_s), &QMenu::aboutToShow, this,
             &MainWindow::fillRecentMenu);
 }
@@ -168,6 +175,7 @@ void MainWindow::connectFileCommands()
     m_commands->onTrigger("file.new", m_workspace, &Workspace::newDocument);
     m_commands->onTrigger("file.open", m_workspace, &Workspace::openWithDialog);
     m_commands->onTrigger("file.start", m_workspace, &Workspace::showStartPage);
+    // The lambdas read the tab when the command runs; here there is none yet.
     m_commands->onTrigger("file.save", this, [this] { m_workspace->save(m_shown); });
     m_commands->onTrigger("file.saveAs", this, [this] { m_workspace->saveAs(m_shown); });
     m_commands->onTrigger("file.saveAll", m_workspace, &Workspace::saveAll);
@@ -181,10 +189,12 @@ void MainWindow::connectViewCommands()
 {
     m_commands->onTrigger("view.larger", this, [this] { changeFont(10); });
     m_commands->onTrigger("view.smaller", this, [this] { changeFont(-10); });
+    // The command ends the use of the theme of the desktop, which only the preferences offer.
     m_commands->onTrigger("view.dark", this, [this](bool isDark) {
         m_settings.setTheme(isDark ? Theme::Dark : Theme::Light);
         applySettings();
     });
+    // Not showFullScreen(), which would forget that the window was maximized.
     m_commands->onTrigger("view.fullScreen", this, [this](bool isFull) {
         setWindowState(windowState().setFlag(Qt::WindowFullScreen, isFull));
     });
@@ -209,6 +219,7 @@ void MainWindow::connectFocusCommands()
 {
     m_commands->onTrigger("view.canvas", this,
                           [this] { m_workspace->currentWidget()->setFocus(); });
+    // "graph.add" has no dialog of its own: the palette is the list of all actions.
     const auto search = [this] {
         raise(m_palette);
         m_palette->startSearch();
@@ -219,6 +230,7 @@ void MainWindow::connectFocusCommands()
         raise(m_properties);
         m_properties->editName();
     });
+    // Names are edited in one place, which also shows why a name is refused.
     m_commands->onTrigger("edit.rename", this, [this] {
         raise(m_properties);
         m_properties->editName();
@@ -242,6 +254,7 @@ void MainWindow::connectHelpCommands()
 {
     m_commands->onTrigger("help.action", this, [this] {
         const QStringList ids = m_graphCommands->selectedIds();
+        // Without an action the page says how to get its help.
         showHelp(ids.isEmpty() ? QString() : m_shown->document()->type(ids.first()));
     });
     m_commands->onTrigger("help.keys", this, [this] { ShortcutEditor(*m_commands, this).exec(); });
@@ -253,14 +266,17 @@ void MainWindow::connectPanels()
     connect(m_palette, &Palette::actionChosen, this, &MainWindow::addAction);
     connect(m_palette, &Palette::helpRequested, this, &MainWindow::showHelp);
     connect(m_help, &HelpView::pageOpened, this, [this] { raise(m_help); });
+    // The tree has the same actions and links as the canvas, so the same keys work there.
     m_commands->addGraphShortcuts(m_outline);
     connect(m_outline, &Outline::selectionChosen, m_graphCommands, &GraphCommands::select);
     connect(m_outline, &Outline::shown, m_graphCommands, &GraphCommands::showAction);
+    // Enough to read a sentence; then the tips of the commands have the place again.
     constexpr int kReportMs = 8000;
     connect(m_graphCommands, &GraphCommands::reported, this,
             [this](const QString &text) { statusBar()->showMessage(text, kReportMs); });
     connect(m_problems, &ProblemList::actionChosen, m_graphCommands, &GraphCommands::showAction);
     connect(m_problems, &ProblemList::countChanged, this, [this](int count) {
+        // The title is also on the tab of the dock, which is visible when another dock covers it.
         findChild<QDockWidget *>(u"dock.problems"_s)
             ->setWindowTitle(count == 0 ? tr("Problems") : tr("Problems: %1").arg(count));
     });
@@ -293,6 +309,7 @@ void MainWindow::connectTab(DocumentTab *tab)
             ifShown(&MainWindow::updateCommands));
     connect(tab->runs(), &RunController::filesWritten, m_data, &DataView::filesWritten);
     GraphDocument *const document = tab->document();
+    // Also for edits of the panel itself: refresh() keeps a text that is being typed.
     for (const auto signal : {&GraphDocument::actionChanged, &GraphDocument::columnsChanged}) {
         connect(document, signal, this, [this, tab](const QString &id) {
             if (tab == m_shown && m_properties->shows(id)) {
@@ -315,6 +332,7 @@ void MainWindow::connectCanvas(CanvasView *canvas)
     connect(canvas, &CanvasView::renameWanted, (*m_commands)[u"edit.rename"_s], &QAction::trigger);
     canvas->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(canvas, &QWidget::customContextMenuRequested, this, [this, canvas](QPoint place) {
+        // The place of the click says what the commands of the menu are for.
         selectItemAt(canvas, place);
         QMenu menu(this);
         m_commands->fillContextMenu(&menu);
@@ -373,6 +391,7 @@ void MainWindow::updateCommands()
     for (const char *const name : {"file.save", "file.saveAs", "file.saveAll", "edit.variables"}) {
         (*m_commands)[QLatin1StringView(name)]->setEnabled(hasTab);
     }
+    // A graph that was never saved has no file to read again.
     (*m_commands)[u"file.reload"_s]->setEnabled(hasTab &&
                                                 !m_shown->document()->fileName().isEmpty());
 }
@@ -402,6 +421,7 @@ void MainWindow::fillRecentMenu()
 
 void MainWindow::raise(QWidget *content)
 {
+    // The dock may be closed, or covered by another one.
     if (auto *const dock = qobject_cast<QDockWidget *>(content->parentWidget())) {
         dock->show();
         dock->raise();
@@ -411,12 +431,14 @@ void MainWindow::raise(QWidget *content)
 
 void MainWindow::changeFont(int percent)
 {
+    // The settings keep it within their limits.
     m_settings.setFontPercent(m_settings.fontPercent() + percent);
     applySettings();
 }
 
 void MainWindow::applySettings()
 {
+    // For the whole program, the dialogs that are open included.
     applyAppearance(m_settings.theme(), m_settings.fontPercent());
     (*m_commands)[u"view.dark"_s]->setChecked(isDark(palette()));
 }
@@ -429,6 +451,7 @@ void MainWindow::showHelp(const QString &type)
 
 void MainWindow::showAbout()
 {
+    // The number of actions shows whether the module was found.
     const QString text = tr("Corvanta %1, an editor of data-flow graphs.\nActions: %2")
                              .arg(QCoreApplication::applicationVersion(),
                                   QString::number(m_registry.prototypes().size()));
@@ -448,6 +471,7 @@ void MainWindow::restoreArrangement()
 void MainWindow::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
+    // The desktop may change its theme while the program runs.
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
         updateIcons();
     }

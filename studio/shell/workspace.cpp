@@ -40,6 +40,7 @@ void copyFolder(const QString &source, const QString &target)
         const QString name = target + u'/' + QDir(source).relativeFilePath(file);
         QDir().mkpath(QFileInfo(name).path());
         QFile::copy(file, name);
+        // A copy of a read-only file is read-only too, and this one is for changing.
         QFile::setPermissions(name, QFile::permissions(name) | QFile::WriteOwner);
     }
 }
@@ -108,6 +109,7 @@ DocumentTab *Workspace::findTab(const QString &fileName) const
 
 bool Workspace::open(const QString &fileName)
 {
+    // Two tabs of one file would overwrite each other's changes.
     if (DocumentTab *const tab = findTab(fileName)) {
         setCurrentWidget(tab);
         return true;
@@ -129,6 +131,7 @@ bool Workspace::open(const QString &fileName)
 
 void Workspace::openWithDialog()
 {
+    // Graphs of one task are mostly in one folder.
     const QString folder =
         current() != nullptr ? QFileInfo(current()->document()->fileName()).path() : QString();
     const QStringList files =
@@ -145,6 +148,8 @@ void Workspace::openExample(const QString &fileName)
         open(fileName);
         return;
     }
+    // The user may not write to it, but its runs do. All files of the folder are copied: the names
+    // in the graph are relative to it.
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const QString copy = documents + u"/Corvanta/"_s + info.dir().dirName();
     copyFolder(info.path(), copy);
@@ -164,6 +169,7 @@ DocumentTab *Workspace::add(std::unique_ptr<GraphDocument> document)
     auto *const tab = new DocumentTab(std::move(document), this);
     connect(tab, &DocumentTab::titleChanged, this, [this, tab] { updateTitle(tab); });
     const int index = addTab(tab, tab->title());
+    // First: the window must know the tab before it becomes the current one.
     Q_EMIT tabOpened(tab);
     setCurrentIndex(index);
     updateTitle(tab);
@@ -184,6 +190,7 @@ void Workspace::updateTitle(DocumentTab *tab)
 
 void Workspace::finishEditing()
 {
+    // A field reports its edit when it loses the focus, which may destroy it.
     const QPointer<QWidget> focus = QApplication::focusWidget();
     if (focus != nullptr) {
         focus->clearFocus();
@@ -254,6 +261,7 @@ bool Workspace::askToSave(DocumentTab *tab)
         return true;
     }
     setCurrentWidget(tab);
+    // The tab is shown first, so that the user sees what the question is about.
     switch (ask(tr("Unsaved changes"),
                 tr("Save the changes of \"%1\"?").arg(tab->document()->title()),
                 QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel)) {
@@ -305,6 +313,7 @@ bool Workspace::closeAll()
         }
     }
     rememberFiles();
+    // Else each removal would take its file from the list of the next session.
     m_isClosing = true;
     for (DocumentTab *const tab : tabs()) {
         removeTabOf(tab);

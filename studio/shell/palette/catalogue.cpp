@@ -20,6 +20,7 @@ enum Group { Readers, Writers, Tables, Tagged };
 
 Group groupOf(const QStringList &keywords, const QStringList &tags)
 {
+    // Not by the type name, which another module may choose freely.
     if (keywords.contains("import"_L1)) {
         return Readers;
     }
@@ -50,6 +51,7 @@ QStringList searchWords(ActionItem &action)
 {
     QStringList words = action.getKeywords() + action.getTags() + action.getAlternativeNames() +
                         action.getFileTypes();
+    // A user who looks for a reader often knows the extension of the file only.
     if (const auto *const parameters = dynamic_cast<const ActionParameters *>(&action)) {
         for (const FileFormat &format : parameters->fileFormats()) {
             words += QString::fromLatin1(format.extensions).split(u' ');
@@ -68,6 +70,7 @@ QStringList searchWords(ActionItem &action)
 constexpr int kNoMatch = INT_MAX;
 int distance(const CatalogueEntry &entry, const QString &word)
 {
+    // Users who know an action enter the beginning of its name.
     if (entry.type.startsWith(word, Qt::CaseInsensitive)) {
         return 0;
     }
@@ -116,6 +119,7 @@ Catalogue::Catalogue(const ActionRegistry &registry)
         entry.isUncommon = tags.contains("Uncommon"_L1);
         all.push_back({group, entry});
     }
+    // Stable, so that the modules decide about the order of equal ones.
     std::stable_sort(all.begin(), all.end(), [](const auto &a, const auto &b) {
         return std::tie(a.first, a.second.isUncommon) < std::tie(b.first, b.second.isUncommon);
     });
@@ -141,6 +145,7 @@ QVector<const CatalogueEntry *> Catalogue::search(const QString &text) const
             found.push_back({sum, &entry});
         }
     }
+    // Equal results stay in the order of the palette.
     std::stable_sort(found.begin(), found.end(),
                      [](const auto &a, const auto &b) { return a.first < b.first; });
     QVector<const CatalogueEntry *> entries;

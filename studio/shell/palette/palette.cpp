@@ -60,6 +60,7 @@ void Palette::makeTree()
     m_tree->setUniformRowHeights(true);
     m_tree->setIndentation(m_tree->indentation() / 2);
     m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // tool tips have the descriptions
+    // A double click adds the action; the names are those of the modules.
     m_tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_tree, &QTreeView::activated, this, &Palette::choose);
@@ -78,12 +79,15 @@ void Palette::search(const QString &text)
     m_model->setSearch(text);
     m_tree->expandAll();
     m_tree->resizeColumnToContents(0);
+    // Only categories can be closed, and results have none.
     m_tree->setRootIsDecorated(text.trimmed().isEmpty());
+    // Enter in the search field adds the current one.
     m_tree->setCurrentIndex(firstAction());
 }
 
 QModelIndex Palette::firstAction() const
 {
+    // Without a search the first row is a category.
     const QModelIndex first = m_model->index(0, 0);
     return m_model->hasChildren(first) ? m_model->index(0, 0, first) : first;
 }
@@ -105,6 +109,7 @@ void Palette::noteUse(const QString &type)
 void Palette::refresh()
 {
     const QString type = m_tree->currentIndex().data(PaletteModel::kTypeRole).toString();
+    // Makes the rows again, because the favourites and the recent actions have changed.
     search(m_search->text());
     // The last one is in its category, not among the recent ones.
     const QModelIndexList same = m_model->match(m_model->index(0, 0), PaletteModel::kTypeRole, type,
@@ -121,6 +126,7 @@ void Palette::showMenu(const QPoint &position)
         return;
     }
     QMenu menu(this);
+    // References to locals are safe: the menu ends before this function does.
     connect(menu.addAction(tr("Add to the graph")), &QAction::triggered, this,
             [&] { Q_EMIT actionChosen(type); });
     QAction *const favourite = menu.addAction(tr("Favourite"));
@@ -140,6 +146,7 @@ bool Palette::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_search && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Down || key == Qt::Key_PageDown) {
+            // As in a field with a list: the keys for the list work from the field.
             m_tree->setFocus(Qt::OtherFocusReason);
             return true;
         }

@@ -34,6 +34,7 @@ void PaletteModel::setSearch(const QString &text)
         showCategories();
         return;
     }
+    // Without categories: the best result is the first row, whatever its category.
     for (const CatalogueEntry *const entry : m_catalogue.search(text)) {
         addEntry(invisibleRootItem(), *entry);
     }
@@ -42,9 +43,11 @@ void PaletteModel::setSearch(const QString &text)
 void PaletteModel::showCategories()
 {
     addCategory(tr("Favourites"), m_settings.favouriteActions());
+    // A few: more would push the categories out of sight.
     addCategory(tr("Recent"), m_settings.recentActions().mid(0, 5));
     QString title;
     QStringList types;
+    // They are sorted by category. The first title is empty, as is its list, which adds nothing.
     for (const CatalogueEntry &entry : m_catalogue.entries()) {
         if (entry.category != title) {
             addCategory(title, types);
@@ -77,6 +80,7 @@ void PaletteModel::addEntry(QStandardItem *parent, const CatalogueEntry &entry)
 {
     auto *const name = new QStandardItem(entry.type); // the parent owns its items
     auto *const description = new QStandardItem(entry.description);
+    // Both know the type: a row can be chosen and dragged at either column.
     for (QStandardItem *const item : {name, description}) {
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled);
         item->setData(entry.type, kTypeRole);
@@ -100,6 +104,7 @@ QMimeData *PaletteModel::mimeData(const QModelIndexList &indexes) const
 
 QVariant PaletteModel::data(const QModelIndex &index, int role) const
 {
+    // Made when it is drawn, because the theme may have changed.
     if (role == Qt::DecorationRole && index.column() == 0) {
         const QString type = QStandardItemModel::data(index, kTypeRole).toString();
         if (ActionItem *const prototype = m_registry.prototype(type)) {

@@ -46,6 +46,7 @@ QPalette themePalette(Theme theme)
 {
     switch (theme) {
     case Theme::Light:
+        // The other colours are derived from that of the buttons.
         return {QColor(0xf4, 0xf4, 0xf4)};
     case Theme::Dark:
         return darkPalette();
@@ -70,6 +71,7 @@ void applyAppearance(Theme theme, int fontPercent)
 
 bool isDark(const QPalette &palette)
 {
+    // The theme of the desktop has no name that could be asked for.
     return palette.color(QPalette::WindowText).lightness() >
            palette.color(QPalette::Window).lightness();
 }

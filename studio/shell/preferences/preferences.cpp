@@ -32,8 +32,10 @@ Preferences::Preferences(Settings &settings, QWidget *parent)
     m_fontPercent->setValue(settings.fontPercent());
     m_language->setObjectName(u"preferencesLanguage"_s);
     m_language->addItem(tr("As the desktop"), QString());
+    // By their own names, for users who cannot read the current language.
     m_language->addItem(u"English"_s, u"en"_s);
     m_language->addItem(u"Français"_s, u"fr"_s);
+    // A code that this version does not know is shown as that of the desktop.
     m_language->setCurrentIndex(qMax(0, m_language->findData(settings.language())));
     m_reopens->setObjectName(u"preferencesReopen"_s);
     m_reopens->setChecked(settings.reopensFiles());

@@ -27,7 +27,7 @@ constexpr auto kState = "window/state"_L1;
 /// The words of the file for the values of Theme.
 constexpr QLatin1StringView kThemeNames[] = {"system"_L1, "light"_L1, "dark"_L1};
 
-/// The file of the user, or another one.
+/// The file of the user, or another one: tests must not change the preferences of the user.
 QString settingsFile(const QString &fileName)
 {
     return fileName.isEmpty()
@@ -59,6 +59,7 @@ QStringList Settings::recentFiles() const
 
 void Settings::addRecentFile(const QString &fileName)
 {
+    // The next session may start in another folder.
     prepend(kRecentFiles, QFileInfo(fileName).absoluteFilePath());
 }
 
@@ -112,6 +113,7 @@ void Settings::setShortcut(const QString &command, const std::optional<QKeySeque
     if (keys) {
         m_file.setValue(kShortcutGroup + command, keys->toString());
     } else {
+        // Without an entry the default counts, also that of a later version.
         m_file.remove(kShortcutGroup + command);
     }
 }
@@ -119,6 +121,7 @@ void Settings::setShortcut(const QString &command, const std::optional<QKeySeque
 Theme Settings::theme() const
 {
     const QString name = m_file.value(kTheme).toString();
+    // An unknown word counts as none: a newer version or a text editor may have written it.
     const auto *const found = std::ranges::find(kThemeNames, name);
     return found == std::end(kThemeNames) ? Theme::System
                                           : static_cast<Theme>(found - std::begin(kThemeNames));

@@ -29,6 +29,7 @@ bool contains(const QTreeWidgetItem &item, const QString &text)
            item.text(Meaning).contains(text, Qt::CaseInsensitive);
 }
 
+/// The text of a menu without its mnemonic and without the dots that announce a dialog.
 QString plainText(const QAction &action)
 {
     return action.text().remove(u'&').remove(u"..."_s);
@@ -68,6 +69,7 @@ ShortcutEditor::ShortcutEditor(Commands &commands, QWidget *parent)
     layout->addLayout(row);
     layout->addWidget(m_conflict);
     layout->addWidget(close);
+    // In letters, because the user may have chosen another text size.
     resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 30);
     m_tree->setCurrentItem(m_tree->topLevelItem(0));
 }
@@ -118,6 +120,7 @@ void ShortcutEditor::filter(const QString &text)
 {
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
         QTreeWidgetItem *const item = m_tree->topLevelItem(i);
+        // Hidden and not removed, so that the order of the menus stays.
         item->setHidden(!contains(*item, text));
     }
 }
@@ -133,6 +136,7 @@ void ShortcutEditor::showCurrent()
     const QAction *const action = currentAction();
     m_keys->setEnabled(action != nullptr);
     m_keys->setKeySequence(action != nullptr ? action->shortcut() : QKeySequence());
+    // The message was about another command, or about keys that are replaced now.
     m_conflict->clear();
 }
 

@@ -37,6 +37,7 @@ QString firstComment(const QString &fileName)
 
 QString examplesFolder()
 {
+    // Relative to the program, so that an installation can be moved.
     return QDir::cleanPath(QCoreApplication::applicationDirPath() +
                            u"/../share/corvanta/examples"_s);
 }
@@ -48,6 +49,7 @@ QVector<Example> findExamples(const QString &folder)
     while (found.hasNext()) {
         files << found.next();
     }
+    // Single files before those in folders.
     std::sort(files.begin(), files.end(), [](const QString &a, const QString &b) {
         return std::pair(a.count(u'/'), a) < std::pair(b.count(u'/'), b);
     });

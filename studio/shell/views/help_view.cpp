@@ -16,6 +16,7 @@ namespace corvanta::studio {
 
 namespace {
 
+/// Escaped: the texts are not HTML, and some name elements such as <s>.
 QString ofTable(const QString &text)
 {
     return QCoreApplication::translate("Parameters", text.toUtf8()).toHtmlEscaped();
@@ -43,6 +44,7 @@ QString typeText(const ParameterInfo &info)
     return choices.join(u"<br>"_s);
 }
 
+/// The row has an anchor, so that a panel can open the page at one parameter.
 QString parameterRow(const ParameterInfo &info)
 {
     const QString label = ofTable(info.label.isEmpty() ? info.name : info.label);
@@ -56,6 +58,7 @@ QString parameterTable(const ActionParameters &parameters)
     QString rows;
     for (const ParameterInfo &info : parameters.parameters()) {
         rows += parameterRow(info);
+        // The members of an element are set like parameters, and need the same help.
         for (const ParameterInfo &member : info.members) {
             rows += parameterRow(member);
         }
@@ -73,6 +76,7 @@ QString parameterTable(const ActionParameters &parameters)
 /// where the documentation is not installed.
 QString referenceLink(const QString &type)
 {
+    // Relative to the program, so that an installation can be moved.
     const QString file = QCoreApplication::applicationDirPath() +
                          u"/../share/doc/corvanta/html/reference/actions/%1.html"_s.arg(type);
     if (!QFileInfo::exists(file)) {
@@ -125,6 +129,7 @@ HelpView::HelpView(const ActionRegistry &registry, QWidget *parent)
 
 HelpView::~HelpView()
 {
+    // The function refers to this view.
     setHelpOpener({});
 }
 

@@ -19,6 +19,7 @@ MessageBar::MessageBar(QWidget *parent)
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
     m_text->setObjectName(u"messageText"_s);
+    // The text may contain a file name, which must not be read as HTML.
     m_text->setTextFormat(Qt::PlainText);
     m_text->setForegroundRole(QPalette::ToolTipText);
     m_text->setWordWrap(true);
@@ -30,6 +31,7 @@ void MessageBar::show(const QString &text, const QVector<Choice> &choices)
 {
     m_text->setText(text);
     setAccessibleName(text);
+    // The choices of the message that is replaced.
     for (QPushButton *const button : findChildren<QPushButton *>()) {
         button->hide();
         button->deleteLater(); // the message may be replaced by a click on it

@@ -41,6 +41,7 @@ void Outline::setDocument(GraphDocument *document)
     m_document = document;
     m_selected.clear();
     if (document != nullptr) {
+        // A step may emit hundreds of signals; the timer runs once for all of them.
         const auto update = [this] { m_update.start(); };
         connect(document, &GraphDocument::actionAdded, this, update);
         connect(document, &GraphDocument::actionRemoved, this, update);
@@ -66,11 +67,13 @@ void Outline::fill()
     for (int i = 0; i < columnCount(); ++i) {
         resizeColumnToContents(i);
     }
+    // The items are new, the selection of the canvas is not.
     setSelected(m_selected);
 }
 
 void Outline::addAction(const QString &id)
 {
+    // In one line, because all rows have the same height.
     const QString comment = m_document->comment(id).simplified();
     auto *const item = new QTreeWidgetItem(this, {id, m_document->type(id), comment});
     item->setData(0, kIdRole, id);
@@ -78,6 +81,7 @@ void Outline::addAction(const QString &id)
         const QString target = u"%1:%2"_s.arg(other.action, QString::number(other.pin));
         const int pin = link.from == other ? link.to.pin : link.from.pin;
         auto *const child = new QTreeWidgetItem(item, {text.arg(QString::number(pin), target)});
+        // Enter on a link leads to the action at its other end.
         child->setData(0, kIdRole, other.action);
     };
     for (int pin = 0; pin < m_document->inputCount(id); ++pin) {
@@ -102,6 +106,7 @@ void Outline::setSelected(const QStringList &ids)
     m_selected = ids;
     // The selection comes from the canvas: reporting it would be a loop.
     const QSignalBlocker blocker(this);
+    // A graph may have thousands of actions, and all may be selected.
     const QSet<QString> wanted(ids.begin(), ids.end());
     QTreeWidgetItem *first = nullptr;
     clearSelection();
@@ -126,6 +131,7 @@ void Outline::reportSelection()
         // A link has its action as the parent.
         ids << idOf(item->parent() != nullptr ? *item->parent() : *item);
     }
+    // An action may be selected together with its links.
     ids.removeDuplicates();
     m_selected = ids;
     Q_EMIT selectionChosen(ids);

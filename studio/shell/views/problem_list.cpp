@@ -46,6 +46,7 @@ ProblemList::ProblemList(QWidget *parent)
             Q_EMIT actionChosen(id);
         }
     };
+    // Twice: a single click is not an activation on every desktop, and Enter is not a click.
     connect(this, &QTreeWidget::itemClicked, this, choose);
     connect(this, &QTreeWidget::itemActivated, this, choose);
 }
@@ -72,6 +73,7 @@ void ProblemList::fill()
         auto *const item = new QTreeWidgetItem(this, {problem.action, problem.text});
         item->setIcon(0, style()->standardIcon(iconOf(problem.kind)));
         item->setData(0, kActionRole, problem.action);
+        // A tool tip shows a text with "<" as HTML.
         item->setToolTip(1, problem.text.toHtmlEscaped());
     }
     resizeColumnToContents(0);

@@ -28,6 +28,7 @@ QString ofParameters(const QString &text)
     return QCoreApplication::translate("Parameters", text.toUtf8());
 }
 
+/// A parameter without a label is shown by its name in the file.
 QString labelOf(const ParameterInfo &info)
 {
     return ofParameters(info.label.isEmpty() ? info.name : info.label);
@@ -39,6 +40,7 @@ bool hasSimpleValue(const ParameterInfo &info)
     return info.type != ParameterInfo::Type::Structure && info.type != ParameterInfo::Type::Strings;
 }
 
+/// Null for an action without a table of parameters.
 const ActionParameters *parametersOf(const GraphDocument &document, const QString &id)
 {
     return dynamic_cast<const ActionParameters *>(document.action(id));
@@ -113,6 +115,7 @@ void PropertyView::addName(QFormLayout *form)
     m_nameProblem->hide();
     connect(m_name, &QLineEdit::editingFinished, this, &PropertyView::rename);
     form->addRow(tr("Name:"), m_name);
+    // Below the field, which keeps the refused name for a correction.
     form->addRow(m_nameProblem);
 }
 
@@ -226,6 +229,7 @@ void PropertyView::showSeveral()
     m_page = scroll;
     auto *const fields = new QWidget; // the scroll area owns it
     auto *const form = new QFormLayout(fields);
+    // The dock is narrow: long labels are above their fields.
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form->addRow(new QLabel(
         tr("%1: each change applies to all %2 actions.").arg(type, QString::number(m_ids.size()))));
@@ -269,6 +273,7 @@ QWidget *PropertyView::makeChoiceField(const ParameterInfo &info)
 {
     auto *const box = new QComboBox;
     for (int i = 0; i < info.choices.size(); ++i) {
+        // A number without a text is not a choice.
         if (!info.choices.at(i).isEmpty()) {
             box->addItem(ofParameters(info.choices.at(i)), QString::number(i));
         }

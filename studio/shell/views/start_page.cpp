@@ -51,6 +51,7 @@ StartPage::StartPage(const Settings &settings, QWidget *parent)
     connect(m_recent, &QListWidget::itemActivated, this, [this](const QListWidgetItem *item) {
         Q_EMIT fileChosen(item->data(kFileRole).toString());
     });
+    // A signal of its own: an installed example is copied before it is opened.
     connect(m_examples, &QListWidget::itemActivated, this, [this](const QListWidgetItem *item) {
         Q_EMIT exampleChosen(item->data(kFileRole).toString());
     });
@@ -76,6 +77,7 @@ QListWidget *StartPage::addList(QVBoxLayout *layout, const QString &title, const
 {
     auto *const list = new QListWidget(this);
     list->setObjectName(name);
+    // A screen reader would read the mnemonic.
     list->setAccessibleName(QString(title).remove(u'&'));
     list->setAlternatingRowColors(true);
     list->setSpacing(2);
@@ -90,6 +92,7 @@ QListWidget *StartPage::addList(QVBoxLayout *layout, const QString &title, const
 
 void StartPage::fillExamples()
 {
+    // Once: the installed examples do not change while the program runs.
     for (const Example &example : findExamples(examplesFolder())) {
         addItem(m_examples, example.fileName, example.title, example.meaning);
     }

@@ -40,6 +40,7 @@ VariableTable::VariableTable(QWidget *parent)
     auto *const remove = new QAction(tr("Remove the variable"), m_table);
     remove->setObjectName(u"removeVariable"_s);
     remove->setShortcut(QKeySequence::Delete);
+    // In the editor of a cell the key deletes letters.
     remove->setShortcutContext(Qt::WidgetShortcut);
     m_table->addAction(remove);
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -75,6 +76,7 @@ void VariableTable::startEditing()
 
 void VariableTable::fill()
 {
+    // The change comes from the table, which shows it already.
     if (m_isApplying) {
         return;
     }
@@ -120,7 +122,9 @@ void VariableTable::apply(int row, int column)
     }
     m_isApplying = false;
     const QSignalBlocker blocker(m_table);
+    // A refused name is replaced by the one in the graph.
     setRowName(row, problem.isEmpty() ? name : oldName);
+    // The last row is where a new variable is typed.
     if (!nameInGraph(m_table->rowCount() - 1).isEmpty()) {
         addRow({}, {});
     }
