@@ -9,6 +9,7 @@
 //   Exit status: ...
 #include "cli/help/help_command.h"
 
+#include "base/mapped.h"
 #include "cli/file_types.h"
 
 #include <QJsonArray>
@@ -49,11 +50,7 @@ QString wrapped(const QString &text, qsizetype indent)
 template <class Items, class Item>
 QString joined(const Items &items, QString (*textOf)(const Item &item))
 {
-    QString text;
-    for (const Item &item : items) {
-        text += textOf(item);
-    }
-    return text;
+    return mapped<QStringList>(items, textOf).join(QString());
 }
 
 QString paragraph(const QString &line)

@@ -214,10 +214,7 @@ QVector<LinkRef> GraphScene::selectedLinks() const
 QString GraphScene::currentId() const
 {
     const auto *const item = qgraphicsitem_cast<NodeItem *>(focusItem());
-    if (item != nullptr) {
-        return item->id();
-    }
-    const QStringList ids = selectedIds();
+    const QStringList ids = item != nullptr ? QStringList(item->id()) : selectedIds();
     return ids.size() == 1 ? ids.first() : QString();
 }
 

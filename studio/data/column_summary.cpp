@@ -1,6 +1,7 @@
 // Numbers are counted as doubles, which hold each key exactly, and texts by their hashes.
 #include "studio/data/column_summary.h"
 
+#include "base/mapped.h"
 #include "base/number.h"
 
 #include <functional>
@@ -12,10 +13,9 @@ namespace corvanta::studio {
 SummaryBuilder::SummaryBuilder(const TableSchema &columns)
 {
     const size_t maxDistinct = maxDistinctOf(static_cast<size_t>(columns.names.size()));
-    m_columns.reserve(static_cast<size_t>(columns.types.size()));
-    for (const MetaInfo &type : columns.types) {
-        m_columns.push_back({type.cellType(), 0, DistinctCounter(maxDistinct), {}, {}});
-    }
+    m_columns = mapped<std::vector<Column>>(columns.types, [&](const MetaInfo &type) {
+        return Column{type.cellType(), 0, DistinctCounter(maxDistinct), {}, {}};
+    });
 }
 
 void SummaryBuilder::add(const OneRow &row)

@@ -72,13 +72,10 @@ enum class Markup { Start, End, Empty, Other };
 /// What a piece of markup does to the depth of elements.
 Markup kindOf(QStringView markup)
 {
-    if (markup.startsWith("<!"_L1) || markup.startsWith("<?"_L1)) {
-        return Markup::Other;
-    }
-    if (markup.startsWith("</"_L1)) {
-        return Markup::End;
-    }
-    return markup.endsWith("/>"_L1) ? Markup::Empty : Markup::Start;
+    return markup.startsWith("<!"_L1) || markup.startsWith("<?"_L1) ? Markup::Other
+           : markup.startsWith("</"_L1)                             ? Markup::End
+           : markup.endsWith("/>"_L1)                               ? Markup::Empty
+                                                                    : Markup::Start;
 }
 
 /// A piece of markup of a text.
