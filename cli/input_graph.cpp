@@ -145,19 +145,21 @@ void logTables(const QVector<InputTable> &tables)
 
 // ---- The sheet of a workbook that is written from a workbook.
 
+bool isWrittenWorkbook(const FileFormat &format)
+{
+    return format.use == FileFormat::Write && format.family == FileFormat::Workbook;
+}
+
+bool isCreated(const TargetUse &target)
+{
+    return target.access == TargetUse::Access::Create;
+}
+
 /// Whether a run creates a workbook, and does not update one.
 bool createsWorkbook(const ActionParameters &writer)
 {
-    const auto formats = writer.fileFormats();
-    const QVector<TargetUse> targets = writer.targets();
-    return std::any_of(formats.begin(), formats.end(),
-                       [](const FileFormat &format) {
-                           return format.use == FileFormat::Write &&
-                                  format.family == FileFormat::Workbook;
-                       }) &&
-           std::any_of(targets.begin(), targets.end(), [](const TargetUse &target) {
-               return target.access == TargetUse::Access::Create;
-           });
+    return std::ranges::any_of(writer.fileFormats(), isWrittenWorkbook) &&
+           std::ranges::any_of(writer.targets(), isCreated);
 }
 
 /// Name the sheet of the new workbook after the one that is read, and warn about all others.

@@ -133,19 +133,11 @@ QJsonObject optionJson(const OptionInfo &option)
         {u"meaning"_s, QString::fromUtf8(option.meaning)}};
 }
 
-/// In the order of the help text.
-QJsonArray groupsJson(const QVector<OptionGroup> &groups)
+/// The options are in the order of the help text.
+QJsonObject groupJson(const OptionGroup &group)
 {
-    QJsonArray result;
-    for (const OptionGroup &group : groups) {
-        QJsonArray options;
-        for (const OptionInfo &option : group.options) {
-            options << optionJson(option);
-        }
-        result << QJsonObject{{u"title"_s, QString::fromUtf8(group.title)},
-                              {u"options"_s, options}};
-    }
-    return result;
+    return {{u"title"_s, QString::fromUtf8(group.title)},
+            {u"options"_s, mapped<QJsonArray>(group.options, optionJson)}};
 }
 
 /// The lines of a text; none of an empty one.
@@ -164,7 +156,7 @@ QJsonObject commandJson(const Command &command)
             {u"examples"_s, linesJson(command.examples)},
             {u"exitStatus"_s, QString::fromUtf8(command.exitStatus)},
             {u"handlesFiles"_s, command.handlesFiles},
-            {u"optionGroups"_s, groupsJson(optionsOf(command).groups)}};
+            {u"optionGroups"_s, mapped<QJsonArray>(optionsOf(command).groups, groupJson)}};
 }
 
 /// All commands, and the extensions of the files that they handle.

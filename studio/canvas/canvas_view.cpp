@@ -50,6 +50,13 @@ QPointF directionOf(int key)
     }
 }
 
+/// So near that the actions, with the space around them, would overlap.
+bool isNear(QPointF one, QPointF other)
+{
+    const QPointF distance = one - other;
+    return qAbs(distance.x()) < kLayerStep.width() && qAbs(distance.y()) < kLayerStep.height();
+}
+
 /// The files of a drop; other URLs are ignored.
 QStringList localFiles(const QMimeData *data)
 {
@@ -127,12 +134,8 @@ QPointF CanvasView::freePosition() const
 {
     const QPointF center = mapToScene(viewport()->rect().center());
     QPointF place = m_scene->snapped(center - kNodeCenter);
-    const auto isTaken = [&](const NodePtr &node) {
-        const QPointF distance = node->position - place;
-        return qAbs(distance.x()) < kLayerStep.width() && qAbs(distance.y()) < kLayerStep.height();
-    };
-    const auto &nodes = m_document.content().nodes;
-    while (std::any_of(nodes.begin(), nodes.end(), isTaken)) {
+    const auto isTaken = [&](const NodePtr &node) { return isNear(node->position, place); };
+    while (std::ranges::any_of(m_document.content().nodes, isTaken)) {
         place.ry() += NodeItem::kGrid * 2;
     }
     return place;
