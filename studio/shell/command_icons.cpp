@@ -93,6 +93,7 @@ QIcon actionIcon(const QPixmap &drawn, const QPalette &palette)
     painter.setBrush(QColor(0xe8, 0xe8, 0xea));
     painter.drawRoundedRect(tile.rect(), 8, 8);
     painter.drawPixmap(tile.rect().marginsRemoved({4, 4, 4, 4}), drawn);
+    // The icon shares the pixels, so they must be complete.
     painter.end();
     return tile;
 }

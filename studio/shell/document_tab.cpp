@@ -48,6 +48,7 @@ void DocumentTab::connectDocument()
     const auto showFault = [this](const QString &id, const QString &reason) {
         m_messages->show(u"%1: %2"_s.arg(id, reason), {{tr("Close")}});
     };
+    // A file is read in the background: the reason comes after the drop is complete.
     connect(shown, &GraphDocument::fillFailed, this, showFault);
 }
 

@@ -45,6 +45,7 @@ QStringList chooseFrom(const QStringList &names, bool several, QWidget *parent)
     dialog.setWindowTitle(Workspace::tr("Columns"));
     auto *const list = new QListWidget(&dialog);
     list->addItems(names);
+    // A parameter for one column must not get two.
     list->setSelectionMode(several ? QAbstractItemView::ExtendedSelection
                                    : QAbstractItemView::SingleSelection);
     auto *const buttons =

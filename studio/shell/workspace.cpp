@@ -353,6 +353,7 @@ void Workspace::offerRecovery()
     QStringList names;
     for (const GraphDocument::Recovery &recovery : recoveries) {
         const QString name = QFileInfo(recovery.original).fileName();
+        // A graph that was never saved has no file, but it has a copy for the recovery.
         names << (name.isEmpty() ? tr("Untitled") : name);
     }
     QMessageBox box(QMessageBox::Question, tr("Recovery"),

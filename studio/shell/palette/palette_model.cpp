@@ -86,6 +86,7 @@ void PaletteModel::addEntry(QStandardItem *parent, const CatalogueEntry &entry)
         item->setData(entry.type, kTypeRole);
         item->setToolTip(entry.description);
     }
+    // The description is another column, which a screen reader does not read with the name.
     name->setAccessibleDescription(entry.description);
     parent->appendRow({name, description});
 }

@@ -84,6 +84,7 @@ void ShortcutEditor::makeTree()
         auto *const item = new QTreeWidgetItem(m_tree); // the tree owns it
         item->setText(Name, plainText(*action));
         item->setText(Meaning, action->statusTip());
+        // The texts are translated; the name is not.
         item->setData(Name, Qt::UserRole, action->objectName());
         showKeys(item);
     }

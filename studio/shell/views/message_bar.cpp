@@ -39,6 +39,7 @@ void MessageBar::show(const QString &text, const QVector<Choice> &choices)
     for (const Choice &choice : choices) {
         addButton(choice);
     }
+    // Not show(), which has another meaning in this class.
     setVisible(true);
 }
 

@@ -110,6 +110,7 @@ void StartPage::refresh()
 
 void StartPage::showEvent(QShowEvent *event)
 {
+    // The lists of the settings have no signal, so they are read when the page is shown.
     refresh();
     QWidget::showEvent(event);
 }

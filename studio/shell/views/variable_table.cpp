@@ -103,6 +103,7 @@ void VariableTable::addRow(const QString &name, const QString &value)
 {
     const int row = m_table->rowCount();
     m_table->insertRow(row);
+    // Empty: setRowName() sets the name and the one in the graph together.
     m_table->setItem(row, VariableName, new QTableWidgetItem); // the table owns its items
     m_table->setItem(row, VariableValue, new QTableWidgetItem(value));
     setRowName(row, name);
