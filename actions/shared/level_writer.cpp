@@ -44,6 +44,16 @@ void addEqualKeys(const compose::ComposeOperation &item, const OneRow &columns, 
     }
 }
 
+/// Collect the columns of an item that are written under another name, by their input column.
+void addNewNames(const compose::ComposeOperation &item, std::map<int, QString> *newNames)
+{
+    for (const compose::ComposeOperation::Column &column : item.columns) {
+        if (!column.newName.isEmpty()) {
+            newNames->emplace(column.input, column.newName);
+        }
+    }
+}
+
 } // namespace
 
 /// Found before a run, which would otherwise fail after its readers have started.
@@ -238,14 +248,11 @@ void LevelWriter::reportNewNames(const std::vector<compose::ComposeLevel> &level
     std::map<int, QString> newNames;
     for (const compose::ComposeLevel &level : levels) {
         for (const compose::ComposeOperation &item : level.operations) {
-            for (const compose::ComposeOperation::Column &column : item.columns) {
-                if (!column.newName.isEmpty()) {
-                    newNames.emplace(column.input, column.newName);
-                }
-            }
+            addNewNames(item, &newNames);
         }
     }
     std::vector<ChangedName> changed;
+    changed.reserve(newNames.size());
     for (const auto &[input, name] : newNames) {
         changed.push_back({columns.colName(input), name});
     }

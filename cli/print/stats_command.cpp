@@ -291,7 +291,7 @@ CommandResult<void> statsCommand(const CommandLine &line)
         stats.add(columns, row);
         return true;
     };
-    const auto done = readRows(u"stats"_s, line, kAllRows, ReadExtent::Whole, add, &facts);
+    auto done = readRows(u"stats"_s, line, kAllRows, ReadExtent::Whole, add, &facts);
     // Nothing is printed of a file that cannot be read.
     if (done) {
         stats.print(line.has(u"--json"_s));
