@@ -20,6 +20,16 @@ void line(QPainterPath &path, std::initializer_list<QPointF> points)
     }
 }
 
+/// Apart, because it is the only drawing with an arc: an arrow that turns back to the left.
+void arrowBack(QPainterPath &path)
+{
+    path.moveTo(3, 6);
+    path.lineTo(9.5, 6);
+    path.arcTo(6, 6, 7, 7, 90, -180);
+    path.lineTo(5, 13);
+    line(path, {{6, 3}, {3, 6}, {6, 9}});
+}
+
 /// The drawing of a glyph, on a grid of 16 by 16 units with y downwards.
 QPainterPath pathOf(Glyph glyph)
 {
@@ -75,11 +85,7 @@ QPainterPath pathOf(Glyph glyph)
         line(path, {{6, 9}, {10, 9}});
         break;
     case Glyph::Reset:
-        path.moveTo(3, 6);
-        path.lineTo(9.5, 6);
-        path.arcTo(6, 6, 7, 7, 90, -180);
-        path.lineTo(5, 13);
-        line(path, {{6, 3}, {3, 6}, {6, 9}});
+        arrowBack(path);
         break;
     }
     return path;

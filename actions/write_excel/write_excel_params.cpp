@@ -39,6 +39,24 @@ ParamGroup<P> workbooks()
     };
 }
 
+/// Which sheet is written.
+ParamGroup<P> sheetChoice()
+{
+    const QStringList changed{QStringLiteral("2"), QStringLiteral("4")};
+    return {
+        shared::sheetMode<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
+                             "sheetName. Any other value adds a sheet.",
+                             "mode", changed)
+            .orAnyNumber("adds a sheet"),
+        shared::sheetIdx<P>("mode", changed),
+        text(shared::kSheetName, &P::sheetName)
+            .role(ParameterInfo::Role::SheetName)
+            .expanded()
+            .label("Sheet name")
+            .meaning("Name of the new sheet or of the sheet to change."),
+    };
+}
+
 /// Where in the sheet the rows go, and the defined name for their cells.
 ParamGroup<P> cellRange()
 {
@@ -204,6 +222,35 @@ Param<P> dateDisplay()
         .meaning("Number format of the date cells in the sheet.");
 }
 
+/// Which columns are written as other than their cells say. All are child elements.
+ParamGroup<P> columnKinds()
+{
+    return {
+        strings(shared::kToDate, &P::toDate)
+            .label("Date columns")
+            .meaning("Text columns that are written as dates."),
+        strings(shared::kToDateTime, &P::toDateTime)
+            .label("Columns of dates with times")
+            .meaning("Text columns of ISO 8601 dates, with or without times, that are written as "
+                     "dates. Other texts stay texts."),
+        strings(shared::kToTime, &P::toTime)
+            .label("Columns of times")
+            .meaning("Text columns of times of day, such as 04:30:05, that are written as times. "
+                     "Other texts stay texts."),
+        strings(shared::kToBoolean, &P::toBoolean)
+            .label("Boolean columns")
+            .meaning("Text columns whose texts true and false, in any letter case, are written as "
+                     "booleans. Other texts stay texts."),
+        strings(kToFormula, &P::toFormula)
+            .label("Formula columns")
+            .meaning("Text columns that are written as formulas."),
+        strings(kColumnFormats, &P::columnFormats)
+            .label("Number formats of columns")
+            .meaning("Number formats of columns in new sheets, each as COLUMN=FORMAT, for example "
+                     "price=#,##0.00 or day=dd/mm/yyyy."),
+    };
+}
+
 } // namespace
 
 void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
@@ -217,19 +264,9 @@ void adjustWriteExcelDefaults(WriteExcelParams &params, double savedVersion)
 
 const ParamTable<WriteExcelParams> &writeExcelParamTable()
 {
-    const QStringList changed{QStringLiteral("2"), QStringLiteral("4")};
     static const ParamTable<P> table{
         workbooks(),
-        shared::sheetMode<P>("How modes 2 and 4 find the sheet to change: by sheetIdx or by "
-                             "sheetName. Any other value adds a sheet.",
-                             "mode", changed)
-            .orAnyNumber("adds a sheet"),
-        shared::sheetIdx<P>("mode", changed),
-        text(shared::kSheetName, &P::sheetName)
-            .role(ParameterInfo::Role::SheetName)
-            .expanded()
-            .label("Sheet name")
-            .meaning("Name of the new sheet or of the sheet to change."),
+        sheetChoice(),
         cellRange(),
         shared::floatToString<P>(),
         flag("createIfNotExists", &P::createIfNotExists)
@@ -264,28 +301,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::columnsToWrite<P>("ToWrite").required(),
-        strings(shared::kToDate, &P::toDate)
-            .label("Date columns")
-            .meaning("Text columns that are written as dates."),
-        strings(shared::kToDateTime, &P::toDateTime)
-            .label("Columns of dates with times")
-            .meaning("Text columns of ISO 8601 dates, with or without times, that are written as "
-                     "dates. Other texts stay texts."),
-        strings(shared::kToTime, &P::toTime)
-            .label("Columns of times")
-            .meaning("Text columns of times of day, such as 04:30:05, that are written as times. "
-                     "Other texts stay texts."),
-        strings(shared::kToBoolean, &P::toBoolean)
-            .label("Boolean columns")
-            .meaning("Text columns whose texts true and false, in any letter case, are written as "
-                     "booleans. Other texts stay texts."),
-        strings(kToFormula, &P::toFormula)
-            .label("Formula columns")
-            .meaning("Text columns that are written as formulas."),
-        strings(kColumnFormats, &P::columnFormats)
-            .label("Number formats of columns")
-            .meaning("Number formats of columns in new sheets, each as COLUMN=FORMAT, for example "
-                     "price=#,##0.00 or day=dd/mm/yyyy."),
+        columnKinds(),
     };
     return table;
 }
