@@ -204,9 +204,7 @@ private:
     void endName(qsizetype end)
     {
         m_name->end = end;
-        for (auto tag = m_firstInName; tag != m_next; ++tag) {
-            tag->name = m_name;
-        }
+        std::for_each(m_firstInName, m_next, [this](ChartTag &tag) { tag.name = m_name; });
         m_name.reset();
     }
 
@@ -331,10 +329,8 @@ private:
 Result<std::vector<ChartTag>, opc::Error> findTags(QByteArrayView part)
 {
     auto tags = findTexts(part);
-    if (tags && !tags->empty() && !SeriesFinder(part, *tags).run()) {
-        return Fault{opc::Error::Malformed};
-    }
-    return tags;
+    const bool isMalformed = tags && !tags->empty() && !SeriesFinder(part, *tags).run();
+    return isMalformed ? Fault{opc::Error::Malformed} : std::move(tags);
 }
 
 } // namespace corvanta::charts

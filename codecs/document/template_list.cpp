@@ -36,10 +36,8 @@ void addMarker(std::vector<TemplateMarker> &all, const TemplateMarker &marker)
 Result<QByteArray, Error> textOf(opc::PackageCopy &package, const QByteArray &part)
 {
     auto text = package.read(part);
-    if (text && !opc::isUtf8Text(*text)) {
-        return Fault{Error::Encoding, QString::fromUtf8(part)};
-    }
-    return text;
+    const bool isOther = text && !opc::isUtf8Text(*text);
+    return isOther ? Fault{Error::Encoding, QString::fromUtf8(part)} : std::move(text);
 }
 
 /// Any marker in the target of a relationship of a placeholder picture, or of a link.

@@ -20,10 +20,7 @@ const char *characterEnd(const char *at, const char *end)
 std::optional<Utf8Encoder> Utf8Encoder::open(const QByteArray &encoding)
 {
     IconvHandle converter(encoding, "UTF-8");
-    if (!converter.isOpen()) {
-        return std::nullopt;
-    }
-    return Utf8Encoder(std::move(converter));
+    return converter.isOpen() ? std::optional(Utf8Encoder(std::move(converter))) : std::nullopt;
 }
 
 Utf8Encoder::Utf8Encoder(IconvHandle converter)

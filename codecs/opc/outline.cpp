@@ -118,10 +118,8 @@ Result<Outline, Error> Outline::read(QByteArrayView text)
 Result<Outline, Error> Outline::readRootedIn(QByteArrayView text, QByteArrayView root)
 {
     auto outline = read(text);
-    if (outline && outline->root().tag.local() != root) {
-        return Fault<Error>{Error::Unexpected};
-    }
-    return outline;
+    const bool isOther = outline && outline->root().tag.local() != root;
+    return isOther ? Fault{Error::Unexpected} : std::move(outline);
 }
 
 QByteArray Outline::qualified(QByteArrayView local) const

@@ -48,11 +48,8 @@ double widthOfText(std::u16string_view text)
 /// The width of what a number format adds to the digits of a number: its longest section.
 double widthOfFormat(const QString &code)
 {
-    qsizetype widest = 0;
-    for (const QString &section : code.split(u';')) {
-        widest = std::max(widest, section.size());
-    }
-    return static_cast<double>(widest);
+    const QStringList sections = code.split(u';'); // at least one
+    return static_cast<double>(std::ranges::max(sections, {}, &QString::size).size());
 }
 
 } // namespace

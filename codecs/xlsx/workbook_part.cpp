@@ -72,9 +72,9 @@ Result<Parts, Error> readParts(QByteArrayView text)
 /// The prefix of the namespace may be declared on any of three elements, and have any name.
 QByteArray relationshipIdOf(const Parts &parts, const Tag &sheet)
 {
-    const Tag &root = parts.outline.root().tag;
     const Tag &sheets = parts.outline.element(parts.sheets).tag;
-    const auto prefix = prefixFor(parts.family.relationships, {&sheet, &sheets, &root});
+    const auto prefix =
+        prefixFor(parts.family.relationships, {&sheet, &sheets, &parts.outline.root().tag});
     const auto id = prefix ? sheet.attribute(*prefix + ":id") : std::nullopt;
     return id.value_or(QByteArrayView()).toByteArray();
 }

@@ -256,10 +256,7 @@ Result<std::unique_ptr<MemberStream>, Error> PackageReader::openStream(QByteArra
 Result<QByteArray, Error> PackageReader::readWhole(QByteArrayView name)
 {
     const Member *member = find(name);
-    if (!member) {
-        return Fault{Error::NoMember, QString::fromUtf8(name)};
-    }
-    return readWhole(*member);
+    return member ? readWhole(*member) : Fault{Error::NoMember, QString::fromUtf8(name)};
 }
 
 Result<QByteArray, Error> PackageReader::readWhole(const Member &member)

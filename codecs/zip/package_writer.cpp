@@ -44,11 +44,9 @@ bool isAscii(QByteArrayView name)
 /// The flag says that the name is UTF-8, which old programs read only as ASCII.
 Member deflatedMember(QByteArrayView name)
 {
-    Member member;
-    member.name = name.toByteArray();
-    member.flags = isAscii(name) ? 0 : kFlagUtf8;
-    member.method = kDeflated;
-    return member;
+    return {.name = name.toByteArray(),
+            .flags = isAscii(name) ? quint16(0) : kFlagUtf8,
+            .method = kDeflated};
 }
 
 // The member in this package: keeps the encoding of the name, but not the form of the sizes.

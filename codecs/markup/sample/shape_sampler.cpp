@@ -29,8 +29,7 @@ bool fitsPath(QStringView name)
     const auto isXml = [](QChar c) {
         return c >= u' ' ? c.unicode() < 0xFFFE : c == u'\t' || c == u'\n' || c == u'\r';
     };
-    return name == name.trimmed() && name.isValidUtf16() &&
-           std::all_of(name.begin(), name.end(), isXml);
+    return name == name.trimmed() && name.isValidUtf16() && std::ranges::all_of(name, isXml);
 }
 
 /// True for an attribute that declares a name space.

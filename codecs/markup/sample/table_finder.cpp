@@ -122,8 +122,7 @@ std::vector<size_t> TableFinder::descendants(size_t top) const
 /// True when the document has values that are not repeated.
 bool TableFinder::hasScalars() const
 {
-    const std::vector<size_t> all = descendants(0);
-    return std::any_of(all.begin(), all.end(), [&](size_t shape) {
+    return std::ranges::any_of(descendants(0), [&](size_t shape) {
         const Shape &at = m_shapes[shape];
         return at.hasText && !at.isRepeated() && !at.isAttribute;
     });

@@ -73,10 +73,7 @@ void CharSource::restart(ByteSource &source)
 Result<void, MarkupError> CharSource::status() const
 {
     const bool isLater = m_error == MarkupError::CannotRead && rawLeft() > 0;
-    if (m_error && !isLater) {
-        return Fault{*m_error};
-    }
-    return {};
+    return m_error && !isLater ? Fault{*m_error} : Result<void, MarkupError>();
 }
 
 /// Read up to `n` bytes; returns how many, 0 at the end and after a failure.

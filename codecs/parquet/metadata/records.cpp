@@ -237,19 +237,15 @@ template <class T> bool writeValue(CompactWriter &out, const std::vector<T> &lis
 template <class R> Result<qint64, Error> readWhole(CompactReader &in, R &record)
 {
     const qint64 begin = in.position();
-    if (!readValue(in, record)) {
-        return Fault{Error::BadThrift};
-    }
-    return in.position() - begin;
+    return readValue(in, record) ? Result<qint64, Error>(in.position() - begin)
+                                 : Fault{Error::BadThrift};
 }
 
 template <class R> Result<qint64, Error> writeWhole(CompactWriter &out, const R &record)
 {
     const qint64 begin = out.bytes().size();
-    if (!writeValue(out, record)) {
-        return Fault{Error::TextTooLong};
-    }
-    return out.bytes().size() - begin;
+    return writeValue(out, record) ? Result<qint64, Error>(out.bytes().size() - begin)
+                                   : Fault{Error::TextTooLong};
 }
 
 } // namespace

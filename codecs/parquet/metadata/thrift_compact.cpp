@@ -449,10 +449,8 @@ int CompactWriter::writeListHeader(ThriftType element, qint32 size)
 int CompactWriter::writeBool(bool value)
 {
     const quint8 wire = value ? kWireTrue : kWireFalse;
-    if (m_boolId >= 0) {
-        return writeFieldHeader(wire, std::exchange(m_boolId, -1));
-    }
-    return writeByte(static_cast<qint8>(wire));
+    return m_boolId >= 0 ? writeFieldHeader(wire, std::exchange(m_boolId, -1))
+                         : writeByte(static_cast<qint8>(wire));
 }
 
 int CompactWriter::writeByte(qint8 value)

@@ -469,10 +469,8 @@ sheet::WorkbookResult<std::unique_ptr<sheet::SheetRows>> XlsxReader::openSheet(s
 sheet::WorkbookResult<sheet::SheetLayout> XlsxReader::layout(size_t index)
 {
     auto scanner = openScanner(index);
-    if (!scanner) {
-        return scanner.fault();
-    }
-    return OpenSheet(*this, index, *std::move(scanner), nullptr).readLayout();
+    return scanner ? OpenSheet(*this, index, *std::move(scanner), nullptr).readLayout()
+                   : scanner.fault();
 }
 
 // ---- Tables.
