@@ -18,10 +18,9 @@ namespace {
 /// The output pin that is linked to an input pin; nothing if there is no link.
 std::optional<CorvantaGraph::Pin> sourceOf(const CorvantaGraph &graph, const QString &id, int pin)
 {
-    const auto link = std::find_if(graph.links.begin(), graph.links.end(),
-                                   [&](const CorvantaGraph::Link &candidate) {
-                                       return candidate.to.action == id && candidate.to.pin == pin;
-                                   });
+    const auto link = std::ranges::find_if(graph.links, [&](const CorvantaGraph::Link &candidate) {
+        return candidate.to.action == id && candidate.to.pin == pin;
+    });
     return link == graph.links.end() ? std::nullopt : std::optional(link->from);
 }
 

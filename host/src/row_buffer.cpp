@@ -98,8 +98,7 @@ unsigned char *bytesFromQString(unsigned char *bytes, const QString &text)
 
 unsigned char *bytesFromQString(RowBuffer *buffer, const QString &text)
 {
-    using namespace corvanta;
-    const qsizetype n = text.isNull() ? 1 : cell::textCellBytes(text.size());
+    const qsizetype n = text.isNull() ? 1 : corvanta::cell::textCellBytes(text.size());
     uchar *const bytes = buffer->alloc(static_cast<int>(n));
     bytesFromQString(bytes, text);
     return bytes;

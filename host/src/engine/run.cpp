@@ -342,9 +342,8 @@ void Run::start()
 Run::Private::Clock::duration Run::Private::stopLimit() const
 {
     constexpr int kCloseFactor = 6;
-    const bool isClosing = std::any_of(nodes.begin(), nodes.end(), [](const auto &node) {
-        return node->closing && !node->isFinished();
-    });
+    const bool isClosing = std::ranges::any_of(
+        nodes, [](const auto &node) { return node->closing && !node->isFinished(); });
     return isClosing ? kCloseFactor * stopTimeout : stopTimeout;
 }
 
