@@ -100,10 +100,10 @@ QVector<ParameterProblem> characterProblems(const QString &name, const QString &
 std::optional<CsvDateFormat> dateFormatOf(const QString &entry)
 {
     const qsizetype equals = entry.indexOf(u'=');
-    const bool isWhole = equals > 0 && equals + 1 < entry.size();
-    return isWhole ? std::optional(
-                         CsvDateFormat{trimmedParts(entry.left(equals)), entry.mid(equals + 1)})
-                   : std::nullopt;
+    if (equals <= 0 || equals + 1 == entry.size()) {
+        return std::nullopt;
+    }
+    return CsvDateFormat{trimmedParts(entry.left(equals)), entry.mid(equals + 1)};
 }
 
 } // namespace

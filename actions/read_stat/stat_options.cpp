@@ -28,10 +28,9 @@ constexpr std::array kEndings{
 /// A file with any other ending is read as a SAS data set; the reader then reports what it is not.
 stat::Format formatOfEnding(const QString &name)
 {
-    const auto isItsEnding = [&](QLatin1StringView text) {
-        return name.endsWith(text, Qt::CaseInsensitive);
-    };
-    const auto found = std::ranges::find_if(kEndings, isItsEnding, &Ending::text);
+    const auto found = std::ranges::find_if(kEndings, [&](const Ending &ending) {
+        return name.endsWith(ending.text, Qt::CaseInsensitive);
+    });
     return found == kEndings.end() ? stat::Format::Sas : found->format;
 }
 

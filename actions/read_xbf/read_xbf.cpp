@@ -107,9 +107,8 @@ encoding::TextDecoder ActionReadXBF::makeDecoder() const
 
 void ActionReadXBF::start()
 {
-    FileSeries::Options options;
-    options.fileNameColumn = m_params.outputFilenames ? u"_FileNames"_s : QString();
-    m_series.start(*this, namesOfPattern(*this, m_params.fileName), options);
+    m_series.start(*this, namesOfPattern(*this, m_params.fileName),
+                   {.fileNameColumn = m_params.outputFilenames ? u"_FileNames"_s : QString()});
     // No file is open now: the old decoder is not used any more.
     m_decoder.emplace(makeDecoder());
     // A failure is logged and fails the run. step() then finds no open file and ends it.

@@ -151,8 +151,7 @@ void applyHtmlDefaults(ReadXmlParams &params)
     // Paths copied from a browser count from 1.
     params.zeroBased = false;
     params.ignoreUnknownEntities = true;
-    params.ignoreEmptyTag = true;
-    params.ignoreInvalidCharInTagName = true;
+    params.ignoreEmptyTag = params.ignoreInvalidCharInTagName = true;
 }
 
 const ParamTable<ReadXmlParams> &readXmlParamTable()

@@ -214,11 +214,9 @@ void ActionWriteParquet::start()
 
 bool ActionWriteParquet::needsColumnKinds() const
 {
-    const auto hasColumns = [this](const TypedList &list) {
-        return !(m_params.*list.columns).isEmpty();
-    };
-    return m_params.logicalTypes &&
-           std::none_of(std::begin(kTypedLists), std::end(kTypedLists), hasColumns);
+    return m_params.logicalTypes && std::ranges::all_of(kTypedLists, [this](const TypedList &list) {
+               return (m_params.*list.columns).isEmpty();
+           });
 }
 
 void ActionWriteParquet::setColumnKinds(const QVector<ColumnKind> &columns)

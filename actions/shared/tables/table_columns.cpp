@@ -75,11 +75,11 @@ QVector<ParameterProblem> kindProblems(const QStringList &kinds)
 
 QVector<ParameterProblem> decimalPointProblems(const QString &decimal)
 {
-    const bool isCharacter = decimal.size() == 1 && decimal[0].unicode() < 0x80;
-    return isCharacter
-               ? QVector<ParameterProblem>()
-               : QVector<ParameterProblem>{
-                     {u"decimal"_s, u"decimal='%1' is not one ASCII character"_s.arg(decimal)}};
+    if (decimal.size() == 1 && decimal[0].unicode() < 0x80) {
+        return {};
+    }
+    return {
+        ParameterProblem{u"decimal"_s, u"decimal='%1' is not one ASCII character"_s.arg(decimal)}};
 }
 
 std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &columns)
