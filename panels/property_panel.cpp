@@ -155,6 +155,7 @@ PropertyPanel::~PropertyPanel()
     disconnect(qApp, nullptr, this, nullptr);
 }
 
+/// Parameters that no group names are in the advanced group, so that each has a field.
 void PropertyPanel::addGroups(const PanelLayout &layout)
 {
     const QVector<ParameterInfo> infos = m_parameters->parameters();
@@ -208,6 +209,7 @@ QWidget *PropertyPanel::makeHeading()
     return heading;
 }
 
+/// Drawn for the pixels of the screen, so that it is sharp on a scaled one.
 void PropertyPanel::showIcon()
 {
     const double ratio = devicePixelRatioF();
@@ -266,6 +268,7 @@ void PropertyPanel::addField(const PanelField &field, Mnemonics &mnemonics)
     m_rows.push_back(row);
 }
 
+/// A long default would make the menu too wide, so only a short one is shown.
 void PropertyPanel::addReset(Row &row, size_t position)
 {
     const ParameterInfo &info = m_infos[row.index];
@@ -293,6 +296,7 @@ void PropertyPanel::addReset(Row &row, size_t position)
     }
 }
 
+/// The same width in all groups, so that the fields of the panel are aligned.
 void PropertyPanel::alignLabels()
 {
     const int limit = fontMetrics().averageCharWidth() * kMaxLineCharacters;
@@ -378,6 +382,7 @@ bool PropertyPanel::eventFilter(QObject *watched, QEvent *event)
 
 // ---- Values
 
+/// The values may have changed outside of the panel: rejected texts are replaced.
 void PropertyPanel::refresh()
 {
     for (Row &row : m_rows) {
@@ -408,6 +413,7 @@ void PropertyPanel::edit(Row &row, const QString &value, FieldEditor::Edit kind)
     m_validation.start();
 }
 
+/// A required value without a default has nothing to be reset to.
 bool PropertyPanel::hasOtherDefault(const Row &row) const
 {
     const ParameterInfo &info = m_infos[row.index];
@@ -424,6 +430,7 @@ void PropertyPanel::reset(Row &row)
     edit(row, value, FieldEditor::Edit::Step);
 }
 
+/// In another thread, because a check may open files.
 void PropertyPanel::validate()
 {
     m_validation.stop();
@@ -552,6 +559,7 @@ void PropertyPanel::updateStatus(size_t group)
     }
 }
 
+/// A long list of values would hide the name of the parameter, so it is left out.
 QString PropertyPanel::conditionText(const ParameterInfo::Condition &condition) const
 {
     QStringList parts;

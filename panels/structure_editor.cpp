@@ -122,6 +122,7 @@ void StructureEditor::setValue(const QString &value)
     }
 }
 
+/// All items are new, so the one in the place of the current item becomes current.
 void StructureEditor::showElements(std::vector<Element> elements)
 {
     const int index = qMax(0, currentIndex());
@@ -172,6 +173,7 @@ void StructureEditor::updateItems()
     }
 }
 
+/// Two texts are usually enough to recognize an element in the tree.
 QString StructureEditor::summary(const Element &element, const ParameterInfo &list, int) const
 {
     QStringList values;
@@ -202,6 +204,7 @@ void StructureEditor::showFields()
     elementsShown();
 }
 
+/// A list inside the element is part of the tree, unless the editor shows lists as fields.
 void StructureEditor::makeFields()
 {
     const bool showsLists = m_lists == Lists::AsFields;
@@ -213,6 +216,7 @@ void StructureEditor::makeFields()
     orderTabs();
 }
 
+/// A wide editor has its label in a row of its own, which is hidden with it.
 void StructureEditor::updateFields()
 {
     for (const Field &field : m_fields) {
@@ -282,6 +286,7 @@ void StructureEditor::refreshContext()
     }
 }
 
+/// A hidden field is not used, so its value cannot be wrong.
 ParameterProblem StructureEditor::problem() const
 {
     for (const Field &field : m_fields) {
@@ -295,6 +300,7 @@ ParameterProblem StructureEditor::problem() const
 
 // ---- Edits of the tree
 
+/// Without a current element, the new one becomes the first of the list.
 void StructureEditor::add(Where where)
 {
     ElementItem *const item = current();
@@ -326,6 +332,7 @@ void StructureEditor::removeCurrent()
     }
 }
 
+/// Only among its neighbours: an element stays inside the one that contains it.
 void StructureEditor::moveCurrent(int by)
 {
     ElementItem *const item = current();
@@ -345,6 +352,7 @@ void StructureEditor::moveCurrent(int by)
     }
 }
 
+/// The keys do what the buttons do, for users without a mouse.
 bool StructureEditor::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress) {

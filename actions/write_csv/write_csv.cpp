@@ -43,6 +43,7 @@ bool ActionWriteCsv::begin(const OneRow &columns)
     return true;
 }
 
+/// The rows are formatted as UTF-8, which needs no encoder.
 bool ActionWriteCsv::openTarget()
 {
     TargetFile::Options options = targetOptions(fileName());
@@ -56,6 +57,7 @@ bool ActionWriteCsv::openTarget()
     return true;
 }
 
+/// Rows are collected, because a write per row would be slow.
 bool ActionWriteCsv::writeRow(const OneRow &row)
 {
     m_writer->addRow(row.view());
@@ -70,6 +72,7 @@ bool ActionWriteCsv::flush()
     return isWritten;
 }
 
+/// Replaced characters are reported only for a file that has been written.
 void ActionWriteCsv::complete()
 {
     const bool isWritten = flush() && (!m_encoder || write(m_encoder->finish()));

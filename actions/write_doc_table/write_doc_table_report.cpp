@@ -16,6 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+/// Found before a run, which would fail only after it has started to read its input.
 QVector<ParameterProblem> ActionWriteDocTable::problems() const
 {
     QVector<ParameterProblem> found;
@@ -106,6 +107,7 @@ void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &mar
     }
 }
 
+/// Word processors split a marker into several runs when part of it is edited later.
 QByteArray ActionWriteDocTable::searchedBody(const QByteArray &body,
                                              const std::vector<QByteArray> &markers) const
 {
@@ -126,6 +128,7 @@ ActionWriteDocTable::findPlaces(const QByteArray &body,
     return places;
 }
 
+/// Word processors open such a document without a message.
 QStringList ActionWriteDocTable::missingStyles(const QByteArray &styles) const
 {
     QStringList texts;
@@ -187,6 +190,7 @@ void ActionWriteDocTable::reportTexts()
     }
 }
 
+/// Such a marker is inside a tag, for example in an attribute.
 void ActionWriteDocTable::reportLeft(const QByteArray &body,
                                      const std::vector<document::TablePlace> &places)
 {

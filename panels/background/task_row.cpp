@@ -64,6 +64,7 @@ void TaskRow::setNote(const Note &note)
     m_note->setNote(note.kind, note.text);
 }
 
+/// The focus moves with the buttons. A hidden button would pass it to another field.
 void TaskRow::showRunning(bool isRunning)
 {
     const bool hasFocus = m_start->hasFocus() || m_stop->hasFocus();

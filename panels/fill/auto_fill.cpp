@@ -20,6 +20,7 @@ namespace {
 
 constexpr qsizetype kBeginningChars = 60; // of a table in the list
 
+/// The parameter with the levels. -1 for actions that read sheets and have no levels.
 int structureOf(const QVector<ParameterInfo> &infos)
 {
     const auto found = std::find_if(infos.begin(), infos.end(), [](const ParameterInfo &info) {
@@ -64,6 +65,7 @@ AutoFill::AutoFill(UpdateClassWidget *panel)
     column->addWidget(m_picker);
 }
 
+/// Shown only for a file with several tables.
 QWidget *AutoFill::makePicker()
 {
     auto *const picker = new QWidget;
@@ -89,6 +91,7 @@ QWidget *AutoFill::makePicker()
     return picker;
 }
 
+/// Reads with a copy, because the user may edit the action while the file is read.
 void AutoFill::read(int table)
 {
     m_picker->setVisible(false);
@@ -109,6 +112,7 @@ void AutoFill::read(int table)
     });
 }
 
+/// Nothing is filled in before the user has chosen a table.
 void AutoFill::offer(const QVector<InputTable> &tables)
 {
     m_tables->clear();
@@ -161,6 +165,7 @@ void AutoFill::applyElements(const FileFill &fill)
     m_row->setNote({NoteLabel::Kind::Remark, lines.join(u'\n')});
 }
 
+/// A level that is not added is named: the user may want to remove the one in its place.
 QString AutoFill::resultOf(const MergedElements &merged)
 {
     QStringList lines;
@@ -200,6 +205,7 @@ void AutoFill::applySettings(const FileFill &fill)
                                  .arg(labelsOf(fill).last())});
 }
 
+/// Not the levels: reportEdit() sets them last, and saves everything in one step.
 void AutoFill::setSettings(const FileFill &fill)
 {
     for (const FileFill::Value &value : fill.values) {
@@ -217,6 +223,7 @@ void AutoFill::reportEdit(int index, const QString &value)
     panel()->refresh();
 }
 
+/// Without the levels, which are reported by their number.
 QStringList AutoFill::labelsOf(const FileFill &fill) const
 {
     QStringList labels;

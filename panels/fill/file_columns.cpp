@@ -12,6 +12,7 @@ namespace corvanta {
 
 namespace {
 
+/// Not every reader has the parameter.
 void reset(ActionParameters &parameters, const QString &name)
 {
     const int index = parameters.indexOfParameter(name);
@@ -43,6 +44,7 @@ FileColumnPicker::FileColumnPicker(const FieldContext &context)
     layout()->addWidget(m_row);
 }
 
+/// Runs the action itself, so that the columns are those of its output.
 void FileColumnPicker::read()
 {
     if (const QString reason = noFileReason(*context().parameters); !reason.isEmpty()) {

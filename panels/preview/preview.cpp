@@ -26,6 +26,7 @@ QString fileOf(const ActionParameters &parameters)
     return parameters.inputs().value(0);
 }
 
+/// Not every reader has this parameter.
 QString encodingOf(const ActionParameters &parameters)
 {
     const int index = parameters.indexOfParameter(u"encoding"_s);
@@ -65,6 +66,7 @@ Preview::Preview(UpdateClassWidget *panel)
     connect(&m_delay, &QTimer::timeout, this, [this] { read(); });
 }
 
+/// Tab leaves the table, because its cells cannot be edited.
 QLayout *Preview::makeRows()
 {
     m_table->setModel(m_rows);
@@ -81,6 +83,7 @@ QLayout *Preview::makeRows()
     return withCaption(m_note, m_table);
 }
 
+/// Long lines scroll: a wrapped line would look like several records.
 QLayout *Preview::makeText()
 {
     m_text->setObjectName(u"previewText"_s);
@@ -94,6 +97,7 @@ QLayout *Preview::makeText()
     return withCaption(m_caption, m_text);
 }
 
+/// A hidden preview reads nothing; showEvent() makes up for it.
 void Preview::parametersChanged()
 {
     if (isVisible()) {
@@ -108,6 +112,7 @@ void Preview::showEvent(QShowEvent *event)
     m_delay.start(0);
 }
 
+/// The result would not be seen.
 void Preview::hideEvent(QHideEvent *event)
 {
     PanelExtra::hideEvent(event);
@@ -122,6 +127,7 @@ void Preview::resizeEvent(QResizeEvent *event)
                                                      : QBoxLayout::LeftToRight);
 }
 
+/// The same graph gives the same rows, so it is not run again.
 void Preview::read()
 {
     m_delay.setInterval(kDelayMs); // showEvent() sets another one

@@ -10,6 +10,7 @@ namespace {
 
 constexpr qsizetype kCellChars = 200; // a cell may hold a whole document
 
+/// In words, because users need not know the letters of the types.
 QString typeText(const MetaInfo &type)
 {
     switch (type.type()) {
@@ -43,6 +44,7 @@ int RowsModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : static_cast<int>(m_columns.names.size());
 }
 
+/// Italics distinguish a missing value from the text "missing".
 QVariant RowsModel::data(const QModelIndex &index, int role) const
 {
     const QString text = m_rows[index.row()].value(index.column());
@@ -63,6 +65,7 @@ QVariant RowsModel::data(const QModelIndex &index, int role) const
     }
 }
 
+/// The type has a line of its own, so that the column stays as narrow as its name.
 QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {

@@ -16,6 +16,7 @@ namespace {
 
 using Type = ParameterInfo::Type;
 
+/// Not a spin box for numbers, which cannot be empty.
 QLineEdit *makeLine(QWidget *parent, const ParameterInfo &member)
 {
     auto *const line = new QLineEdit(parent);
@@ -27,6 +28,7 @@ QLineEdit *makeLine(QWidget *parent, const ParameterInfo &member)
     return line;
 }
 
+/// Editable, because a value need not be one of the suggestions.
 QComboBox *makeBox(QWidget *parent, const QStringList &texts)
 {
     auto *const box = new QComboBox(parent);
@@ -46,6 +48,7 @@ CellDelegate::CellDelegate(const QVector<ParameterInfo> &members, QObject *paren
 {
 }
 
+/// Only drawn: the cell itself stays empty, and so does the value.
 void CellDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);

@@ -17,6 +17,7 @@ using Place = ParameterInfo::Place;
 
 constexpr auto kString = "s"_L1; // an element of a string list
 
+/// For texts and for attribute values, which are in single quotes.
 QString escaped(const QString &text)
 {
     ToXMLStringTool tool;
@@ -63,6 +64,7 @@ void replaceChildren(Element *parent, const QString &name, std::vector<Element> 
                     std::make_move_iterator(with.end()));
 }
 
+/// An empty value is a list without texts, not a list of one empty text.
 void setStrings(Element *list, const QString &value)
 {
     std::vector<Element> texts;
@@ -72,6 +74,7 @@ void setStrings(Element *list, const QString &value)
     replaceChildren(list, kString, std::move(texts));
 }
 
+/// A list whose name is not that of its items has an element of its own around them.
 bool hasWrapper(const ParameterInfo &list)
 {
     return list.name != list.itemElement;
@@ -84,6 +87,7 @@ Element rootOf(const QString &value)
     return document ? elementOf(*document) : Element();
 }
 
+/// With its attributes and items. Empty if the value has no wrapper.
 Element wholeWrapperOf(const ParameterInfo &list, const QString &value)
 {
     const Element root = rootOf(value);
@@ -119,6 +123,7 @@ void setStringElement(Element *element, const ParameterInfo &member, const QStri
     setStrings(element->child(member.name), value);
 }
 
+/// One of the alternatives is enough.
 bool holds(const ParameterInfo::Condition &condition, const Element &element,
            const ParameterInfo &list)
 {
@@ -170,6 +175,7 @@ std::vector<Element> elementsOf(const ParameterInfo &list, const QString &value)
     return hasWrapper(list) ? wholeWrapperOf(list, value).children : rootOf(value).children;
 }
 
+/// Other children are members of the element, such as the texts of a list.
 std::vector<Element> itemsIn(const Element &parent, const ParameterInfo &list)
 {
     std::vector<Element> items;
@@ -178,6 +184,7 @@ std::vector<Element> itemsIn(const Element &parent, const ParameterInfo &list)
     return items;
 }
 
+/// Its attributes must survive an edit of the items, which are kept apart from it.
 Element wrapperOf(const ParameterInfo &list, const QString &value)
 {
     Element wrapper = hasWrapper(list) ? wholeWrapperOf(list, value) : Element();
@@ -185,6 +192,7 @@ Element wrapperOf(const ParameterInfo &list, const QString &value)
     return wrapper;
 }
 
+/// A wrapper without elements is not saved.
 QString valueOf(const ParameterInfo &list, const std::vector<Element> &elements,
                 const Element &wrapper)
 {
@@ -199,6 +207,7 @@ QString valueOf(const ParameterInfo &list, const std::vector<Element> &elements,
     return whole.xml();
 }
 
+/// Absent members have their defaults, so only those are set that are always saved.
 Element newElement(const ParameterInfo &list)
 {
     Element element;

@@ -26,9 +26,8 @@ constexpr int kRowMargin = 8;       // pixels around the text of a row
 /// The label in two lines, so that a narrow column has room for it.
 QString titleOf(const ParameterInfo &member)
 {
-    const QString unit =
-        member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(unitText(member.unit, 2));
-    QString title = member.label + unit;
+    QString title = member.label;
+    title += member.unit.isEmpty() ? QString() : u" (%1)"_s.arg(unitText(member.unit, 2));
     const qsizetype space = title.lastIndexOf(u' ', title.size() / 2 + 1);
     return space < 0 ? title : title.replace(space, 1, u'\n');
 }
@@ -55,6 +54,7 @@ ElementTable::ElementTable(const FieldContext &context, const Texts &texts)
     setUpHeader();
 }
 
+/// The height does not depend on the rows: fields below must not move when one is added.
 void ElementTable::setUpTable()
 {
     const int height = fontMetrics().lineSpacing() + kRowMargin;
@@ -72,6 +72,7 @@ void ElementTable::setUpTable()
             [this](const QTableWidgetItem *cell) { take(*cell); });
 }
 
+/// Only texts stretch. The other columns need no more room than their titles and values.
 void ElementTable::setUpHeader()
 {
     const QVector<ParameterInfo> &members = context().info.members;
@@ -124,6 +125,7 @@ void ElementTable::setEmptyText(const QString &text)
     m_delegate->setEmptyText(text);
 }
 
+/// The member keeps its value: it is only not shown.
 void ElementTable::hideMember(const QString &name)
 {
     const QVector<ParameterInfo> &members = context().info.members;
@@ -148,6 +150,7 @@ void ElementTable::setValue(const QString &value)
     }
 }
 
+/// The current cell stays, so that the user can continue at the same place.
 void ElementTable::showElements(std::vector<Element> elements)
 {
     const QSignalBlocker blocker(m_table);
@@ -167,6 +170,7 @@ void ElementTable::showElements(std::vector<Element> elements)
     updateCells();
 }
 
+/// Signals are blocked, because a cell that is shown has not been edited.
 void ElementTable::updateCells()
 {
     const QSignalBlocker blocker(m_table);
@@ -194,6 +198,7 @@ void ElementTable::updateCell(int row, int column)
     cell->setToolTip(remark.isEmpty() ? value : remark);
 }
 
+/// The first remark is enough: every cell shows its own.
 ParameterProblem ElementTable::problem() const
 {
     for (const Element &element : m_elements) {
@@ -229,6 +234,7 @@ void ElementTable::reportElements()
     report(valueOf(context().info, reported, m_wrapper));
 }
 
+/// On a copy, because showElements() replaces the elements and all cells.
 void ElementTable::addRow()
 {
     const int row = m_table->currentRow() + 1; // the first one without a current row

@@ -6,6 +6,7 @@ namespace corvanta {
 
 namespace {
 
+/// The other members of a level do not change where its elements are.
 bool isSamePlace(const markup::Level &a, const markup::Level &b)
 {
     return a.initialPath == b.initialPath && a.subtagName == b.subtagName;
@@ -27,6 +28,7 @@ std::vector<const markup::Level *> levelsAt(const SampledLevels &sample, const L
 
 } // namespace
 
+/// Several tables of a file may have the same levels.
 QStringList containersAfter(const SampledLevels &sample, const LevelPlaces &before)
 {
     QStringList paths;
@@ -49,6 +51,7 @@ QStringList repeatedIn(const SampledLevels &sample, const LevelPlaces &levels)
     return names;
 }
 
+/// Also values that the sample left out: the user may want them.
 QStringList valuesIn(const SampledLevels &sample, const LevelPlaces &levels)
 {
     QStringList paths;

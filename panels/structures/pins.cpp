@@ -60,12 +60,14 @@ PinCountField::PinCountField(const FieldContext &context)
     connect(m_box, &QSpinBox::valueChanged, this, [this](int count) { setPinCount(count); });
 }
 
+/// Signals are blocked: a number that is shown must not add or remove pins.
 void PinCountField::setValue(const QString &value)
 {
     const QSignalBlocker blocker(m_box);
     m_box->setValue(value.toInt());
 }
 
+/// The action may refuse, so only a number that has changed is an edit.
 void PinCountField::setPinCount(int count)
 {
     ActionItem *const action = context().action;

@@ -71,6 +71,7 @@ FieldEditor *ReadLevelsEditor::makeColumns(const FieldContext &context)
     return table;
 }
 
+/// Each level is inside the one before it, so its paths depend on all of them.
 LevelPlaces ReadLevelsEditor::placesToCurrent() const
 {
     LevelPlaces places;
@@ -87,6 +88,7 @@ LevelPlaces ReadLevelsEditor::placesToCurrent() const
     return places;
 }
 
+/// A container is searched in the levels before its own.
 QStringList ReadLevelsEditor::pathsFor(const QString &member) const
 {
     LevelPlaces places = placesToCurrent();

@@ -40,6 +40,7 @@ QStringList TextWidthsEditor::textColumns() const
     return names;
 }
 
+/// Columns without a width have a row, too: the user need not type their names.
 std::vector<Element> TextWidthsEditor::withInputColumns(std::vector<Element> elements) const
 {
     const ParameterInfo &list = context().info;
@@ -66,6 +67,7 @@ void TextWidthsEditor::setValue(const QString &value)
     }
 }
 
+/// Rows that only showed a column of the old input are dropped; those with a width stay.
 void TextWidthsEditor::refreshContext()
 {
     std::vector<Element> reported;

@@ -32,6 +32,7 @@ constexpr auto kText = "text"_L1;
 constexpr auto kCalled = "calledLevel"_L1;
 constexpr auto kLevelColumns = "columns"_L1;
 
+/// Levels and items are elements of the same tree, and each list has its own members.
 bool isLevel(const ParameterInfo &list)
 {
     return list.itemElement == kLevel;
@@ -123,6 +124,7 @@ void WriteLevelsEditor::addPreview()
 
 // ---- The fields
 
+/// Levels and columns are chosen from those that exist.
 FieldEditor *WriteLevelsEditor::makeMember(const FieldContext &context)
 {
     const QString name = context.info.name;
@@ -180,6 +182,7 @@ Element WriteLevelsEditor::makeElement(const ParameterInfo &list) const
     return isLevel(list) ? makeLevel(list) : newElement(list);
 }
 
+/// The first level has the items of a complete document. Further levels begin without items.
 Element WriteLevelsEditor::makeLevel(const ParameterInfo &list) const
 {
     const compose::WriteLevel pattern = m_writing.defaultLevels(true, {}).front();
@@ -221,6 +224,7 @@ void WriteLevelsEditor::actionChanged()
     updatePreview();
 }
 
+/// The input is read again only when an action before this one has changed.
 void WriteLevelsEditor::updateRows()
 {
     const PreviewRequest request = requestOf(*context().action);

@@ -1,3 +1,5 @@
+// Tables of levels and items. The formats differ only in the types of their items, so these and
+// their uses are arguments.
 #include "actions/shared/params/write_levels.h"
 
 namespace corvanta {
