@@ -94,11 +94,8 @@ private:
     Compiled someValues(const WriteItem &item) const
     {
         auto columns = m_compiler.find(item.columns);
-        if (!columns) {
-            return columns.fault();
-        }
-        return values(*std::move(columns), item.typeAs<JsonItem>() == JsonItem::SomeDictionary,
-                      item.p1);
+        const bool isDictionary = item.typeAs<JsonItem>() == JsonItem::SomeDictionary;
+        return columns ? values(*std::move(columns), isDictionary, item.p1) : columns.fault();
     }
 
     Compiled comma(size_t level, size_t index) const

@@ -7,13 +7,9 @@ namespace corvanta::csv {
 /// The same rule as in the run: what is null there must not decide a kind here.
 inline bool RecordScan::isNull(const Field &field) const
 {
-    if (field.isQuoted) {
-        return false;
-    }
-    return field.size == 0 || std::any_of(m_rules.nullValues.begin(), m_rules.nullValues.end(),
-                                          [&](const QByteArray &null) {
-                                              return null == QByteArrayView(field.text, field.size);
-                                          });
+    const QByteArrayView text(field.text, field.size);
+    const auto isSame = [&](const QByteArray &null) { return null == text; };
+    return !field.isQuoted && (text.isEmpty() || std::ranges::any_of(m_rules.nullValues, isSame));
 }
 
 inline std::string_view RecordScan::valueOf(size_t column, const Field &field) const

@@ -41,10 +41,8 @@ Result<QByteArray, Error> PackageCopy::read(const QByteArray &part)
 {
     const QByteArray member = memberOf(part);
     auto content = m_source.readWhole(member);
-    if (!content) {
-        return memberFault(content.fault().code, member);
-    }
-    return std::move(*content);
+    return content ? Result<QByteArray, Error>(*std::move(content))
+                   : memberFault(content.fault().code, member);
 }
 
 Result<void, Error>

@@ -58,9 +58,7 @@ ColumnMeter::ColumnMeter(Setup setup)
     : m_setup(std::move(setup))
     , m_widths(m_setup.columns.size())
 {
-    for (const QString &code : m_setup.formats) {
-        m_formatWidths.push_back(widthOfFormat(code));
-    }
+    m_formatWidths = mapped<std::vector<double>>(m_setup.formats, widthOfFormat);
     m_formatWidths.resize(m_setup.columns.size());
 }
 

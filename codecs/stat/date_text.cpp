@@ -242,10 +242,7 @@ std::optional<qint64> toMicros(double number, qint64 unitMicros)
 {
     constexpr double kMost = 4e17; // 12,000 years
     const double micros = number * static_cast<double>(unitMicros);
-    if (!(std::abs(micros) < kMost)) {
-        return std::nullopt;
-    }
-    return std::llround(micros);
+    return std::abs(micros) < kMost ? std::optional<qint64>(std::llround(micros)) : std::nullopt;
 }
 
 /// Rounds down, so that moments before the epoch are in the right day.

@@ -187,10 +187,7 @@ OccurrenceReader::Found OccurrenceReader::endOfData()
 {
     m_ended = true;
     const bool hasStrayText = m_json != nullptr && m_unread.strayTexts.any();
-    if (!m_sawContent && !hasStrayText) {
-        return faultHere(MarkupError::NoTagFound);
-    }
-    return kNoOccurrence;
+    return m_sawContent || hasStrayText ? Found(kNoOccurrence) : faultHere(MarkupError::NoTagFound);
 }
 
 /// An element begins inside the open part of the path.
