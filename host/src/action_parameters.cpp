@@ -57,13 +57,10 @@ namespace {
 
 bool holds(const ParameterInfo::Condition &condition, const ActionParameters &parameters)
 {
-    const QString value =
-        parameters.parameterValue(parameters.indexOfParameter(condition.parameter));
-    return condition.values.contains(value) != condition.isExcluded ||
-           std::any_of(condition.alternatives.begin(), condition.alternatives.end(),
-                       [&](const ParameterInfo::Condition &alternative) {
-                           return holds(alternative, parameters);
-                       });
+    const int index = parameters.indexOfParameter(condition.parameter);
+    return condition.values.contains(parameters.parameterValue(index)) != condition.isExcluded ||
+           std::ranges::any_of(condition.alternatives,
+                               [&](const auto &other) { return holds(other, parameters); });
 }
 
 } // namespace

@@ -188,12 +188,10 @@ void ActionRegistry::add(CorvantaPluginInterface *plugin)
 
 ActionItem *ActionRegistry::prototype(const QString &typeName) const
 {
-    for (const auto &action : m_prototypes) {
-        if (typeName == QLatin1StringView(action->getTypeName())) {
-            return action.get();
-        }
-    }
-    return nullptr;
+    const auto found = std::ranges::find_if(m_prototypes, [&](const auto &action) {
+        return typeName == QLatin1StringView(action->getTypeName());
+    });
+    return found == m_prototypes.end() ? nullptr : found->get();
 }
 
 QStringList ActionRegistry::typeNames() const

@@ -34,10 +34,8 @@ Result<QStringList, OpenError> zipMembers(const QString &path, MyReadFile &file)
 Result<QStringList, OpenError> rarMembers(const QString &path, MyReadFile &file)
 {
     auto names = rar::entryNames(file);
-    if (!names) {
-        return Fault{OpenError::Refused, reasonOf(path, file, names.fault().detail)};
-    }
-    return *std::move(names);
+    return names ? Result<QStringList, OpenError>(*std::move(names))
+                 : Fault{OpenError::Refused, reasonOf(path, file, names.fault().detail)};
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // The tree of saved parameters and its parser.
 #include "corvanta/xml_node.h"
 
+#include "base/mapped.h"
+
 #include <QVector>
 #include <QXmlStreamReader>
 
@@ -163,13 +165,8 @@ const char16_t *XMLNode::getAttribute(const char *name, int *) const
 
 QStringList XMLNode::attributeNames() const
 {
-    QStringList names;
-    if (m_data) {
-        for (const auto &[attribute, value] : m_data->attributes) {
-            names << attribute;
-        }
-    }
-    return names;
+    const auto nameOf = [](const auto &attribute) { return attribute.first; };
+    return m_data ? corvanta::mapped<QStringList>(m_data->attributes, nameOf) : QStringList();
 }
 
 int XMLNode::nChildNode() const

@@ -12,6 +12,7 @@
 // blocks its producers: no waits form one.
 #include "corvanta/run.h"
 
+#include "base/mapped.h"
 #include "base/platform/stop_scope.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/main_ui.h"
@@ -451,11 +452,9 @@ const CorvantaGraph::Problems &Run::problems() const
 
 QVector<ActionProgress> Run::progress() const
 {
-    QVector<ActionProgress> all;
-    for (const auto &node : d->nodes) {
-        all << progressOf(node->id, *node->action, *node->ports, node->state);
-    }
-    return all;
+    return mapped<QVector<ActionProgress>>(d->nodes, [](const auto &node) {
+        return progressOf(node->id, *node->action, *node->ports, node->state);
+    });
 }
 
 const RunControl &Run::control() const

@@ -31,12 +31,9 @@ void RunSequence::set(int action, bool State::*what)
 
 void RunSequence::wait(const QVector<int> &actions, bool State::*what, const RunControl &control)
 {
+    const auto has = [&](int action) { return m_states.at(action).*what; };
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [&] {
-        return !control.isRunning() || std::all_of(actions.begin(), actions.end(), [&](int other) {
-            return m_states.at(other).*what;
-        });
-    });
+    m_changed.wait(lock, [&] { return !control.isRunning() || std::ranges::all_of(actions, has); });
 }
 
 void RunSequence::wakeAll()

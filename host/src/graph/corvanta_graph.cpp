@@ -6,16 +6,13 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <unordered_set>
 
 int CorvantaGraph::indexOf(const QString &id) const
 {
-    for (int i = 0; i < actions.size(); ++i) {
-        if (actions[i].id == id) {
-            return i;
-        }
-    }
-    return -1;
+    const auto found = std::ranges::find(actions, id, &Action::id);
+    return found == actions.end() ? -1 : static_cast<int>(found - actions.begin());
 }
 
 CorvantaGraph CorvantaGraph::upTo(const QString &id) const

@@ -309,8 +309,7 @@ void ParamLines::saveAction(const void *params, const void *defaults, std::wostr
 /// is not saved: the form of an element never depends on values.
 ParamLines::End ParamLines::end() const
 {
-    const auto child = std::find_if(m_lines.begin(), m_lines.end(),
-                                    [](const ParamLine &line) { return !line.isAttribute(); });
+    const auto child = std::ranges::find(m_lines, false, &ParamLine::isAttribute);
     if (child == m_lines.end()) {
         return End::Empty;
     }

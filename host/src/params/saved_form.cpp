@@ -138,10 +138,8 @@ private:
 const ParameterInfo *find(const QVector<ParameterInfo> &infos, ParameterInfo::Place place,
                           const QString &name)
 {
-    const auto found =
-        std::find_if(infos.begin(), infos.end(), [&](const ParameterInfo &candidate) {
-            return candidate.place == place && candidate.name == name;
-        });
+    const auto isIt = [&](const auto &info) { return info.place == place && info.name == name; };
+    const auto found = std::ranges::find_if(infos, isIt);
     return found == infos.end() ? nullptr : &*found;
 }
 
