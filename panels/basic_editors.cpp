@@ -2,6 +2,7 @@
 // signals for both.
 #include "panels/basic_editors.h"
 
+#include "base/mapped.h"
 #include "base/number.h"
 #include "panels/note_label.h"
 
@@ -66,12 +67,10 @@ QVector<std::pair<QString, QString>> numbered(const QStringList &texts)
 
 QVector<std::pair<QString, QString>> named(std::span<const NamedValue> values)
 {
-    QVector<std::pair<QString, QString>> choices;
-    for (const NamedValue &each : values) {
-        choices.append(
-            {QString::fromUtf8(each.value), QCoreApplication::translate("Panels", each.meaning)});
-    }
-    return choices;
+    return mapped<QVector<std::pair<QString, QString>>>(values, [](const NamedValue &each) {
+        return std::pair(QString::fromUtf8(each.value),
+                         QCoreApplication::translate("Panels", each.meaning));
+    });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "panels/column_picker.h"
 
+#include "base/mapped.h"
 #include "panels/basic_editors.h"
 #include "panels/glyphs.h"
 
@@ -169,11 +170,7 @@ QStringList ListEditor::chosen() const
 
 QStringList ListEditor::named() const
 {
-    QStringList names = chosen();
-    for (QString &name : names) {
-        name = offeredOf(name);
-    }
-    return names;
+    return mapped<QStringList>(chosen(), [this](const QString &name) { return offeredOf(name); });
 }
 
 QStringList ListEditor::unknown() const

@@ -1,5 +1,6 @@
 #include "panels/file_field.h"
 
+#include "base/mapped.h"
 #include "corvanta/action_item.h"
 #include "corvanta/corvanta_graph.h"
 #include "corvanta/file_dialogs.h"
@@ -16,6 +17,9 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QToolButton>
+#include <QUrl>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -26,10 +30,8 @@ namespace {
 /// The filter of a file dialog. Extensions come without a dot.
 QString fileFilter(const QStringList &extensions)
 {
-    QStringList patterns;
-    for (const QString &extension : extensions) {
-        patterns << u"*."_s + extension.toLower();
-    }
+    const auto patternOf = [](const QString &extension) { return u"*."_s + extension.toLower(); };
+    const auto patterns = mapped<QStringList>(extensions, patternOf);
     const QString all = FileField::tr("All files (*)");
     return patterns.isEmpty() ? all : FileField::tr("Files (%1);;%2").arg(patterns.join(u' '), all);
 }
@@ -37,12 +39,9 @@ QString fileFilter(const QStringList &extensions)
 /// The first local file of dropped data; empty if there is none.
 QString droppedFile(const QMimeData &data)
 {
-    for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile()) {
-            return url.toLocalFile();
-        }
-    }
-    return {};
+    const QList<QUrl> urls = data.urls();
+    const auto found = std::ranges::find_if(urls, &QUrl::isLocalFile);
+    return found == urls.end() ? QString() : found->toLocalFile();
 }
 
 /// The variables that a name may contain: those of the graph and the built-in ones.

@@ -2,6 +2,7 @@
 // the cursor.
 #include "panels/suggestion_field.h"
 
+#include "base/mapped.h"
 #include "panels/basic_editors.h"
 #include "panels/note_label.h"
 
@@ -32,11 +33,8 @@ QStringList textsOf(const QComboBox &box)
 
 QStringList valuesOf(std::span<const NamedValue> named)
 {
-    QStringList values;
-    for (const NamedValue &each : named) {
-        values << QString::fromUtf8(each.value);
-    }
-    return values;
+    return mapped<QStringList>(
+        named, [](const NamedValue &each) { return QString::fromUtf8(each.value); });
 }
 
 /// Draws the meaning of a value after it. The text of the item must be the value only, because

@@ -244,10 +244,9 @@ bool ActionWriteReport::writeDocument()
     const QString name = templateFile();
     // The extension decides where charts are, before any file is opened.
     const QByteArray folder = chartFolderOf(name);
-    if (folder.isEmpty()) {
-        return fail(unknownExtension(name), u"save the template as one of these first"_s);
-    }
-    return writeCopyOf(name, folder);
+    return folder.isEmpty()
+               ? fail(unknownExtension(name), u"save the template as one of these first"_s)
+               : writeCopyOf(name, folder);
 }
 
 bool ActionWriteReport::writeCopyOf(const QString &name, const QByteArray &folder)

@@ -1,5 +1,6 @@
 #include "panels/structures/element.h"
 
+#include "base/mapped.h"
 #include "corvanta/xml_node.h"
 
 #include <QStringList>
@@ -67,11 +68,9 @@ void replaceChildren(Element *parent, const QString &name, std::vector<Element> 
 /// An empty value is a list without texts, not a list of one empty text.
 void setStrings(Element *list, const QString &value)
 {
-    std::vector<Element> texts;
-    for (const QString &text : value.isEmpty() ? QStringList() : value.split(u'\n')) {
-        texts.push_back({kString, {}, text, {}});
-    }
-    replaceChildren(list, kString, std::move(texts));
+    const auto stringOf = [](const QString &text) { return Element{kString, {}, text, {}}; };
+    const QStringList texts = value.isEmpty() ? QStringList() : value.split(u'\n');
+    replaceChildren(list, kString, mapped<std::vector<Element>>(texts, stringOf));
 }
 
 /// A list whose name is not that of its items has an element of its own around them.

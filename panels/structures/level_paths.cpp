@@ -1,5 +1,7 @@
 #include "panels/structures/level_paths.h"
 
+#include "base/mapped.h"
+
 #include <algorithm>
 
 namespace corvanta {
@@ -31,10 +33,8 @@ std::vector<const markup::Level *> levelsAt(const SampledLevels &sample, const L
 /// Several tables of a file may have the same levels.
 QStringList containersAfter(const SampledLevels &sample, const LevelPlaces &before)
 {
-    QStringList paths;
-    for (const markup::Level *const level : levelsAt(sample, before, before.size())) {
-        paths << level->initialPath;
-    }
+    auto paths = mapped<QStringList>(levelsAt(sample, before, before.size()),
+                                     [](const auto *level) { return level->initialPath; });
     paths.removeDuplicates();
     return paths;
 }
