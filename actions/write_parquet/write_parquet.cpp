@@ -249,12 +249,10 @@ parquet::Storage ActionWriteParquet::storageOf(const OneRow &columns, int column
 
 std::optional<parquet::Storage> ActionWriteParquet::listedStorage(const QString &column) const
 {
-    for (const TypedList &list : kTypedLists) {
-        if (m_params.logicalTypes && (m_params.*list.columns).contains(column)) {
-            return list.storage;
-        }
-    }
-    return std::nullopt;
+    const auto *const found = std::ranges::find_if(kTypedLists, [&](const TypedList &list) {
+        return m_params.logicalTypes && (m_params.*list.columns).contains(column);
+    });
+    return found == std::end(kTypedLists) ? std::nullopt : std::optional(found->storage);
 }
 
 bool ActionWriteParquet::checkTyped(const parquet::WriterColumn &column)

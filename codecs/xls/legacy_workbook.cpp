@@ -139,10 +139,8 @@ sheet::WorkbookResult<const SheetScan *> LegacyWorkbook::scan(size_t index)
 sheet::WorkbookResult<sheet::SheetLayout> LegacyWorkbook::layout(size_t index)
 {
     auto scanned = scan(index);
-    if (!scanned) {
-        return scanned.fault();
-    }
-    return (*scanned)->layout;
+    return scanned ? sheet::WorkbookResult<sheet::SheetLayout>((*scanned)->layout)
+                   : scanned.fault();
 }
 
 void LegacyWorkbook::readSharedTexts()

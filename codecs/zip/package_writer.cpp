@@ -112,10 +112,7 @@ Result<void, Error> PackageWriter::openMember(QByteArrayView name)
 Result<std::span<char>, Error> PackageWriter::room(size_t n)
 {
     auto span = m_stream.room(n);
-    if (!span) {
-        return faultOf(span.fault());
-    }
-    return *span;
+    return span ? Result<std::span<char>, Error>(*span) : faultOf(span.fault());
 }
 
 Result<void, Error> PackageWriter::write(QByteArrayView bytes)

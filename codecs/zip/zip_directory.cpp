@@ -281,10 +281,9 @@ bool setDataLimits(std::vector<Member> &members, qint64 directoryOffset)
 Result<QByteArray, Error> readAt(ByteSource &source, qint64 offset, qint64 n)
 {
     QByteArray bytes(n, Qt::Uninitialized);
-    if (!source.seek(offset) || readFully(source, bytes.data(), n) != n) {
-        return Fault{Error::ReadFailed, {}, offset};
-    }
-    return bytes;
+    const bool isRead = source.seek(offset) && readFully(source, bytes.data(), n) == n;
+    return isRead ? Result<QByteArray, Error>(std::move(bytes))
+                  : Fault{Error::ReadFailed, {}, offset};
 }
 
 namespace {

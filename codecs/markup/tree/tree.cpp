@@ -79,10 +79,9 @@ std::u16string MarkupNode::clear(qsizetype i) const
 MarkupNode::Attribute MarkupNode::attribute(qsizetype i) const
 {
     const quint32 index = find(ItemKind::Attribute, i);
-    if (index == MarkupTree::kNone) {
-        return {};
-    }
-    return {decoded(m_tree->raw(index)), decoded(m_tree->value(m_tree->item(index)))};
+    return index == MarkupTree::kNone ? Attribute()
+                                      : Attribute{decoded(m_tree->raw(index)),
+                                                  decoded(m_tree->value(m_tree->item(index)))};
 }
 
 MarkupTreeBuilder::MarkupTreeBuilder() = default;
