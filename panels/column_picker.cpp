@@ -72,6 +72,7 @@ ColumnField::ColumnField(const FieldContext &context)
     refreshContext();
 }
 
+/// Without known columns the user must type the name.
 void ColumnField::refreshContext()
 {
     SuggestionField::refreshContext();
@@ -241,6 +242,7 @@ void ListEditor::setValue(const QString &value)
     markUnknown();
 }
 
+/// A single text is edited at once where something must be added to it, such as a new name.
 void ListEditor::add(const QStringList &texts)
 {
     int row = m_list->currentRow() < 0 ? m_list->count() : m_list->currentRow() + 1;
@@ -254,6 +256,7 @@ void ListEditor::add(const QStringList &texts)
     }
 }
 
+/// Selects the text from `start`, which the user is expected to replace.
 void ListEditor::editCurrent(qsizetype start)
 {
     QListWidgetItem *const item = m_list->currentItem();
@@ -278,6 +281,7 @@ void ListEditor::removeSelected()
     reportList();
 }
 
+/// The line is taken out and inserted again, because a list has no other way to move it.
 void ListEditor::moveCurrent(int by)
 {
     const int from = m_list->currentRow(); // -1 without a current line

@@ -140,6 +140,7 @@ void StructureEditor::showElements(std::vector<Element> elements)
     showFields();
 }
 
+/// For edits of several elements, which are one step for the user.
 void StructureEditor::replaceElements(std::vector<Element> elements)
 {
     showElements(std::move(elements));
@@ -279,6 +280,7 @@ void StructureEditor::addField(int index)
     m_fields.push_back(field);
 }
 
+/// Only the fields depend on the input: the tree shows what is saved.
 void StructureEditor::refreshContext()
 {
     for (const Field &field : m_fields) {

@@ -56,6 +56,7 @@ QString faultText(xlsx::NameFault fault, const QString &similar)
     return fault == xlsx::NameFault::OnlyCase ? text.arg(similar) : text;
 }
 
+/// A cell may hold a whole document, so only its beginning is shown.
 QString shown(std::u16string_view text)
 {
     const QString whole(reinterpret_cast<const QChar *>(text.data()),
@@ -65,6 +66,7 @@ QString shown(std::u16string_view text)
 
 } // namespace
 
+/// Counted here and reported at the end: a warning per cell would hide all others.
 void ActionWriteExcel::takeCellProblem(sheet::CellProblem problem, int column,
                                        std::u16string_view text)
 {
@@ -154,6 +156,7 @@ void ActionWriteExcel::reportExtraWidths(size_t widths, size_t columns)
     }
 }
 
+/// A defined name cannot cover several sheets.
 void ActionWriteExcel::reportNextSheet(const QString &full, const QString &next, bool isFirst)
 {
     MainUI::addLog(
@@ -190,6 +193,7 @@ void ActionWriteExcel::reportSheetName(const QString &name, const QStringList &o
     }
 }
 
+/// Names that differ only in letter case are one name in a workbook.
 void ActionWriteExcel::reportRangeName(const QStringList &others)
 {
     const QString &name = m_params.namedRange;

@@ -177,6 +177,7 @@ void Preview::fitColumns()
     }
 }
 
+/// Shown even when the run fails: the text helps to find the cause.
 void Preview::showText(const RawText &raw)
 {
     m_text->setPlainText(raw.text);

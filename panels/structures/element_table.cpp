@@ -256,6 +256,7 @@ void ElementTable::removeRow()
     }
 }
 
+/// The current cell moves with its row, so that it can be moved further.
 void ElementTable::moveRow(int by)
 {
     const int from = m_table->currentRow();

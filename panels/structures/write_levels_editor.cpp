@@ -147,6 +147,7 @@ QStringList WriteLevelsEditor::levelNames() const
     });
 }
 
+/// A level is known by its name, an item by its type and by what it writes.
 QString WriteLevelsEditor::summary(const Element &element, const ParameterInfo &list,
                                    int index) const
 {
