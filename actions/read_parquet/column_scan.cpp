@@ -79,11 +79,7 @@ char letterOf(const parquet::Column &column)
 /// Decimals of few digits are numbers, although the reader gives them as texts.
 ColumnKind kindOf(const parquet::Column &column)
 {
-    ColumnKind kind;
-    kind.column = column.name;
-    kind.kind = kindOf(column.form);
-    kind.letter = letterOf(column);
-    return kind;
+    return {.column = column.name, .kind = kindOf(column.form), .letter = letterOf(column)};
 }
 
 bool isTime(ValueKind kind)

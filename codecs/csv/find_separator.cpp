@@ -57,11 +57,9 @@ std::vector<size_t> fieldCounts(std::string_view beginning, bool isWhole, const 
 Split splitBy(std::string_view beginning, bool isWhole, const Dialect &dialect)
 {
     const std::vector<size_t> counts = fieldCounts(beginning, isWhole, dialect);
-    if (counts.empty()) {
-        return {};
-    }
-    return {counts.front(), counts.size(),
-            static_cast<size_t>(std::count(counts.begin(), counts.end(), counts.front()))};
+    return counts.empty() ? Split()
+                          : Split{counts.front(), counts.size(),
+                                  static_cast<size_t>(std::ranges::count(counts, counts.front()))};
 }
 
 /// Whether `one` is more regular, or as regular with more fields.
