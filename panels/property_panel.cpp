@@ -422,6 +422,7 @@ bool PropertyPanel::hasOtherDefault(const Row &row) const
     return isSet && !(info.isRequired && info.defaultValue.isEmpty());
 }
 
+/// A step of its own, so that undo brings back the value before it.
 void PropertyPanel::reset(Row &row)
 {
     const QString value = m_infos[row.index].defaultValue;
@@ -493,6 +494,7 @@ ParameterProblem PropertyPanel::problemOf(const Row &row) const
     return found != m_problems.end() ? *found : row.editor->problem();
 }
 
+/// All rows, because the condition of one depends on the values of others.
 void PropertyPanel::updateRows()
 {
     for (Row &row : m_rows) {
@@ -520,6 +522,7 @@ void PropertyPanel::updateRows()
     }
 }
 
+/// A row that is not used shows its condition in place of its problems.
 void PropertyPanel::showNote(Row &row, bool showsCondition)
 {
     const bool isMissing = m_infos[row.index].isRequired && !row.isEdited &&

@@ -84,6 +84,7 @@ void ReadWorkbook::start()
     m_run = expandedParams();
 }
 
+/// Expanded once per run, so that all files are read with the same values.
 ReadExcelParams ReadWorkbook::expandedParams() const
 {
     ReadExcelParams params = readerParams();
@@ -140,6 +141,7 @@ void ReadWorkbook::setScanned(sheet::WorkbookReader *reader)
 
 // ---- Before the first row.
 
+/// The types are decided before the first row, so that all files have the same columns.
 bool ReadWorkbook::prepare()
 {
     if (const QString unused = unusedName(); !unused.isEmpty()) {
@@ -182,6 +184,7 @@ bool ReadWorkbook::planFiles(const QStringList &files)
     return runIsGood();
 }
 
+/// Only a missing file is tried again: a damaged one stays damaged.
 std::optional<OpenWorkbook> ReadWorkbook::openWithRetries(const QString &name)
 {
     auto opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Failure);
@@ -213,6 +216,7 @@ bool ReadWorkbook::reportOpenFault(const QString &name, const Fault<WorkbookOpen
     return continues;
 }
 
+/// A single workbook stays open: it would be opened again for its rows.
 bool ReadWorkbook::planFile(const QString &name, bool keepsOpen)
 {
     auto workbook = openWithRetries(name);
@@ -266,6 +270,7 @@ bool ReadWorkbook::reportTaskFault(const QString &name, const Fault<TaskError> &
                : failWorkbook(*this, workbookFormat(), name, why.code, describe(why, source));
 }
 
+/// The sheets of all files are one table, so their columns must match.
 bool ReadWorkbook::addColumns(const QString &name, const PlannedFile &file)
 {
     for (size_t i = 0; i < file.tasks.size(); ++i) {

@@ -157,6 +157,7 @@ bool ActionWriteReport::step()
     return pins == Pins::Interrupted;
 }
 
+/// A document of a failed run is not committed: the old one stays.
 void ActionWriteReport::finish()
 {
     if (m_run.isWritten && runIsGood()) {
@@ -220,6 +221,7 @@ bool ActionWriteReport::startPin(const OneRow &columns)
            failColumn(*missing, m_run.pin, missingColumnReason(*missing, columns.schema().names));
 }
 
+/// The reason may be a similar name, which the user probably meant.
 bool ActionWriteReport::failColumn(const QString &column, int pin, const QString &reason)
 {
     return fail(
@@ -227,6 +229,7 @@ bool ActionWriteReport::failColumn(const QString &column, int pin, const QString
         reason);
 }
 
+/// A name after ">" is that of a template that is installed with the program.
 QString ActionWriteReport::templateFile() const
 {
     return m_params.templateName.startsWith(u'>')

@@ -141,6 +141,7 @@ void AutoFill::apply(const FileFill &fill)
     }
 }
 
+/// Adds what is missing: levels and columns that the user has changed stay.
 void AutoFill::applyElements(const FileFill &fill)
 {
     const auto found =
