@@ -320,6 +320,7 @@ void PropertyPanel::alignLabels()
     }
 }
 
+/// The fields do not scroll sideways, so the panel is never narrower than they are.
 void PropertyPanel::updateMinimumWidth()
 {
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
@@ -349,6 +350,7 @@ QSize PropertyPanel::sizeHint() const
     return {width, qMin(kMaxHeight, height)};
 }
 
+/// The colors of a desktop may have too little contrast.
 void PropertyPanel::updatePalette()
 {
     const QPalette base =

@@ -103,6 +103,7 @@ QString ReadWorkbook::unusedName() const
                : QString::fromLatin1(kUnusedName).arg(name);
 }
 
+/// In the language of the user, while the same warning of a run is in English.
 QVector<ParameterProblem> ReadWorkbook::problems() const
 {
     if (unusedName().isEmpty()) {
@@ -157,6 +158,7 @@ bool ReadWorkbook::prepare()
     return m_series.openNext();
 }
 
+/// Names from a pin may be patterns, too.
 bool ReadWorkbook::listFiles(QStringList *files)
 {
     if (!m_run.fileNameFromPin) {

@@ -213,6 +213,7 @@ ActionWriteReport::Pins ActionWriteReport::readPin()
     return isGood ? Pins::Read : Pins::Failed;
 }
 
+/// A pin is started by its columns, with or without rows.
 bool ActionWriteReport::startPin(const OneRow &columns)
 {
     m_run.isPinStarted = true;

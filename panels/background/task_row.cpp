@@ -76,6 +76,7 @@ void TaskRow::showRunning(bool isRunning)
     }
 }
 
+/// The row is idle immediately, even if the reading takes a moment to end.
 void TaskRow::stop()
 {
     m_worker.stop();

@@ -130,6 +130,7 @@ void AutoFill::offer(const QVector<InputTable> &tables)
                                     : tr("The file has %n sheets. Choose one.", nullptr, count)});
 }
 
+/// A file that cannot be read changes nothing.
 void AutoFill::apply(const FileFill &fill)
 {
     if (fill.problem.kind == NoteLabel::Kind::Error) {

@@ -33,6 +33,7 @@ QString encodingOf(const ActionParameters &parameters)
     return index < 0 ? QString() : parameters.parameterValue(index);
 }
 
+/// The caption is close to its content, so that it is clear what it describes.
 QLayout *withCaption(NoteLabel *caption, QWidget *content)
 {
     auto *const column = new QVBoxLayout;

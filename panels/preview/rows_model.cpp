@@ -26,6 +26,7 @@ QString typeText(const MetaInfo &type)
 
 } // namespace
 
+/// Other rows may have other columns, so the views must start again.
 void RowsModel::setRows(const TableSchema &columns, const QVector<QStringList> &rows)
 {
     beginResetModel();

@@ -264,6 +264,7 @@ QString memberValue(const Element &element, const ParameterInfo &list, const QSt
     return memberValue(element, *memberOf(list, name));
 }
 
+/// A member without conditions is always used.
 bool isUsed(const Element &element, const ParameterInfo &list, const ParameterInfo &member)
 {
     return std::all_of(member.conditions.begin(), member.conditions.end(),

@@ -108,6 +108,7 @@ void ElementTable::updateMinimumWidth()
     m_table->setMinimumWidth(widest * texts + others + 2 * m_table->frameWidth());
 }
 
+/// The numbers take room, so the minimum width changes.
 void ElementTable::showRowNumbers(const QString &format)
 {
     m_rowFormat = format;

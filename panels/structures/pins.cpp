@@ -26,6 +26,7 @@ void refreshPanelOf(const QWidget &field)
     }
 }
 
+/// Pins are added and removed one by one, because the action may refuse each of them.
 void changePins(ActionItem *action, int count)
 {
     int before = -1; // the action stops where it refuses

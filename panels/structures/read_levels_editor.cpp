@@ -62,6 +62,7 @@ FieldEditor *ReadLevelsEditor::makeMember(const FieldContext &context)
     return makeEditor(context);
 }
 
+/// Only the paths are suggested: the user chooses the names.
 FieldEditor *ReadLevelsEditor::makeColumns(const FieldContext &context)
 {
     auto *const table = new ElementTable(context, {tr("Add a column"), tr("Remove the column")});

@@ -76,6 +76,7 @@ void TextWidthsEditor::refreshContext()
     showElements(withInputColumns(std::move(reported)));
 }
 
+/// What an empty cell means depends on another parameter.
 void TextWidthsEditor::actionChanged()
 {
     const QString text = isMeasured() ? tr("automatic") : tr("none");

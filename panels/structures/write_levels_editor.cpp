@@ -251,6 +251,7 @@ void WriteLevelsEditor::updateRows()
         [](const QString &) {}); // sample values are shown
 }
 
+/// Sample values show the form of the file where the rows of the input are not known.
 void WriteLevelsEditor::updatePreview()
 {
     const bool isSample = m_rows.rows.isEmpty();
