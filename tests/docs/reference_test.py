@@ -180,9 +180,10 @@ class Completions(unittest.TestCase):
     def test_fish(self):
         for line, first in (("corvanta conv", "convert"), ("corvanta describe writeE", "writeExcel"), ("corvanta run m", "main.graph"),
                             ("corvanta convert elements.csv out.xlsx --writer sheetN", "sheetName=")):
-            environment = {**os.environ, "PATH": f"{pathlib.Path(CORVANTA).parent}:{os.environ['PATH']}", "HOME": "/nonexistent"}
-            done = subprocess.run(["fish", "--no-config", "-c", f"source {FISH}; complete -C '{line}'"], cwd=ROOT / "examples", env=environment,
-                                  capture_output=True, text=True, check=True)
+            with tempfile.TemporaryDirectory() as home:
+                environment = {**os.environ, "PATH": f"{pathlib.Path(CORVANTA).parent}:{os.environ['PATH']}", "HOME": home}
+                done = subprocess.run(["fish", "--no-config", "-c", f"source {FISH}; complete -C '{line}'"], cwd=ROOT / "examples", env=environment,
+                                      capture_output=True, text=True, check=True)
             self.assertEqual(done.stdout.partition("\t")[0].split()[:1], [first], line)
 
 
