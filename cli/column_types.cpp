@@ -115,7 +115,13 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
     }
     // Letters need only the names of the columns.
     const bool isGiven = types.rule == Rule::Letters;
-    auto kinds = reader->columnKinds(isGiven ? ActionParameters::KindExtent::Sample : extent);
+    const auto examine = [&] {
+        return reader->columnKinds(isGiven ? ActionParameters::KindExtent::Sample : extent);
+    };
+    auto kinds = examine();
+    if (!kinds) {
+        kinds = examine(); // a failure of the system may be over: the output must not depend on it
+    }
     if (!kinds) {
         // The run says why, unless the file can be read by then.
         if (QFileInfo::exists(fileName)) {
