@@ -87,7 +87,7 @@ bool isUsableQuote(const ReadCsvParams &params)
            (isOneCharacter(params.quote) && params.quote != params.separator);
 }
 
-/// The decimal sign and the quote must not be mistaken for the end of a field.
+/// The decimal sign and the quote must differ from what ends a field.
 QVector<ParameterProblem> characterProblems(const QString &name, const QString &value, bool isValid)
 {
     const QString text = QCoreApplication::translate(

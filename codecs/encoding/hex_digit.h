@@ -3,7 +3,7 @@
 
 namespace corvanta {
 
-/// 0 to 15, in any letter case; -1: not a digit. Not a Result, because it runs for every digit.
+/// 0 to 15, in any letter case; -1 for any other character. An int is cheaper than a Result here.
 constexpr int hexDigit(char32_t c)
 {
     const char32_t lower = c | 0x20;

@@ -127,7 +127,7 @@ private:
     CanvasView *view() const { return static_cast<CanvasView *>(widget()); }
 };
 
-/// Called by Qt for every object until a factory knows it.
+/// Qt asks every installed factory in turn until one returns an interface.
 QAccessibleInterface *makeAccess(const QString &, QObject *object)
 {
     if (auto *const node = qobject_cast<NodeItem *>(object)) {

@@ -188,7 +188,7 @@ bool CanvasView::exportTo(const QString &file, QString *why)
     return exportGraph(*m_scene, file, why);
 }
 
-// One step for everything.
+// All of the selection is one undo step.
 void CanvasView::removeSelection()
 {
     m_document.remove(m_scene->selectedIds(), m_scene->selectedLinks());

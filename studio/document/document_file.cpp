@@ -130,7 +130,7 @@ void DocumentFile::writeRecovery()
         m_lock = lockOf(m_recovery);
         m_lock->tryLock();
     }
-    // Not a TargetFile: its flush to the device would take too long for every edit.
+    // A TargetFile would flush to the device, which is too slow for each edit.
     QSaveFile file(m_recovery);
     const QJsonObject head{{u"original"_s, m_document.fileName()}};
     if (file.open(QIODevice::WriteOnly)) {

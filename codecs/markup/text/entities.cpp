@@ -43,7 +43,7 @@ char lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
-/// The value of a digit, or -1. Not a Result, because it runs for every digit.
+/// The value of a digit, or -1, which is cheaper than a Result.
 int digitValue(char c, int base)
 {
     const int value = hexDigit(static_cast<uchar>(c));

@@ -69,7 +69,7 @@ private:
 
     QPointer<GraphDocument> m_document;
     QStringList m_ids;
-    QPointer<QWidget> m_page; // all fields; made anew for each selection
+    QPointer<QWidget> m_page; // all fields; replaced with each selection
     QPointer<QLineEdit> m_name;
     QPointer<QLabel> m_nameProblem;
     QPointer<QPlainTextEdit> m_comment;
