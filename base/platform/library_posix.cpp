@@ -13,7 +13,9 @@ QString folderOfCode(const void *address)
     if (::dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
         return {};
     }
-    return QFileInfo(QString::fromLocal8Bit(info.dli_fname)).absolutePath();
+    // The system loader may use a link to the folder, such as /lib for /usr/lib.
+    const QFileInfo file(QString::fromLocal8Bit(info.dli_fname));
+    return QFileInfo(file.absolutePath()).canonicalFilePath();
 }
 
 } // namespace corvanta::platform

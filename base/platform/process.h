@@ -8,6 +8,11 @@ namespace corvanta::platform {
 /// Put `process` and its future children into a process group of their own. Call before it starts;
 /// killWithChildren() needs it.
 void makeGroup(QProcess &process);
+/// The same, and send the process a request to end when this program ends, in whatever way.
+void makeGroupThatEndsWithUs(QProcess &process);
+/// Request the end of a process and of all processes that it started. Does not wait. Call
+/// makeGroup() before the process starts.
+void terminateWithChildren(QProcess &process);
 /// Add a started process to the host's job object. Does nothing on systems without job objects.
 void addToJob(QProcess &process, void *job);
 /// Kill a process and all processes that it started, and wait until it has ended. Call makeGroup()

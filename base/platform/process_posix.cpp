@@ -3,6 +3,9 @@
 
 #include <QProcess>
 
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 #include <unistd.h>
 
 #include <csignal>
@@ -12,6 +15,27 @@ namespace corvanta::platform {
 void makeGroup(QProcess &process)
 {
     process.setChildProcessModifier([] { ::setpgid(0, 0); });
+}
+
+void makeGroupThatEndsWithUs(QProcess &process)
+{
+    process.setChildProcessModifier([parent = ::getpid()] {
+        ::setpgid(0, 0);
+#ifdef __linux__
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        // It may have ended before.
+        if (::getppid() != parent) {
+            ::_exit(1);
+        }
+#endif
+    });
+}
+
+void terminateWithChildren(QProcess &process)
+{
+    if (const auto group = static_cast<pid_t>(process.processId()); group > 0) {
+        ::kill(-group, SIGTERM);
+    }
 }
 
 void addToJob(QProcess &, void *) {}

@@ -9,10 +9,8 @@
 #include <QtGlobal>
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace corvanta {
@@ -25,6 +23,7 @@ public:
         : m_limit(limit)
     {
     }
+    /// The value that was added last is not looked up again: equal values are often adjacent.
     void add(quint64 hash)
     {
         const quint64 used = hash == kFree ? 1 : hash;
@@ -42,40 +41,10 @@ private:
     static constexpr quint64 kFree = 0;
 
     /// The slot of a hash, or a free one for it.
-    size_t slotOf(quint64 hash) const
-    {
-        size_t slot = hash & (m_slots.size() - 1);
-        while (m_slots[slot] != kFree && m_slots[slot] != hash) {
-            slot = (slot + 1) & (m_slots.size() - 1);
-        }
-        return slot;
-    }
-    // Half of the slots stay free, so that a search ends after a few.
-    void insert(quint64 hash)
-    {
-        quint64 &slot = m_slots[slotOf(hash)];
-        if (slot == hash) {
-            return;
-        }
-        slot = hash;
-        ++m_count;
-        if (isOver()) {
-            m_slots.clear();
-            m_slots.shrink_to_fit();
-        } else if (m_count * 2 > m_slots.size()) {
-            grow();
-        }
-    }
-    void grow()
-    {
-        std::vector<quint64> old(m_slots.size() * 2);
-        old.swap(m_slots);
-        for (const quint64 hash : old) {
-            if (hash != kFree) {
-                m_slots[slotOf(hash)] = hash;
-            }
-        }
-    }
+    size_t slotOf(quint64 hash) const;
+    /// Add a hash that is not kFree. Frees the memory when there are too many.
+    void insert(quint64 hash);
+    void grow();
 
     size_t m_limit;
     size_t m_count = 0;
@@ -96,24 +65,9 @@ class NumberRange
 {
 public:
     /// `text`: as in StatsNumber.
-    void add(double value, std::u16string_view text = {})
-    {
-        if (std::isnan(value)) {
-            return;
-        }
-        const qint64 rest = integerRest(text, value);
-        const auto order = std::pair(value, rest);
-        if (m_count == 0 || order < std::pair(m_smallest.value, m_smallest.rest)) {
-            m_smallest = {value, rest, std::u16string(text)};
-        }
-        if (m_count == 0 || order > std::pair(m_largest.value, m_largest.rest)) {
-            m_largest = {value, rest, std::u16string(text)};
-        }
-        // The sum of millions of doubles needs more digits than a double has.
-        m_sum += static_cast<long double>(value) + static_cast<long double>(rest);
-        ++m_count;
-    }
+    void add(double value, std::u16string_view text = {});
     bool isEmpty() const { return m_count == 0; }
+    // Only of a range that is not empty.
     const StatsNumber &smallest() const { return m_smallest; }
     const StatsNumber &largest() const { return m_largest; }
     double mean() const { return static_cast<double>(m_sum / static_cast<long double>(m_count)); }
@@ -125,47 +79,19 @@ private:
     qint64 m_count = 0;
 };
 
-/// Orders UTF-16 texts by code point: surrogates come after all other units.
-inline bool isBeforeByCodePoint(std::u16string_view a, std::u16string_view b)
-{
-    const auto rank = [](char16_t unit) {
-        const bool isHigh = unit >= 0xD800;
-        return !isHigh ? int(unit) : unit < 0xE000 ? unit + 0x10000 : int(unit);
-    };
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [&](char16_t x, char16_t y) { return rank(x) < rank(y); });
-}
-
-/// The first and the last text in that order, and the length of the longest one in characters.
+/// The first and the last text in the order of code points, and the length of the longest one in
+/// characters.
 class TextRange
 {
 public:
-    void add(std::u16string_view text)
-    {
-        if (m_isEmpty || isBeforeByCodePoint(text, m_smallest)) {
-            m_smallest = text;
-        }
-        if (m_isEmpty || isBeforeByCodePoint(m_largest, text)) {
-            m_largest = text;
-        }
-        m_isEmpty = false;
-        // A text has at most as many characters as units.
-        if (text.size() > m_longest) {
-            m_longest = std::max(m_longest, charactersOf(text));
-        }
-    }
+    void add(std::u16string_view text);
     bool isEmpty() const { return m_isEmpty; }
     QString smallest() const { return QString::fromStdU16String(m_smallest); }
     QString largest() const { return QString::fromStdU16String(m_largest); }
+    /// Code points, not UTF-16 units.
     size_t longest() const { return m_longest; }
 
 private:
-    static size_t charactersOf(std::u16string_view text)
-    {
-        return static_cast<size_t>(std::ranges::count_if(
-            text, [](char16_t unit) { return unit < 0xDC00 || unit > 0xDFFF; }));
-    }
-
     bool m_isEmpty = true;
     std::u16string m_smallest;
     std::u16string m_largest;
@@ -174,11 +100,6 @@ private:
 
 /// The number of hashes that a DistinctCounter of each of `columns` columns may keep, so that all
 /// of them take at most 128 MB.
-inline size_t maxDistinctOf(size_t columns)
-{
-    constexpr size_t kMaxHashes = 4'000'000; // 16 to 32 bytes each
-    constexpr size_t kMaxDistinct = 100'000;
-    return std::min(kMaxDistinct, kMaxHashes / std::max<size_t>(columns, 1));
-}
+size_t maxDistinctOf(size_t columns);
 
 } // namespace corvanta

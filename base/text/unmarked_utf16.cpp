@@ -32,7 +32,7 @@ bool isPlain(char c)
     return (c >= ' ' && c <= '~') || c == '\n' || c == '\r' || c == '\t';
 }
 
-/// What tells UTF-16 from a text of bytes that has zeros in it.
+/// What distinguishes UTF-16 from a text of bytes that has zeros in it.
 struct Counts
 {
     std::array<size_t, 2> zeros{}; ///< in the first and in the second halves of the units
