@@ -139,7 +139,7 @@ InputFile::InputFile(GlobalParameters *parameters, const QString &name, bool, Re
     m_source = *std::move(opened);
     m_name = parts.path;
     // Only archives state the size of the unpacked data. For .gz and .Z, size and progress are
-    // those of the packed file.
+    // those of the compressed file.
     if (m_kind == Kind::Zip || m_kind == Kind::Rar) {
         m_size = static_cast<double>(m_source->size());
     }
@@ -178,7 +178,7 @@ qint64 InputFile::read(void *buffer, qint64 n)
 
 double InputFile::getSize()
 {
-    // Found once: for packed files the file system is asked, which is slow on network drives.
+    // Found once: for compressed files the file system is asked, which is slow on network drives.
     double known = m_size;
     if (known == kSizeNotKnown) {
         const qint64 sourceSize = m_source && m_kind == Kind::Plain ? m_source->size() : -1;
@@ -210,7 +210,7 @@ bool InputFile::seek(qint64 offset)
     if (!m_source || offset < 0 || !m_source->seek(offset)) {
         return false;
     }
-    // In packed files the progress is that of the packed bytes.
+    // In compressed files the progress is that of the compressed bytes.
     m_position = offset;
     m_progressPosition.store(m_source->progressPosition(), std::memory_order_relaxed);
     return true;

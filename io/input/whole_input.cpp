@@ -30,7 +30,7 @@ private:
     MemorySource m_source;
 };
 
-/// Grows with the data: the sizes that packed files state are not trusted.
+/// Grows with the data: the sizes that compressed files state are not trusted.
 Result<QByteArray, WholeInputError> readAll(RunInput &source)
 {
     constexpr qsizetype kPieceBytes = 1 << 20;
@@ -43,7 +43,7 @@ Result<QByteArray, WholeInputError> readAll(RunInput &source)
             return Fault{WholeInputError::ReadFailed, source.file.reason()};
         }
         bytes.resize(before + got);
-        // Packed inputs have verified their checksum when they report the end.
+        // Compressed inputs have verified their checksum when they report the end.
         if (got == 0) {
             return bytes;
         }
