@@ -8,6 +8,7 @@
 #include "base/number_cell.h"
 #include "engine/row_batch.h"
 
+#include <algorithm>
 #include <limits>
 
 using namespace corvanta;
@@ -27,6 +28,18 @@ const std::shared_ptr<const TableSchema> &noColumns()
 {
     static const auto schema = std::make_shared<const TableSchema>();
     return schema;
+}
+
+/// Shrinks or grows a list. QList::resize() does not check for memory when it copies a shared list
+/// that does not grow; append() does.
+template <class T> void setSize(QVector<T> *list, qsizetype n)
+{
+    QVector<T> sized;
+    for (qsizetype i = 0; i < std::min(n, list->size()); ++i) {
+        sized.append(list->at(i));
+    }
+    sized.resize(n);
+    list->swap(sized);
 }
 
 } // namespace
@@ -141,8 +154,8 @@ TableSchema &OneRow::changeSchema()
 void OneRow::setNumberOfColumns(int n)
 {
     TableSchema &schema = changeSchema();
-    schema.names.resize(n);
-    schema.types.resize(n);
+    setSize(&schema.names, n);
+    setSize(&schema.types, n);
     m_own.resize(static_cast<size_t>(n), nullptr);
     m_cells = m_own.data(); // resize() may have moved them
 }

@@ -1,4 +1,4 @@
-// Packed files (.gz, .Z) as input streams: a codec's reader on top of a plain file.
+// Compressed files (.gz, .Z) as input streams: a codec's reader on top of a plain file.
 #include "codecs/gzip/gzip_reader.h"
 #include "codecs/lzw/lzw_reader.h"
 #include "corvanta/files.h"

@@ -1,4 +1,4 @@
-// Why a packed file or an archive cannot be read.
+// Why a compressed file or an archive cannot be read.
 #pragma once
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"

@@ -7,7 +7,7 @@
 //     Append        NAME, locked                  sync              cut to the old length
 //     (pipe)        NAME                          close             close
 //
-// Packed bytes pass through a gzip::Writer on their way to that file.
+// Compressed bytes pass through a gzip::Writer on their way to that file.
 //
 // A new file is not synced by commit() but before the run ends, together with others.
 #include "corvanta/target_file.h"
@@ -62,7 +62,7 @@ bool renamed(const TargetFile::Rename &rename, const QString &temporary, const Q
 
 } // namespace
 
-/// Packs what the owner writes, and takes the packed bytes.
+/// Compresses what the owner writes, and takes the compressed bytes.
 class TargetFile::Packer final : private corvanta::ByteSink
 {
 public:

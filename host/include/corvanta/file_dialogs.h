@@ -15,6 +15,7 @@ CORVANTA_EXPORT QString tGetOpenFileName(QWidget *parent, const QString &title,
 CORVANTA_EXPORT QString tGetSaveFileName(QWidget *parent, const QString &title,
                                          const QString &start, const QString &filter);
 
-/// Choose a member of the archive `name`. Returns the name to give to a reader, ARCHIVE@MEMBER, or
+/// Choose a member of the archive `name`, which may name one already, from the list of its members
+/// or, if that cannot be read, by typing. Returns the name to give to a reader, ARCHIVE@MEMBER, or
 /// a null string when cancelled.
 CORVANTA_EXPORT QString browseArchive(QWidget *parent, const QString &name);

@@ -145,7 +145,7 @@ void OutputPin::flush()
     if (m_dropped != 0) {
         m_count.fetch_add(m_dropped, std::memory_order_relaxed);
         m_dropped = 0;
-        // Cells may have been made in the arena of a row that nobody reads.
+        // Cells may have been made in the arena of a row that no action reads.
         if (m_open) {
             m_open->arena.deepReset(kKeptArenaBytes);
         }

@@ -69,6 +69,8 @@ private:
 
     void checkValues();
     void checkInput(const ParameterInfo &info, const QString &value);
+    QString folderProblem(const QString &target) const;
+    QString targetProblem(const TargetUse &target, const QStringList &earlier) const;
     void checkTarget(const TargetUse &target, const QStringList &earlier);
     void checkOwnProblems();
 
@@ -194,43 +196,51 @@ void ValueCheck::checkInput(const ParameterInfo &info, const QString &value)
         isTolerated ? Kind::Hint : Kind::Missing);
 }
 
-void ValueCheck::checkTarget(const TargetUse &target, const QStringList &earlier)
+/// Why the folder of a target cannot be used; empty if it can.
+QString ValueCheck::folderProblem(const QString &target) const
 {
-    const QFileInfo file(target.name);
-    const QFileInfo folder(file.absolutePath());
-    const QString create = valueOf(Role::CreateFolder);
-    const bool isUpdated =
-        target.access == TargetUse::Access::Update && !earlier.contains(target.name);
+    const QFileInfo folder(QFileInfo(target).absolutePath());
+    if (const QFileInfo above = corvanta::existingAbove(target); !above.isDir()) {
+        return QCoreApplication::translate(
+                   "Problems",
+                   "the folder '%1' of the target does not exist, and '%2' is not a folder")
+            .arg(folder.filePath(), above.filePath());
+    }
     // "run" creates the folder of --out-dir. An action in a panel may be in no graph.
     const GlobalParameters *const global = m_item.globalParameters();
     const bool isOutDir = global != nullptr && folder.filePath() == global->outDir();
-    QString problem;
-    if (isUpdated && !file.exists() && valueOf(Role::CreateFile) == "0"_L1) {
-        problem = QCoreApplication::translate("Problems", "the file '%1' does not exist")
-                      .arg(target.name);
-    } else if (file.isDir()) {
-        problem =
-            QCoreApplication::translate("Problems", "the target '%1' is a folder").arg(target.name);
-    } else if (const QFileInfo above = corvanta::existingAbove(target.name); !above.isDir()) {
-        problem = QCoreApplication::translate(
-                      "Problems",
-                      "the folder '%1' of the target does not exist, and '%2' is not a folder")
-                      .arg(folder.filePath(), above.filePath());
-    } else if (!folder.isDir() && create != "1"_L1 && !isOutDir) {
-        // Without a value the action has no such parameter.
-        problem =
-            QCoreApplication::translate("Problems",
-                                        "the folder '%1' of the target does not exist%2")
-                .arg(folder.filePath(),
-                     create.isEmpty()
-                         ? QString()
-                         : QCoreApplication::translate("Problems", " (createDir='1' creates it)"));
+    const QString create = valueOf(Role::CreateFolder);
+    if (folder.isDir() || create == "1"_L1 || isOutDir) {
+        return {};
     }
-    if (!problem.isEmpty()) {
+    // Without a value the action has no such parameter.
+    const QString remedy =
+        create.isEmpty() ? QString()
+                         : QCoreApplication::translate("Problems", " (createDir='1' creates it)");
+    return QCoreApplication::translate("Problems", "the folder '%1' of the target does not exist%2")
+        .arg(folder.filePath(), remedy);
+}
+
+/// Why a run cannot write a target; empty if it can. `earlier` are the targets of earlier actions.
+QString ValueCheck::targetProblem(const TargetUse &target, const QStringList &earlier) const
+{
+    const QFileInfo file(target.name);
+    const bool isUpdated =
+        target.access == TargetUse::Access::Update && !earlier.contains(target.name);
+    if (isUpdated && !file.exists() && valueOf(Role::CreateFile) == "0"_L1) {
+        return QCoreApplication::translate("Problems", "the file '%1' does not exist")
+            .arg(target.name);
+    }
+    return file.isDir() ? QCoreApplication::translate("Problems", "the target '%1' is a folder")
+                              .arg(target.name)
+                        : folderProblem(target.name);
+}
+
+void ValueCheck::checkTarget(const TargetUse &target, const QStringList &earlier)
+{
+    if (const QString problem = targetProblem(target, earlier); !problem.isEmpty()) {
         const auto output =
-            std::find_if(m_infos.begin(), m_infos.end(), [](const ParameterInfo &info) {
-                return info.file == ParameterInfo::File::Output;
-            });
+            std::ranges::find(m_infos, ParameterInfo::File::Output, &ParameterInfo::file);
         add(output == m_infos.end() ? QString() : output->name, problem);
     }
 }
