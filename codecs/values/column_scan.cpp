@@ -1,3 +1,9 @@
+// How kinds join; everything else becomes Text, and so do date-times with and without a zone:
+//
+//   Integer -> Decimal        Date -> DateTime        Boolean        Time
+//
+// A column that is not Text has cells of numbers only if each number is exact: K for integers that
+// fit, else F.
 #include "codecs/values/column_scan.h"
 
 namespace corvanta::values {
@@ -11,6 +17,23 @@ std::optional<Kind> ColumnScan::joinedDifferent(Kind a, Kind b)
         return Kind::Decimal;
     }
     return isPair(Kind::Date, Kind::DateTime) ? std::optional(Kind::DateTime) : std::nullopt;
+}
+
+bool ColumnScan::append(const ColumnScan &later)
+{
+    if (m_isText || !later.m_hasValues) {
+        return true;
+    }
+    const std::optional<Kind> kind = m_hasValues ? joined(m_kind, later.m_kind) : later.m_kind;
+    const bool isOtherZone = m_hasValues && m_isUtc != later.m_isUtc;
+    if (later.m_isText || (m_isExact && !later.m_isExact) || !kind || isOtherZone) {
+        return false;
+    }
+    m_kind = *kind;
+    m_hasValues = true;
+    m_isUtc = later.m_isUtc;
+    m_isKey = m_isKey && later.m_isKey;
+    return true;
 }
 
 void ColumnScan::except(std::string_view text, const QString &place)

@@ -73,6 +73,12 @@ public:
         }
     }
 
+    /// Add the values of another scan of the column, which come after those of this one. Returns
+    /// false, and changes nothing, if one of them is an exception to those before it: its place is
+    /// not known here, and the values must be added one by one. Values that are there already
+    /// change nothing.
+    bool append(const ColumnScan &later);
+
     ColumnResult result() const;
 
 private:

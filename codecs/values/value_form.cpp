@@ -166,10 +166,14 @@ struct Decimal
     int exponent = 0;
 };
 
-/// Whether a double holds all digits of the number.
+/// Whether a double holds all digits of the number, and its shortest text has them.
 bool isExact(const Decimal &number)
 {
     constexpr qint64 kGreatestPower = 300;
+    // A double holds an integer of so many digits before up to five zeros. With more zeros its
+    // text has an exponent.
+    constexpr qint64 kDigitsOfIntegers = 12;
+    constexpr qint64 kZerosOfIntegers = 5;
     const char *last = number.end; // zeros at the end of the fraction do not count
     while (last != number.fraction && last[-1] == '0') {
         --last;
@@ -181,8 +185,12 @@ bool isExact(const Decimal &number)
         isBelowOne ? last - first : (number.point - whole) + (last - number.fraction);
     const qint64 power =
         (isBelowOne ? number.fraction - first : number.point - whole) + number.exponent;
-    return digits == 0 ||
-           (digits <= kExactDigits && power >= -kGreatestPower && power <= kGreatestPower);
+    // The text of such a double is an integer with digits of its own: 9737228.13882082e10 becomes
+    // 97372281388208192.
+    const bool isLongInteger =
+        power > kExactDigits && digits > kDigitsOfIntegers && power <= digits + kZerosOfIntegers;
+    return digits == 0 || (digits <= kExactDigits && !isLongInteger && power >= -kGreatestPower &&
+                           power <= kGreatestPower);
 }
 
 /// The form of a number whose digits before the point are [begin, point).

@@ -240,6 +240,8 @@ TEST(ValueForm, NoNumberLosesADigit)
         }
         return text;
     };
+    EXPECT_FALSE(formOf("9737228.13882082e10").isExact); // would become 97372281388208192
+    EXPECT_TRUE(formOf("1e20").isExact);
     int exact = 0;
     for (int i = 0; i < kNumbers; ++i) {
         std::string text = (random() % 4 == 0 ? "-" : "") + digits(static_cast<int>(random() % 12));

@@ -43,7 +43,9 @@ struct ExtractOptions
     /// The occurrences called "tr" are rows of HTML tables: see SpanCells. Those of the first level
     /// may also be in the thead and tfoot of their container, and have at least one cell.
     bool expandSpans = false;
-    /// Letters of the types of the first columns: K or F gives a number, U and no letter a text.
+    /// Letters of the types of the first columns: K or F gives a number, U and no letter a text, J
+    /// a text that is a value of JSON: quotes and escapes if it is a text in the file, else as it
+    /// is there.
     std::string types;
     /// Occurrences of the first level to skip at the start of each document.
     int skip = 0;

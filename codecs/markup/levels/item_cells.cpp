@@ -11,7 +11,10 @@
 
 #include "base/cell.h"
 #include "base/limits.h"
+#include "base/text/json_number.h"
+#include "codecs/compose/escape.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 #include <vector>
@@ -22,6 +25,18 @@ namespace {
 
 /// A name and how often it occurs.
 using NameCount = std::pair<std::u16string, qint64>;
+
+/// Whether a value of JSON without quotes is one that JSON has.
+bool isBareJson(std::string_view value)
+{
+    return value == "true" || value == "false" || value == "null" || isJsonNumber(value);
+}
+
+/// Whether there are characters that texts of JSON must escape, other than a quote or backslash.
+bool hasControls(std::string_view text)
+{
+    return std::ranges::any_of(text, [](char c) { return static_cast<uchar>(c) < ' '; });
+}
 
 /// "a b[3] c ": every name once, with its count if it is not 1.
 void writeNames(const std::vector<NameCount> &names, std::u16string *out)
@@ -46,6 +61,38 @@ const uchar *ItemCells::cellOf(const MarkupTree &tree, const LevelItem &item, qu
         return rawCell(tree.value(node), arena);
     }
     return item.tagName ? tagNamesOf(tree, found, arena) : textOf(tree, found, arena);
+}
+
+const uchar *ItemCells::jsonCellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
+                                   CellArena &arena)
+{
+    const std::optional<TextSpan> text = singleText(tree, item, found);
+    // All that is not plain had quotes, or is a NaN or an infinity, which JSON does not have.
+    if (text && text->form() == TextForm::Plain) {
+        RawText raw = tree.raw(*text);
+        if (!tree.isQuoted(*text) && isBareJson(raw.view())) {
+            return isMissingNull(raw.view()) ? cell::missingTextCell() : rawCell(raw, arena);
+        }
+        if (tree.isQuoted(*text) && raw.data[-1] == '"' && !hasControls(raw.view())) {
+            raw.data -= 1; // the quotes are in the data, too
+            raw.size += 2;
+            return rawCell(raw, arena);
+        }
+    }
+    m_plainCell.reset();
+    const uchar *const plain = cellOf(tree, item, found, m_plainCell);
+    return plain == cell::missingTextCell() ? plain
+                                            : quotedCell(cell::readText(plain).view(), arena);
+}
+
+const uchar *ItemCells::quotedCell(std::u16string_view text, CellArena &arena)
+{
+    using Escapes = compose::JsonStrictEscapes;
+    const auto n = static_cast<qsizetype>(text.size());
+    m_joined.resize(static_cast<size_t>(compose::escapedSize<Escapes>(text.data(), n)) + 2);
+    m_joined.front() = m_joined.back() = u'"';
+    compose::putEscaped<Escapes>(text.data(), n, m_joined.data() + 1);
+    return joinedCell(arena);
 }
 
 std::optional<TextSpan> ItemCells::singleText(const MarkupTree &tree, const LevelItem &item,

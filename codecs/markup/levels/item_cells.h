@@ -24,6 +24,11 @@ public:
     /// in `arena`, or the shared missing cell.
     const uchar *cellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
                         CellArena &arena);
+    /// The same with the value as a text of JSON. Only for JSON.
+    const uchar *jsonCellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
+                            CellArena &arena);
+    /// The cell of a text with the quotes and escapes of JSON.
+    const uchar *quotedCell(std::u16string_view text, CellArena &arena);
     /// The text of that item if it is one piece; nothing if its cell must be built to know it, or
     /// if it has no cell.
     std::optional<TextSpan> singleText(const MarkupTree &tree, const LevelItem &item,
@@ -62,8 +67,10 @@ private:
     ExtractOptions m_options;
     ElementFilter m_filter;
     std::optional<MarkupError> m_error;
-    /// Reused for texts that consist of several pieces.
+    /// Reused for texts that consist of several pieces, or get quotes.
     std::u16string m_joined;
+    /// Of one cell that becomes a text of JSON.
+    BlockArena m_plainCell;
 };
 
 } // namespace corvanta::markup

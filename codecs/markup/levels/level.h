@@ -31,7 +31,9 @@ struct Level
     /// Name of the occurrences; empty: every sub-element.
     QString subtagName;
     std::vector<LevelItem> items;
-    /// Paths, from the occurrence, of what is left out on purpose.
+    /// Paths, from the occurrence, of what is left out on purpose. Of the first level, a path that
+    /// begins with "/" begins at the document: a part between the records, or, if it ends with "/",
+    /// all parts on the way to there.
     QStringList leftOut = {};
     /// Of the last level: an outer occurrence without one of this level gives no row.
     bool isRequired = false;

@@ -30,7 +30,9 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
         state->paths.countRepeats(m_countsUnread);
         state->paths.countUnread(options.countsUnread);
         for (const QString &path : level.leftOut) {
-            state->paths.ignore(parsePath(path, syntax));
+            if (!path.startsWith(u'/')) { // others: OccurrenceReader::leaveOut()
+                state->paths.ignore(parsePath(path, syntax));
+            }
         }
         if (!m_levels.empty()) {
             addInner(&m_levels.back()->paths, *state);
@@ -316,8 +318,10 @@ inline void LevelExtractor::fillRow(LevelState &state, CellArena &arena)
         scanItems(state, arena);
     } else if (m_options.types.empty()) {
         fillCells(state, arena);
+        fillNumber(state, arena);
     } else {
         fillTypedCells(state, arena);
+        fillNumber(state, arena);
     }
     if (state.spans) {
         keepShared(state);
@@ -341,10 +345,18 @@ inline void LevelExtractor::fillCells(LevelState &state, CellArena &arena)
             state.wasFound[i] = true;
         }
     }
+}
+
+/// The cell of the item that is the number of the occurrence, if there is one.
+inline void LevelExtractor::fillNumber(LevelState &state, CellArena &arena)
+{
     ++state.number;
     if (state.numberItem >= 0) {
-        cell[state.numberItem - static_cast<int>(state.level.items.size())] =
-            textCell(arena, QString::number(state.number).toStdU16String());
+        const auto column = static_cast<size_t>(
+            state.firstColumn + (m_options.outputSubTags ? 1 : 0) + state.numberItem);
+        m_cells[column] = isNumberColumn(column)
+                              ? numberCell(std::to_string(state.number), column, arena)
+                              : textCell(arena, QString::number(state.number).toStdU16String());
     }
 }
 

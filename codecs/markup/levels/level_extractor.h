@@ -39,6 +39,20 @@ public:
     /// From now on rows are only examined: next() adds the value of each column to its scan, one
     /// per column, and builds no cells. `scans` must outlive the extractor.
     void scanValues(std::span<values::ColumnScan> scans);
+    /// Rows in all documents so far.
+    qint64 rows() const { return m_rows; }
+    /// Whether the objects at the top of the file are known to be records, as in JSON Lines.
+    bool readsRecords() const { return m_reader->readsRecords(); }
+    /// Continue in a file of which another extractor has said so. Call it after beginFile().
+    void expectRecords() { m_reader->expectRecords(); }
+    /// Count rows and lines of the file that another extractor has examined, before the next
+    /// document.
+    void skip(qint64 rows, qint64 lines)
+    {
+        m_rows += rows;
+        m_reader->skipLines(lines);
+    }
+
     /// Begin another file: missingPaths() forgets the previous one.
     void beginFile();
     /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
@@ -88,12 +102,20 @@ private:
     void skipFirst(quint32 occurrence);
     void enterLevels(size_t level, quint32 occurrence, CellArena &lastArena);
     void setTypes(size_t columns);
+    /// Whether the cells of the column are numbers, not texts.
+    bool isNumberColumn(size_t column) const
+    {
+        return !m_options.types.empty() &&
+               (m_options.types[column] == 'K' || m_options.types[column] == 'F');
+    }
+    const uchar *nameCell(quint32 occurrence, size_t column, CellArena &arena);
     void fillRow(LevelState &state, CellArena &arena);
     void fillTypedCells(LevelState &state, CellArena &arena);
     const uchar *typedCell(const LevelItem &item, quint32 found, size_t column, CellArena &arena);
     const uchar *numberCell(std::string_view text, size_t column, CellArena &arena);
     void setBadValue(std::string_view text, size_t column);
     void fillCells(LevelState &state, CellArena &arena);
+    void fillNumber(LevelState &state, CellArena &arena);
     void keepShared(LevelState &state);
     void repeatCells(LevelState &state, CellArena &arena);
     const uchar *cellOfKept(const uchar *kept, size_t column, CellArena &arena);

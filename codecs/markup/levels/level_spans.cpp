@@ -90,7 +90,7 @@ const uchar *LevelExtractor::cellOfKept(const uchar *kept, size_t column, CellAr
     if (kept == cell::missingTextCell()) {
         return m_missing[column];
     }
-    if (!m_options.types.empty() && m_options.types[column] != 'U') {
+    if (isNumberColumn(column)) {
         const QByteArray text = QStringView(cell::readText(kept).view()).toUtf8();
         return numberCell({text.constData(), static_cast<size_t>(text.size())}, column, arena);
     }

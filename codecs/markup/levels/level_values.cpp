@@ -45,9 +45,13 @@ public:
         }
         for (size_t i = 0; i < paths.size(); ++i) {
             if (!first.level.items[i].tagName && isName(paths[i])) {
-                m_columns.push_back(
-                    {paths[i].front().name, static_cast<size_t>(first.firstColumn) + i +
-                                                (extractor.m_options.outputSubTags ? 1 : 0)});
+                const std::u16string &name = paths[i].front().name;
+                const QString &path = first.level.items[i].path;
+                const bool isWritten = QStringView(name) == path.toLower();
+                m_columns.push_back({name,
+                                     static_cast<size_t>(first.firstColumn) + i +
+                                         (extractor.m_options.outputSubTags ? 1 : 0),
+                                     isWritten ? path.toStdString() : std::string()});
             }
         }
         if (extractor.m_levels.size() > 1) {
@@ -58,16 +62,9 @@ public:
 
     bool take(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf) override
     {
-        // Records have the same members in the same order, but some may lack one.
-        constexpr size_t kTried = 4;
-        const RawText name = tokenizer.resolve(leaf.name);
-        for (size_t n = std::min(kTried, m_columns.size()); n > 0; --n) {
-            m_next = m_next < m_columns.size() ? m_next : 0;
-            Column &column = m_columns[m_next++];
-            if (matches(name, &column)) {
-                scan(tokenizer, leaf, column);
-                return true;
-            }
+        if (Column *const column = find(tokenizer.resolve(leaf.name))) {
+            scan(tokenizer, leaf, *column);
+            return true;
         }
         return false;
     }
@@ -77,20 +74,40 @@ private:
     {
         std::u16string name; // in lower case
         size_t index = 0;
-        std::string bytes = {}; // of the last name that matched: most are equal
-        qint64 last = 0;        // occurrence in which it had a value: further ones are not read
+        std::string bytes; // of the last name that matched: most are equal
+        qint64 last = 0;   // occurrence in which it had a value: further ones are not read
     };
 
-    static bool matches(const RawText &name, Column *column)
+    static bool hasBytes(const RawText &name, const Column &column)
     {
-        if (name.view() == column->bytes) {
-            return true;
+        return name.view().size() == column.bytes.size() &&
+               equalBytes(name.data, column.bytes.data(), column.bytes.size());
+    }
+    /// The column with the name; null if it is not among the next ones. Most records have the same
+    /// members in the same order. Some lack one, or have one at another place than the sample: then
+    /// the next member is expected where it was before.
+    Column *find(const RawText &name)
+    {
+        constexpr size_t kSkipped = 4;
+        constexpr size_t kSearched = 32;
+        const size_t count = m_columns.size();
+        size_t index = m_next;
+        for (size_t i = 0; i < std::min(kSearched, count); ++i, ++index) {
+            index = index < count ? index : 0;
+            if (hasBytes(name, m_columns[index])) {
+                m_next = i < kSkipped ? index + 1 : m_next;
+                return &m_columns[index];
+            }
         }
-        const bool isMatch = nameMatches(name, column->name);
-        if (isMatch) {
-            column->bytes = name.view();
+        index = m_next;
+        for (size_t i = 0; i < std::min(kSkipped, count); ++i, ++index) {
+            index = index < count ? index : 0;
+            if (nameMatches(name, m_columns[index].name)) {
+                m_columns[index].bytes = name.view();
+                return &m_columns[index];
+            }
         }
-        return isMatch;
+        return nullptr;
     }
     static bool isName(const std::vector<PathStep> &path)
     {
@@ -116,15 +133,15 @@ private:
         const RawText text = tokenizer.resolve(leaf.text);
         const bool isQuoted = text.data[-1] == '"'; // the name comes before: there is such a byte
         const auto place = [&] {
-            const LineCounter start = tokenizer.tokenStart();
-            return m_extractor.placeOfRow(placeText(start.line(), start.column()));
+            return m_extractor.placeOfRow(
+                m_extractor.m_reader->placeText(tokenizer.positionOf(leaf.name)));
         };
         m_extractor.scanText(text.view(), isQuoted, place, &scan);
     }
 
     LevelExtractor &m_extractor;
     std::vector<Column> m_columns;
-    size_t m_next = 0;
+    size_t m_next = 0; // where the next member is expected
 };
 
 void LevelExtractor::scanValues(std::span<values::ColumnScan> scans)
@@ -226,13 +243,16 @@ void LevelExtractor::fillTypedCells(LevelState &state, CellArena &arena)
 {
     auto column = static_cast<size_t>(state.firstColumn);
     if (m_options.outputSubTags) {
-        m_cells[column++] = textCell(arena, tree().raw(state.occurrence));
+        m_cells[column] = nameCell(state.occurrence, column, arena);
+        ++column;
     }
     for (size_t i = 0; i < state.level.items.size(); ++i, ++column) {
         const LevelItem &item = state.level.items[i];
         const bool isFound = state.found[i] != MarkupTree::kNone;
-        if (m_options.types[column] != 'U') {
+        if (isNumberColumn(column)) {
             m_cells[column] = typedCell(item, state.found[i], column, arena);
+        } else if (isFound && m_options.types[column] == 'J') {
+            m_cells[column] = m_items.jsonCellOf(tree(), item, state.found[i], arena);
         } else {
             m_cells[column] = isFound ? m_items.cellOf(tree(), item, state.found[i], arena)
                                       : m_items.absentCell(item, arena);
@@ -241,6 +261,18 @@ void LevelExtractor::fillTypedCells(LevelState &state, CellArena &arena)
             state.wasFound[i] = true;
         }
     }
+}
+
+/// The cell of the name of an occurrence.
+const uchar *LevelExtractor::nameCell(quint32 occurrence, size_t column, CellArena &arena)
+{
+    const RawText name = tree().raw(occurrence);
+    if (isNumberColumn(column)) {
+        const std::u16string text = decoded(name);
+        return numberCell(viewOf(QStringView(text).toUtf8()), column, arena);
+    }
+    return m_options.types[column] == 'J' ? m_items.quotedCell(decoded(name), arena)
+                                          : textCell(arena, name);
 }
 
 /// The cell of a number; `found` may be kNone.

@@ -46,11 +46,42 @@ OccurrenceReader::OccurrenceReader(LevelState &first, const ExtractOptions &opti
 {
     m_rootPath.add(first.initialPath);
     m_rootPath.countRepeats(true);
+    for (const QString &path : first.level.leftOut) {
+        leaveOut(path, {options.zeroBased, u'/'});
+    }
+}
+
+/// Paths from the document begin with "/": "/a/b" is that part, "/a/" all that is around or in a.
+void OccurrenceReader::leaveOut(const QString &path, const PathSyntax &syntax)
+{
+    if (!path.startsWith(u'/')) {
+        return; // a part of the records
+    }
+    const bool isAll = path.endsWith(u'/') && !path.endsWith("\\/"_L1);
+    const std::vector<PathStep> steps = parsePath(QStringView(path).chopped(isAll ? 1 : 0), syntax);
+    const std::vector<PathStep> &own = m_first.initialPath;
+    const auto differ = std::ranges::mismatch(steps, own);
+    const auto common = static_cast<size_t>(differ.in1 - steps.begin());
+    if (isAll) {
+        m_leftOutBelow = std::max(m_leftOutBelow, common + 1);
+    } else if (differ.in1 != steps.end()) {
+        m_leftOut.push_back({common, differ.in1->name});
+    }
+}
+
+/// Whether an element that begins now is left out on purpose.
+bool OccurrenceReader::isLeftOut(const RawText &name) const
+{
+    const size_t open = m_path.openSteps();
+    return open < m_leftOutBelow || std::ranges::any_of(m_leftOut, [&](const LeftOutside &part) {
+               return part.openSteps == open && nameMatches(name, part.name);
+           });
 }
 
 void OccurrenceReader::beginFile()
 {
     m_documents = Documents::Undecided;
+    m_skippedLines = 0;
     m_path.resetRepeats();
     m_rootPath.resetCounts();
 }
@@ -174,7 +205,7 @@ OccurrenceReader::Found OccurrenceReader::readToken()
         // XML outside of the document element, or a JSON value that no path leads into.
         if (!m_isHtml && m_tokenizer->depth() == 0) {
             m_unread.strayTexts.add([this] { return placeText(m_tokenizer->tokenStart()); });
-        } else if (m_countsUnread) {
+        } else if (m_countsUnread && !isLeftOut({})) {
             addOutside(u"text"_s);
         }
         return kNoOccurrence;
@@ -212,7 +243,7 @@ OccurrenceReader::Found OccurrenceReader::startElement()
         m_first.containerFound = m_first.containerFound || m_path.isAtEnd();
         return kNoOccurrence;
     }
-    if (m_countsUnread && m_path.repeats().count() == repeats) {
+    if (m_countsUnread && m_path.repeats().count() == repeats && !isLeftOut(name)) {
         addOutside(u"'%1'"_s.arg(QStringView(decoded(name)).toString()));
     }
     if (const auto skipped = m_record.skipElement(); !skipped) {

@@ -31,6 +31,15 @@ public:
     /// Begin another file: its documents may have another form. Call before the beginDocument() of
     /// its first document.
     void beginFile();
+    /// See LevelExtractor.
+    bool readsRecords() const { return m_documents == Documents::Records; }
+    void expectRecords() { m_documents = Documents::Records; }
+    void skipLines(qint64 lines) { m_skippedLines += lines; }
+    /// A position of the document in words.
+    QString placeText(const LineCounter &position) const
+    {
+        return m_placeText(m_skippedLines + position.line(), position.column());
+    }
     /// How places of `unread` are written; placeText() by default.
     void setPlaceText(PlaceText placeText) { m_placeText = std::move(placeText); }
     /// Begin a document of the file. `tokenizer` must be new or restarted, and outlive the
@@ -76,12 +85,10 @@ private:
     // Each of these returns an occurrence, or std::nullopt when more tokens are needed.
     std::optional<quint32> nextInTree();
     Found readToken();
-    QString placeText(const LineCounter &position) const
-    {
-        return m_placeText(position.line(), position.column());
-    }
     void addAfterNul(qint64 bytes, const LineCounter &position);
     void addOutside(const QString &what);
+    void leaveOut(const QString &path, const PathSyntax &syntax);
+    bool isLeftOut(const RawText &name) const;
     Found startElement();
     void leaveElement();
     Found startValue();
@@ -105,6 +112,15 @@ private:
     UnreadParts &m_unread;
     PlaceText m_placeText = markup::placeText;
     PathFollower m_path;
+    /// A part between the records that is left out on purpose.
+    struct LeftOutside
+    {
+        size_t openSteps = 0; ///< of the initial path, where the part begins
+        std::u16string name;  ///< lower case
+    };
+    std::vector<LeftOutside> m_leftOut;
+    /// All parts are left out that begin where fewer steps are open.
+    size_t m_leftOutBelow = 0;
     /// The initial path, for trees of whole values.
     PathSet m_rootPath;
     RecordBuilder m_record;
@@ -116,6 +132,8 @@ private:
     /// The current top-level value is built as a whole, and no row of it was returned.
     bool m_isBuildingValue = false;
     Documents m_documents = Documents::Undecided;
+    /// Of the file, before the document.
+    qint64 m_skippedLines = 0;
     /// Where the search in a tree continues.
     quint32 m_nextInTree = MarkupTree::kNone;
     /// Number of open elements that group rows; at most 1 in valid pages.

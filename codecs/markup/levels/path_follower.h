@@ -40,6 +40,8 @@ public:
         }
     }
 
+    /// Steps whose elements are open.
+    size_t openSteps() const { return m_open; }
     /// True when all steps of the path are open: what begins now is inside the container.
     bool isAtEnd() const { return m_open == m_path.size(); }
 
