@@ -10,6 +10,7 @@
 #include "codecs/compose/json_levels.h"
 
 #include "base/number.h"
+#include "base/text/json_number.h"
 #include "codecs/compose/escape.h"
 
 #include <algorithm>
@@ -40,11 +41,12 @@ class JsonItems
 {
 public:
     JsonItems(const LevelCompiler &compiler, const std::vector<WriteLevel> &levels,
-              ComposeOperation::TextForm form, const QStringList &bareColumns)
+              ComposeOperation::TextForm form, const JsonColumns &special)
         : m_compiler(compiler)
         , m_levels(levels)
         , m_form(form)
-        , m_bareColumns(bareColumns.begin(), bareColumns.end())
+        , m_bareColumns(special.bare.begin(), special.bare.end())
+        , m_jsonColumns(special.json.begin(), special.json.end())
     {
     }
 
@@ -87,6 +89,7 @@ private:
             const bool isCut = !prefix.isEmpty() && name.startsWith(prefix);
             column.before = hasKeys ? key(isCut ? name.mid(prefix.size()) : name) : FixedText();
             column.isBare = m_bareColumns.contains(name);
+            column.isReady = m_jsonColumns.contains(name);
         }
         return ComposeOperation{Kind::Values, m_form, FixedText(u","), {}, std::move(columns)};
     }
@@ -126,6 +129,7 @@ private:
     const std::vector<WriteLevel> &m_levels;
     ComposeOperation::TextForm m_form;
     std::set<QString> m_bareColumns;
+    std::set<QString> m_jsonColumns;
 };
 
 } // namespace
@@ -164,10 +168,10 @@ bool needsJsonValue(std::u16string_view before, std::u16string_view after)
 
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
                                         const RowView &columns, ComposeOperation::TextForm form,
-                                        const QStringList &bareColumns)
+                                        const JsonColumns &special)
 {
     const LevelCompiler compiler(levels, columns);
-    const JsonItems items(compiler, levels, form, bareColumns);
+    const JsonItems items(compiler, levels, form, special);
     auto compiled =
         compiler.compile([&](size_t level, size_t item) { return items.compile(level, item); });
     if (compiled) {
@@ -187,43 +191,6 @@ std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringLis
     return {level};
 }
 
-namespace {
-
-/// Digits at the start of `text`.
-qsizetype countDigits(QStringView text)
-{
-    const auto *const end =
-        std::find_if(text.begin(), text.end(), [](QChar c) { return c < u'0' || c > u'9'; });
-    return end - text.begin();
-}
-
-/// Remove the digits at the start, of which there must be one.
-bool takeDigits(QStringView *text)
-{
-    const qsizetype digits = countDigits(*text);
-    *text = text->sliced(digits);
-    return digits > 0;
-}
-
-} // namespace
-
-bool isJsonNumber(QStringView text)
-{
-    text = text.sliced(text.startsWith(u'-') ? 1 : 0);
-    const bool hasLeadingZero = text.startsWith(u'0') && countDigits(text) > 1;
-    bool isNumber = !hasLeadingZero && takeDigits(&text);
-    if (text.startsWith(u'.')) {
-        text = text.sliced(1);
-        isNumber = takeDigits(&text) && isNumber;
-    }
-    if (text.startsWith(u'e') || text.startsWith(u'E')) {
-        text = text.sliced(1);
-        text = text.sliced(text.startsWith(u'-') || text.startsWith(u'+') ? 1 : 0);
-        isNumber = takeDigits(&text) && isNumber;
-    }
-    return isNumber && text.isEmpty();
-}
-
 bool printsJsonNumber(const QString &format)
 {
     constexpr std::array kSamples{0.0, 1.0, -2.5, 1e300};
@@ -231,7 +198,8 @@ bool printsJsonNumber(const QString &format)
     return numbers.set(format) && std::all_of(kSamples.begin(), kSamples.end(), [&](double sample) {
                QByteArray text;
                numbers.append(sample, &text);
-               return isJsonNumber(QString::fromUtf8(text).trimmed());
+               const QByteArray number = text.trimmed();
+               return isJsonNumber(std::string_view(number.constData(), size_t(number.size())));
            });
 }
 

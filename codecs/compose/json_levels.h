@@ -21,21 +21,24 @@ enum class JsonItem : int {
     AsIs,           ///< the text of one column without quotes and escapes, for prepared JSON
 };
 
+/// Text columns that are not written as texts with quotes.
+struct JsonColumns
+{
+    QStringList bare = {}; ///< see ComposeOperation::Column::isBare
+    QStringList json = {}; ///< their texts are values of JSON
+};
+
 /// Compile `levels` (at least one), whose item types are JsonItems, for a table. `form` is the
 /// escaping of texts, one of the three Json forms; names of columns get the strict escapes only
-/// with JsonStrict. `bareColumns` names the columns with ComposeOperation::Column::isBare. The
-/// result does not refer to `levels` or to the names of `columns`. Errors: all of LevelProblem; see
-/// LevelCompiler::compile().
+/// with JsonStrict. The result does not refer to `levels` or to the names of `columns`. Errors: all
+/// of LevelProblem; see LevelCompiler::compile().
 LevelCompiler::Levels compileJsonLevels(const std::vector<WriteLevel> &levels,
                                         const RowView &columns, ComposeOperation::TextForm form,
-                                        const QStringList &bareColumns = {});
+                                        const JsonColumns &special = {});
 
 /// The level that is used when none is declared: an object per row, with all columns or those of
 /// `toWrite`, which the other choice ignores.
 std::vector<WriteLevel> defaultJsonLevels(bool writeAllColumns, const QStringList &toWrite);
-
-/// Whether the text is a number of JSON (RFC 8259, section 6).
-bool isJsonNumber(QStringView text);
 
 /// Whether a format of FloatFormat::set() prints numbers as JSON has them, apart from spaces
 /// around them.

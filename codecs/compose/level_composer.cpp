@@ -16,9 +16,9 @@
 
 #include "base/mapped.h"
 #include "base/number_cell.h"
+#include "base/text/json_number.h"
 #include "base/utf.h"
 #include "codecs/compose/escape.h"
-#include "codecs/compose/json_levels.h"
 
 #include <algorithm>
 #include <array>
@@ -417,14 +417,22 @@ bool LevelComposer::putBare(const Column &column, std::u16string_view text, cons
     if (isTrue || word.compare(u"false", Qt::CaseInsensitive) == 0) {
         return putFixed(isTrue ? &kTrue : &kFalse, column, lead);
     }
-    return isJsonNumber(word) && putAround(column, lead, word.size(), [&](char16_t *out) {
-               return std::copy(text.begin(), text.end(), out);
-           });
+    return isJsonNumber(text) && putUnchanged(column, text, lead);
+}
+
+bool LevelComposer::putUnchanged(const Column &column, std::u16string_view text,
+                                 const FixedText &lead)
+{
+    return putAround(column, lead, static_cast<qsizetype>(text.size()),
+                     [&](char16_t *out) { return std::copy(text.begin(), text.end(), out); });
 }
 
 bool LevelComposer::putText(Operation::TextForm form, const Column &column,
                             std::u16string_view text, const FixedText &lead)
 {
+    if (column.isReady) {
+        return putUnchanged(column, text, lead);
+    }
     if (column.isBare && putBare(column, text, lead)) {
         return true;
     }

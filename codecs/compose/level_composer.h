@@ -67,6 +67,8 @@ struct ComposeOperation
         FixedText after = {};  ///< the closing tag or quote; left out with the value
         /// Texts that are JSON numbers, or true or false in any letter case, have no quotes.
         bool isBare = false;
+        /// Texts are written unchanged: they have the syntax of the file.
+        bool isReady = false;
         QString newName = {}; ///< that `before` has in place of the column's, which is not valid
     };
 
@@ -176,6 +178,7 @@ private:
                  const FixedText &lead);
     /// A text that needs no quotes; false for any other.
     bool putBare(const Column &column, std::u16string_view text, const FixedText &lead);
+    bool putUnchanged(const Column &column, std::u16string_view text, const FixedText &lead);
     // Text in quotes, and without.
     template <class Escapes>
     bool putString(const Column &column, std::u16string_view text, const FixedText &lead);

@@ -6,6 +6,9 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
+#include <bit>
+
 namespace corvanta::csv {
 
 /// The address of the first byte in [at, end) that equals one of `wanted`; `end` if there is none.
@@ -40,6 +43,18 @@ template <class... Chars> bool hasOneOf(const char *at, qsizetype n, Chars... wa
         }
     }
     return false;
+}
+
+/// Whether an odd number of the `n` bytes at `at` equals `wanted`.
+inline bool hasOddNumberOf(const char *at, size_t n, char wanted)
+{
+    __m128i odd = _mm_setzero_si128(); // one byte per place in a block
+    for (; n >= 16; at += 16, n -= 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+        odd = _mm_xor_si128(odd, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted)));
+    }
+    const auto places = static_cast<quint32>(_mm_movemask_epi8(odd));
+    return (std::popcount(places) + std::count(at, at + n, wanted)) % 2 == 1;
 }
 
 /// See hasOneOf().

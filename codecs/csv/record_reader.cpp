@@ -32,14 +32,48 @@ bool startsWithAny(std::string_view text, std::span<const std::string_view> begi
 } // namespace
 
 RecordReader::RecordReader(ByteSource &source, Dialect dialect, Limits limits)
-    : m_source(source)
+    : m_source(&source)
     , m_dialect(std::move(dialect))
     , m_separator(m_dialect.separator)
     , m_lineEnd(m_dialect.endsLinesWithCr ? '\r' : '\n')
     , m_skipsLines(m_dialect.skippedLines > 0 || !m_dialect.comment.empty())
     , m_recordBytes(limits.recordBytes)
+    , m_firstBlockBytes(limits.blockBytes)
     , m_block(limits.blockBytes)
+    , m_bytes(m_block.data())
 {
+}
+
+RecordReader::RecordReader(ByteSource &source, Dialect dialect, Limits limits, qint64 line)
+    : RecordReader(source, std::move(dialect), limits)
+{
+    m_hasBegun = true;
+    m_nextLine = line;
+}
+
+RecordReader::RecordReader(std::string_view rest, Dialect dialect)
+    : m_source(nullptr)
+    , m_dialect(std::move(dialect))
+    , m_separator(m_dialect.separator)
+    , m_lineEnd(m_dialect.endsLinesWithCr ? '\r' : '\n')
+    , m_skipsLines(m_dialect.skippedLines > 0 || !m_dialect.comment.empty())
+    , m_recordBytes(rest.size())
+    , m_bytes(rest.data())
+    , m_fill(rest.size())
+    , m_hasBegun(true)
+    , m_isEnded(true)
+{
+}
+
+qint64 RecordReader::readRest(void *buffer, qint64 n)
+{
+    if (m_at == m_fill) {
+        return m_source->read(buffer, n);
+    }
+    const size_t take = std::min(m_fill - m_at, static_cast<size_t>(n));
+    std::memcpy(buffer, m_bytes + m_at, take);
+    m_at += take;
+    return static_cast<qint64>(take);
 }
 
 Fault<Error> RecordReader::faultOf(Error code) const
@@ -54,11 +88,26 @@ Result<void, Error> RecordReader::growBlock()
         return faultOf(Error::RecordTooLong);
     }
     m_block.resize(std::min(m_block.size() * 2, m_recordBytes));
+    m_bytes = m_block.data();
     return {};
 }
 
-/// Moves the bytes of the current record to the front of the block and reads more after them.
+/// Moves the bytes of the current record to the front of the block and reads more after them. A
+/// record that is longer than a block doubles before it is scanned again: otherwise the time would
+/// grow with the square of its size.
 Result<void, Error> RecordReader::refill()
+{
+    const size_t held = m_fill - m_at;
+    const size_t enough = held < m_firstBlockBytes ? held + 1 : std::min(held * 2, m_recordBytes);
+    do {
+        if (const auto read = readMore(); !read) {
+            return read.fault();
+        }
+    } while (m_fill < enough && !m_isEnded);
+    return {};
+}
+
+Result<void, Error> RecordReader::readMore()
 {
     std::memmove(m_block.data(), m_block.data() + m_at, m_fill - m_at);
     m_blockOffset += static_cast<qint64>(m_at);
@@ -70,7 +119,7 @@ Result<void, Error> RecordReader::refill()
         }
     }
     const qint64 wanted = static_cast<qint64>(m_block.size() - m_fill);
-    const qint64 got = m_source.read(m_block.data() + m_fill, wanted);
+    const qint64 got = m_source->read(m_block.data() + m_fill, wanted);
     if (got < 0) {
         return faultOf(Error::Unreadable);
     }
@@ -144,7 +193,7 @@ inline RecordReader::Scan RecordReader::endRecord(const char *at, const char *en
     }
     at += at < end && *at == '\r' ? 1 : 0;
     at += at < end && *at == '\n' ? 1 : 0;
-    m_at = static_cast<size_t>(at - m_block.data());
+    m_at = static_cast<size_t>(at - m_bytes);
     ++m_nextLine;
     return Scan::Record;
 }
@@ -170,15 +219,15 @@ RecordReader::Scan RecordReader::skipLine(const char *at, const char *end)
     if (lineEnd == nullptr && !m_isEnded) {
         return Scan::NeedMore;
     }
-    m_at = static_cast<size_t>((lineEnd != nullptr ? lineEnd + 1 : end) - m_block.data());
+    m_at = static_cast<size_t>((lineEnd != nullptr ? lineEnd + 1 : end) - m_bytes);
     ++m_nextLine;
     return Scan::Skipped;
 }
 
 RecordReader::Scan RecordReader::scanRecord()
 {
-    const char *at = m_block.data() + m_at;
-    const char *const end = m_block.data() + m_fill;
+    const char *at = m_bytes + m_at;
+    const char *const end = m_bytes + m_fill;
     m_fields.clear();
     m_scratch.clear();
     m_line = m_nextLine;

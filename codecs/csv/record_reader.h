@@ -65,6 +65,11 @@ public:
         : RecordReader(source, std::move(dialect), Limits())
     {
     }
+    /// Continue a text at line `line`, 1-based, where a record begins.
+    RecordReader(ByteSource &source, Dialect dialect, Limits limits, qint64 line);
+    /// Read the rest of a text from its line 1. The bytes must outlive the reader, which does not
+    /// copy them.
+    RecordReader(std::string_view rest, Dialect dialect);
 
     /// Read the next record. Returns false at the end of the text. The offset of a fault is that of
     /// the record's first byte. Do not call it again after a fault.
@@ -76,11 +81,18 @@ public:
     std::span<const Field> fields() const { return m_fields; }
 
     /// The bytes of the record as they are in the source, with its line end; valid like fields().
-    std::string_view record() const { return {m_block.data() + m_recordAt, m_at - m_recordAt}; }
+    std::string_view record() const { return {m_bytes + m_recordAt, m_at - m_recordAt}; }
 
+    const Dialect &dialect() const { return m_dialect; }
     /// Line on which the record begins, 1-based, also after a fault. Each LF begins a line, also
     /// one inside quotes; if a CR ends lines, each CR does instead.
     qint64 line() const { return m_line; }
+    /// Line on which the next record begins.
+    qint64 nextLine() const { return m_nextLine; }
+
+    /// Read the bytes after the current record instead of further records. Returns what
+    /// ByteSource::read() does.
+    qint64 readRest(void *buffer, qint64 n);
 
 private:
     // What scanRecord() found. NeedMore: the block ends before the end of the record is certain.
@@ -95,23 +107,26 @@ private:
     const char *scanPlain(const char *at, const char *end);
     void placeQuotedFields();
     Result<void, Error> refill();
+    Result<void, Error> readMore();
     Result<void, Error> growBlock();
     Result<void, Error> begin();
     Fault<Error> faultOf(Error code) const;
 
-    ByteSource &m_source;
+    ByteSource *m_source; // null: m_bytes is the whole text
     Dialect m_dialect;
     char m_separator;  // of m_dialect
     char m_lineEnd;    // the last byte of a line end: LF, or CR if that ends lines
     bool m_skipsLines; // m_dialect has lines to skip
     size_t m_recordBytes;
+    size_t m_firstBlockBytes = 0; // a longer record doubles between scans
     std::vector<char> m_block;
-    size_t m_at = 0;          // next byte of the block
-    size_t m_recordAt = 0;    // first byte of the current record
-    size_t m_fill = 0;        // bytes in the block
-    qint64 m_blockOffset = 0; // of the block's first byte in the source
-    bool m_hasBegun = false;  // the first bytes have been examined
-    bool m_isEnded = false;   // the source has no more bytes
+    const char *m_bytes = nullptr; // m_block, or memory of the caller
+    size_t m_at = 0;               // next byte of the block
+    size_t m_recordAt = 0;         // first byte of the current record
+    size_t m_fill = 0;             // bytes in the block
+    qint64 m_blockOffset = 0;      // of the block's first byte in the source
+    bool m_hasBegun = false;       // the first bytes have been examined
+    bool m_isEnded = false;        // the source has no more bytes
     std::vector<Field> m_fields;
     std::vector<char> m_scratch; // texts of the quoted fields
     qint64 m_line = 1;           // of the current record

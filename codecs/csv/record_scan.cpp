@@ -1,3 +1,11 @@
+// Which fields of a record decide about the kinds of their columns:
+//
+//   12;"";;NULL;31.12.2026
+//   |  |  ||    +- converted first, where the column has a date format
+//   |  |  |+- missing, if "NULL" is one of the null values
+//   |  |  +- missing: empty without quotes
+//   |  +- an empty text: a value
+//   +- a value
 #include "codecs/csv/record_scan.h"
 
 #include <algorithm>
@@ -41,12 +49,18 @@ bool RecordScan::add(const RecordReader &reader)
 }
 
 /// A fault ends the scan in silence; the run that follows reports it.
-void RecordScan::addAll(RecordReader &reader, qint64 rows)
+bool RecordScan::addAll(RecordReader &reader, qint64 rows)
 {
-    for (bool hasMore = true; hasMore && m_rows < rows;) {
+    while (m_rows < rows) {
         const auto found = reader.next();
-        hasMore = found && *found && add(reader);
+        if (!found || !*found) {
+            return static_cast<bool>(found);
+        }
+        if (!add(reader)) {
+            return false;
+        }
     }
+    return false;
 }
 
 } // namespace corvanta::csv

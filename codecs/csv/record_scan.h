@@ -14,6 +14,10 @@ namespace corvanta::csv {
 class RecordScan
 {
 public:
+    /// Gives the value for the text of a field, such as a date in another format, valid until its
+    /// next call.
+    using Value = std::function<std::string_view(std::string_view)>;
+
     struct Rules
     {
         char decimalPoint = '.';
@@ -22,9 +26,8 @@ public:
         std::span<const QByteArray> nullValues = {};
         /// A record may have fewer fields than columns, or more, which are not read.
         bool fillsRagged = false;
-        /// For each column what gives the value for the text of a field, such as a date in another
-        /// format, valid until its next call; null: the text is the value. Empty: all are null.
-        std::span<const std::function<std::string_view(std::string_view)>> values = {};
+        /// For each column; null: the text is the value. Empty: all are null.
+        std::span<const Value> values = {};
     };
 
     /// One element of `scans` per column, which must outlive this object.
@@ -35,11 +38,14 @@ public:
     }
 
     /// Scan the current record of `reader`. Returns false for a record with another number of
-    /// fields than columns, which is not read; an empty line is no row.
+    /// fields than columns, which is not read; an empty line is not a row.
     bool add(const RecordReader &reader);
     /// Scan the records that follow, until there have been `rows` rows in all. Stops at the end and
-    /// at the first record that is not read: whoever reads the rows reports it.
-    void addAll(RecordReader &reader, qint64 rows);
+    /// at the first record that is not read: the reader of the rows reports it. Returns whether it
+    /// stopped at the end.
+    bool addAll(RecordReader &reader, qint64 rows);
+    /// Count rows that another scan has examined.
+    void skip(qint64 rows) { m_rows += rows; }
     /// Rows scanned so far, of all texts.
     qint64 rows() const { return m_rows; }
 

@@ -1,3 +1,12 @@
+// The beginning of a text in UTF-8. Its first 64 KiB, the sample, show separator and line end:
+//
+//   EF BB BF           mark; optional
+//   line end           empty lines; skipped only where the separator is searched
+//   sep=; line end     the separator, as spreadsheet programs write it; then not searched
+//   records            see record_reader.cpp
+//
+// The sample is read first and kept, because a source may be a pipe: Replay gives its bytes again
+// and continues with the source.
 #include "codecs/csv/text_reader.h"
 
 #include "codecs/csv/find_separator.h"

@@ -18,7 +18,7 @@ inline constexpr char kPresentationPart[] = "ppt/presentation.xml";
 // Beginnings of names; the parts are numbered.
 inline constexpr char kSlidePrefix[] = "ppt/slides/slide";
 inline constexpr char kNotesPrefix[] = "ppt/notesSlides/notesSlide";
-/// Parts of a Word document besides its body.
+/// Parts of a Word document other than its body.
 inline constexpr std::array<const char *, 5> kOtherWordParts{
     "word/header", "word/footer", "word/footnotes", "word/endnotes", "word/comments"};
 

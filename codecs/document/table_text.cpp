@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace corvanta::document {
 
@@ -33,20 +34,38 @@ constexpr int kMaxWidth = 31680; // 22 inches, the widest page
 constexpr int kMinShare = 720;
 constexpr QByteArrayView kCellEnd("</w:t></w:r></w:p></w:tc>");
 
+/// Nothing if the tag does not begin a style.
+std::optional<QString> styleIdOf(const opc::Tag &tag)
+{
+    const bool opens = tag.kind != opc::Tag::Kind::Close && tag.local() == "style";
+    const auto found =
+        opens ? tag.attribute(opc::qualified(tag.prefix(), "styleId")) : std::nullopt;
+    return found ? std::optional(opc::decoded(*found)) : std::nullopt;
+}
+
 } // namespace
 
 bool definesStyle(QByteArrayView styles, const QString &id)
 {
     for (opc::TagCursor cursor(styles); cursor.next();) {
-        const opc::Tag &tag = cursor.tag();
-        const bool opens = tag.kind != opc::Tag::Kind::Close && tag.local() == "style";
-        const auto found =
-            opens ? tag.attribute(opc::qualified(tag.prefix(), "styleId")) : std::nullopt;
-        if (found && opc::decoded(*found) == id) {
+        if (styleIdOf(cursor.tag()) == id) {
             return true;
         }
     }
     return false;
+}
+
+QStringList tableStyles(QByteArrayView styles)
+{
+    QStringList ids;
+    for (opc::TagCursor cursor(styles); cursor.next();) {
+        const auto id = styleIdOf(cursor.tag());
+        if (id &&
+            cursor.tag().attribute(opc::qualified(cursor.tag().prefix(), "type")) == "table") {
+            ids << *id;
+        }
+    }
+    return ids;
 }
 
 std::vector<int> columnWidths(const QString &list, qsizetype columns, QStringList *invalid)

@@ -21,6 +21,9 @@ extern const char kTableGridDefinition[];
 /// Whether a styles part defines a style with this id.
 bool definesStyle(QByteArrayView styles, const QString &id);
 
+/// The ids of the table styles in a styles part, in its order.
+QStringList tableStyles(QByteArrayView styles);
+
 /// The text width of a page of A4 paper with the usual margins, in twentieths of a point.
 inline constexpr int kPageWidth = 9072;
 

@@ -1,3 +1,5 @@
+// iconv(3) reports the end of a call by its result and errno: 0 when all bytes are converted,
+// EINVAL for an incomplete character at the end, EILSEQ for an invalid one, E2BIG without room.
 #include "codecs/encoding/iconv_handle.h"
 
 #include <iconv.h>

@@ -6,6 +6,7 @@
 #include "base/number.h"
 #include "base/text/number_value.h"
 
+#include <algorithm>
 #include <compare>
 
 using namespace Qt::StringLiterals;
@@ -34,6 +35,32 @@ std::partial_ordering compareTexts(std::u16string_view a, std::u16string_view b)
         return orderOf(*differ.first) <=> orderOf(*differ.second);
     }
     return a.size() <=> b.size();
+}
+
+/// Compares words, dates and times of ASCII. A Z after a time sorts before the point of a fraction.
+std::partial_ordering compareWords(std::u16string_view a, std::u16string_view b)
+{
+    const auto folded = [](char16_t unit) -> quint32 {
+        switch (unit) {
+        case u' ':
+            return u't';
+        case u'Z':
+        case u'z':
+            return 1;
+        default:
+            return unit >= u'A' && unit <= u'Z' ? unit + 0x20U : unit;
+        }
+    };
+    return std::lexicographical_compare_three_way(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [&](char16_t x, char16_t y) { return folded(x) <=> folded(y); });
+}
+
+/// A name that is written like a boolean.
+bool isBooleanWord(const QString &name)
+{
+    return name.compare("true"_L1, Qt::CaseInsensitive) == 0 ||
+           name.compare("false"_L1, Qt::CaseInsensitive) == 0;
 }
 
 /// Nothing but "not equal" holds for an unordered pair, of which one is a NaN.
@@ -65,7 +92,7 @@ QString quoted(std::u16string_view text)
 } // namespace
 
 Result<Condition, Error> Condition::bind(const Expression &expression, const RowView &columns,
-                                         const std::vector<bool> &hasNumbers, char decimalPoint)
+                                         const std::vector<TextOrder> &orders, char decimalPoint)
 {
     Condition condition;
     condition.m_decimalPoint = decimalPoint;
@@ -73,8 +100,8 @@ Result<Condition, Error> Condition::bind(const Expression &expression, const Row
     for (const Node &node : expression.nodes) {
         BoundNode bound{node.kind, node.comparison, node.firstChild, node.next, {}, {}};
         for (const bool isLeft : {true, false}) {
-            auto operand = bindOperand(isLeft ? node.left : node.right, columns, expression.columns,
-                                       hasNumbers);
+            auto operand =
+                bindOperand(isLeft ? node.left : node.right, columns, expression.columns, orders);
             if (!operand) {
                 return operand.fault();
             }
@@ -91,7 +118,7 @@ Result<Condition, Error> Condition::bind(const Expression &expression, const Row
 Result<Condition::BoundOperand, Error> Condition::bindOperand(const Operand &operand,
                                                               const RowView &columns,
                                                               const QStringList &names,
-                                                              const std::vector<bool> &hasNumbers)
+                                                              const std::vector<TextOrder> &orders)
 {
     BoundOperand bound;
     bound.number = operand.number;
@@ -105,21 +132,31 @@ Result<Condition::BoundOperand, Error> Condition::bindOperand(const Operand &ope
     }
     const QString &name = names[operand.column];
     bound.column = columns.indexOf(name);
+    if (bound.column < 0 && isBooleanWord(name)) {
+        bound.source = Source::Text;
+        bound.text = name.toStdU16String();
+        return bound;
+    }
     if (bound.column < 0) {
         return Fault{Error::UnknownColumn, name, operand.position};
     }
-    switch (columns.type(bound.column)) {
+    bound.source = sourceOf(columns.type(bound.column), orders[size_t(bound.column)]);
+    return bound;
+}
+
+Condition::Source Condition::sourceOf(cell::Type type, TextOrder order)
+{
+    switch (type) {
     case cell::Type::Key:
-        bound.source = Source::Key;
-        break;
+        return Source::Key;
     case cell::Type::Double:
-        bound.source = Source::Double;
-        break;
+        return Source::Double;
     case cell::Type::Text:
-        bound.source = hasNumbers[size_t(bound.column)] ? Source::TextNumberCell : Source::TextCell;
         break;
     }
-    return bound;
+    return order == TextOrder::Numbers ? Source::TextNumberCell
+           : order == TextOrder::Words ? Source::WordCell
+                                       : Source::TextCell;
 }
 
 /// A text column is checked when a row has a value in it.
@@ -127,8 +164,7 @@ Result<void, Error> Condition::checkTypes(const BoundNode &node, const Node &sou
                                           const RowView &columns)
 {
     const bool isMixed = node.left.isNumber() != node.right.isNumber();
-    const bool hasTextCell =
-        node.left.source == Source::TextCell || node.right.source == Source::TextCell;
+    const bool hasTextCell = node.left.isTextCell() || node.right.isTextCell();
     if (node.kind != Node::Kind::Compare || !isMixed || hasTextCell) {
         return {};
     }
@@ -141,7 +177,7 @@ Result<void, Error> Condition::checkTypes(const BoundNode &node, const Node &sou
     return Fault{
         Error::TypeMismatch,
         u"the text '%1' cannot be compared with %2; a number is written without quotes"_s.arg(
-            text.text, what),
+            QString::fromStdU16String((isTextLeft ? node.left : node.right).text), what),
         text.position};
 }
 
@@ -220,7 +256,10 @@ Condition::Truth Condition::compare(const BoundNode &node, const RowView &row)
         return operand.column < 0 ? std::u16string_view(operand.text)
                                   : cell::readText(row.cells[operand.column]).view();
     };
-    const auto order = compareTexts(textOf(node.left), textOf(node.right));
+    const bool areWords =
+        node.left.source == Source::WordCell || node.right.source == Source::WordCell;
+    const auto order = areWords ? compareWords(textOf(node.left), textOf(node.right))
+                                : compareTexts(textOf(node.left), textOf(node.right));
     return holds(node.comparison, order) ? Truth::True : Truth::False;
 }
 

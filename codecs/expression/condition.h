@@ -13,28 +13,37 @@
 
 namespace corvanta::expression {
 
+/// How the texts of a text column are compared.
+enum class TextOrder : quint8 {
+    CodePoints,
+    Numbers, ///< as numbers
+    /// Booleans, dates and times: neither letter case counts, nor whether a blank or a T is between
+    /// a date and a time. The words true and false without quotes are texts.
+    Words,
+};
+
 /// An expression with its columns found in a table. Evaluates without allocating memory. Threads:
 /// one at a time.
 class Condition
 {
 public:
-    /// Find the columns of `expression` in a table. `hasNumbers` has one entry per column: whether
-    /// the texts of a text column are compared as numbers, whose decimal point is `decimalPoint`.
+    /// Find the columns of `expression` in a table. `orders` has one entry per column; the decimal
+    /// point of numbers in texts is `decimalPoint`.
     /// Errors: UnknownColumn, TypeMismatch (a column of numbers and a text); the offset counts
     /// characters of the expression from 0.
     static Result<Condition, Error> bind(const Expression &expression, const RowView &columns,
-                                         const std::vector<bool> &hasNumbers,
+                                         const std::vector<TextOrder> &orders,
                                          char decimalPoint = '.');
 
     /// Whether the expression is true for the row, which has the columns given to bind(). Errors:
-    /// TypeMismatch (a text column without `hasNumbers` and a number), NotANumber. Both need a text
+    /// TypeMismatch (a text column that has no numbers, and a number), NotANumber. Both need a text
     /// that is not missing, so that a column without values never fails.
     Result<bool, Error> isTrue(const RowView &row);
 
 private:
     enum class Truth : quint8 { False, True, Unknown };
     /// Where the value of an operand comes from.
-    enum class Source : quint8 { Number, Text, Key, Double, TextCell, TextNumberCell };
+    enum class Source : quint8 { Number, Text, Key, Double, TextCell, WordCell, TextNumberCell };
     struct BoundOperand
     {
         Source source = Source::Number;
@@ -42,7 +51,8 @@ private:
         qint64 rest = 0;     // what a literal with many digits is more than `number`
         std::u16string text; // of a literal, so that comparisons need no conversion
         int column = -1;     // in the table
-        bool isNumber() const { return source != Source::Text && source != Source::TextCell; }
+        bool isNumber() const { return source != Source::Text && !isTextCell(); }
+        bool isTextCell() const { return source == Source::TextCell || source == Source::WordCell; }
     };
     struct BoundNode
     {
@@ -57,7 +67,8 @@ private:
     /// Errors: UnknownColumn.
     static Result<BoundOperand, Error> bindOperand(const Operand &operand, const RowView &columns,
                                                    const QStringList &names,
-                                                   const std::vector<bool> &hasNumbers);
+                                                   const std::vector<TextOrder> &orders);
+    static Source sourceOf(cell::Type type, TextOrder order);
     /// Errors: TypeMismatch.
     static Result<void, Error> checkTypes(const BoundNode &node, const Node &source,
                                           const RowView &columns);

@@ -56,7 +56,9 @@ QString resultOf(const QString &text, const SampleRow &row)
     if (!parsed) {
         return u"%1: %2"_s.arg(parsed.fault().offset).arg(parsed.fault().detail);
     }
-    auto bound = Condition::bind(*parsed, row.view(), {false, false, false, true, false});
+    auto bound = Condition::bind(*parsed, row.view(),
+                                 {TextOrder::CodePoints, TextOrder::CodePoints,
+                                  TextOrder::CodePoints, TextOrder::Numbers, TextOrder::Words});
     if (!bound) {
         return u"%1: %2"_s.arg(bound.fault().offset).arg(bound.fault().detail);
     }
@@ -116,6 +118,26 @@ TEST(Expression, TextsAreOrderedByCodePoint)
     const SampleRow row(1, 1, u"\uFF5E"_s, u"1"_s);
     EXPECT_EQ(resultOf(u"u < '\U0001F600'"_s, row), u"1"_s);
     EXPECT_EQ(resultOf(u"u > 'z' and u > '\u00FF'"_s, row), u"1"_s);
+}
+
+TEST(Expression, WordsAreComparedWithoutLetterCase)
+{
+    const auto isTrue = [](const QString &text, const QString &value) {
+        TextCell cell(value);
+        const uchar *const cells[] = {cell.start};
+        const QString names[] = {u"w"_s};
+        const MetaInfo types[] = {MetaInfo()};
+        const RowView row{cells, names, types, 1};
+        auto bound = Condition::bind(*parse(text), row, {TextOrder::Words});
+        return bound && *bound->isTrue(row);
+    };
+    EXPECT_TRUE(resultOf(u"k = true"_s, SampleRow(1, 1, u""_s, u"1"_s))
+                    .startsWith(u"4: the text 'true' cannot"));
+    EXPECT_TRUE(isTrue(u"w = true and w = 'true' and w > false and not w = 'FALSE'"_s, u"TRUE"_s));
+    EXPECT_TRUE(isTrue(u"w >= '2026-01-31T04:30' and w < '2026-01-31 04:31' and w > '2026-01-31'"_s,
+                       u"2026-01-31 04:30:05"_s));
+    EXPECT_TRUE(isTrue(u"w < '2026-01-31T04:30:05.25Z' and w >= '2026-01-31 04:30:05'"_s,
+                       u"2026-01-31T04:30:05Z"_s));
 }
 
 TEST(Expression, QuotesAreDoubled)

@@ -154,23 +154,27 @@ TEST(Lzw, RejectsUnknownVariantsAndInvalidCodes)
     {
         QByteArray bytes;
         lzw::Error error;
+        const char *detail;
     };
     const Case cases[] = {
-        {"", lzw::Error::BadHeader},
-        {"\x1F\x9D", lzw::Error::BadHeader},
-        {"\x1F\x8B\x90", lzw::Error::BadHeader},
-        {"\x1F\x9D\xB0", lzw::Error::BadHeader},           // bit 5
-        {"\x1F\x9D\xD0", lzw::Error::BadHeader},           // bit 6
-        {"\x1F\x9D\x88", lzw::Error::BadHeader},           // width 8
-        {"\x1F\x9D\x91", lzw::Error::BadHeader},           // width 17
-        {"\x1F\x9D\x90\xFF\xFF", lzw::Error::BadCode},     // 511 as the first code
-        {"\x1F\x9D\x90\x61\x06\x02", lzw::Error::BadCode}, // 'a', then 259 while 257 is next
-        {"\x1F\x9D\x90\x61", lzw::Error::EndsInCode},
+        {"", lzw::Error::BadHeader, "it does not start like a .Z file"},
+        {"\x1F\x9D", lzw::Error::BadHeader, "it does not start like a .Z file"},
+        {"\x1F\x8B\x90", lzw::Error::BadHeader, "it does not start like a .Z file"},
+        {"\x1F\x9D\xB0", lzw::Error::BadHeader, "its .Z variant is not known"}, // bit 5
+        {"\x1F\x9D\xD0", lzw::Error::BadHeader, "its .Z variant is not known"}, // bit 6
+        {"\x1F\x9D\x88", lzw::Error::BadHeader, "its .Z variant is not known"}, // width 8
+        {"\x1F\x9D\x91", lzw::Error::BadHeader, "its .Z variant is not known"}, // width 17
+        // 511 as the first code
+        {"\x1F\x9D\x90\xFF\xFF", lzw::Error::BadCode, "a code in it is not valid"},
+        // 'a', then 259 while 257 is next
+        {"\x1F\x9D\x90\x61\x06\x02", lzw::Error::BadCode, "a code in it is not valid"},
+        {"\x1F\x9D\x90\x61", lzw::Error::EndsInCode, "it ends in the middle of a code"},
     };
     for (const Case &c : cases) {
         auto decoded = decode(c.bytes, -1, 100);
         ASSERT_FALSE(decoded) << c.bytes.toHex().toStdString();
         EXPECT_EQ(decoded.fault().code, c.error) << c.bytes.toHex().toStdString();
+        EXPECT_EQ(decoded.fault().detail, QLatin1String(c.detail));
     }
     auto empty = decode("\x1F\x9D\x90", -1, 100);
     EXPECT_TRUE(empty && empty->isEmpty());

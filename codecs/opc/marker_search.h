@@ -25,8 +25,8 @@ struct MarkerHit
 /// wins, of several that begin together the first of the list. An empty marker is never found.
 std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers);
 
-/// Tells which offsets of a text are inside a tag, and thus in an attribute, or in skipped markup.
-/// The text must outlive it. Time: linear in the text for all offsets together.
+/// Finds out which offsets of a text are inside a tag, and thus in an attribute, or in skipped
+/// markup. The text must outlive it. Time: linear in the text for all offsets together.
 class TagTracker
 {
 public:

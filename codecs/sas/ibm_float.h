@@ -14,7 +14,7 @@ namespace corvanta::sas {
 /// What became of a value.
 enum class Stored : quint8 {
     Exact,
-    Rounded,  ///< Digits that do not fit the width are cut off; also values near 0, which become 0.
+    Rounded,  ///< Digits that do not fit the width are dropped; also values near 0, which become 0.
     TooLarge, ///< Infinite, or 16^63 and above: stored as missing.
 };
 

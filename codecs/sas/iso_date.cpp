@@ -1,3 +1,10 @@
+// The texts that are stored as numbers (ISO 8601), each from its beginning to its end:
+//
+//   Days      yyyy-mm-dd                            days since 1960-01-01; a time must be 00:00
+//   Seconds   yyyy-mm-dd[(T| )hh:mm[:ss[.f]][Z]]    seconds since 1960-01-01 00:00
+//   Time      [-]h..h:mm[:ss[.f]]                   seconds; 2 to 6 digits of hours
+//
+// The fraction .f has 1 to 9 digits. The zone Z is accepted and not stored.
 #include "codecs/sas/iso_date.h"
 
 #include <QDate>

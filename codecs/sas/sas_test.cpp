@@ -79,7 +79,7 @@ TEST(IbmFloat, KeepsWhatFitsEachWidth)
         char bytes[8];
         const Stored stored = putIbmFloat(value, width, bytes);
         const double back = fromIbm(bytes, width);
-        // The digits that are cut off, for a first digit with one bit.
+        // The digits that are dropped, for a first digit with one bit.
         const double lost = std::ldexp(std::abs(value), 4 - 8 * (width - 1));
         EXPECT_EQ(stored == Stored::Exact, back == value) << value << " in " << width;
         EXPECT_TRUE(width == 8 ? back == value : std::abs(back - value) < lost) << value;

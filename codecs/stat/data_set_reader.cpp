@@ -1,3 +1,12 @@
+// The calls of the library during read(), and what the consumer of the rows sees:
+//
+//   metadata   once            encoding, number of rows
+//   variable   per variable    columns; one that is not selected is skipped
+//                              before the first value: onColumns() is called
+//   value      per cell        row by row; nothing marks the end of a row
+//   error      any time        messages, kept for the caller
+//
+// Every handler returns READSTAT_HANDLER_ABORT after a fault of our own, which `failure` keeps.
 #include "codecs/stat/data_set_reader.h"
 
 #include "codecs/stat/check/header_check.h"
@@ -86,6 +95,7 @@ int DataSetReader::parse(RowRing &ring, const OnColumns &onColumns)
     m_onColumns = &onColumns;
     LibraryParser parser(m_input);
     Handlers::attachTo(parser.handle());
+    readstat_set_row_offset(parser.handle(), static_cast<long>(m_options.skippedRows));
     if (m_options.format == Format::SpssSav) {
         // Without it, the library ignores which variables of long texts have labels.
         readstat_set_value_label_handler(parser.handle(), Handlers::onLabel);

@@ -30,6 +30,7 @@ struct ReadOptions
     bool extractLabels = false;                 ///< cells are the labels of labelled values
     bool formatDates = false;                   ///< cells of dates and times are ISO 8601 text
     QStringList columns;                        ///< names of the variables to read; empty: all
+    qint64 skippedRows = 0;                     ///< rows before the first one that is read
     qint64 maxRows = 0;                         ///< rows after which reading ends; 0: no limit
 
     /// The name of the column of a variable.

@@ -1,3 +1,8 @@
+// A pass over a file without its rows: the variables are skipped, and the labels come one by one,
+// before or after the metadata that names their encoding.
+//
+//   (set, value, label)   the bytes of the file, as RawLabel
+//   set -> entries        decoded at the end of the pass; the order of the file within a set
 #include "codecs/stat/label_reader.h"
 
 #include "codecs/encoding/text_decoder.h"

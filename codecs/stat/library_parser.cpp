@@ -1,3 +1,8 @@
+// The parser of the library, with our source instead of a path, and encodings of files:
+//
+//   .por                          converted by the library: UTF-8
+//   .dta before version 118       not named: Windows-1252, unless the user names another
+//   others                        named in the file; without a name UTF-8
 #include "codecs/stat/library_parser.h"
 
 namespace corvanta::stat {

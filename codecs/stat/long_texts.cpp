@@ -234,7 +234,7 @@ std::optional<LongTexts::Stored> LongTexts::searchFirst(const char *reference)
 
 std::optional<LongTexts::Place> LongTexts::find(int offset)
 {
-    // The library reads a row at once.
+    // The library reads a row in one call.
     const auto row = m_library->lastRead();
     if (row.size() != m_rowBytes || m_fault || (m_stride == 0 && !makeIndex())) {
         return std::nullopt;

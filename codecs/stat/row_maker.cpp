@@ -1,3 +1,9 @@
+// A value of the library becomes a cell in the ring:
+//
+//   number   8 bytes, a double; or a text: a date in ISO form, a label, or its digits
+//   text     1 to 4 bytes of length code, then UTF-16 units (base/cell.h); decoded directly into
+//            the ring, 4 bytes after the start of the room, because the code depends on the length
+//   missing  a cell outside the ring, shared by all rows
 #include "codecs/stat/row_maker.h"
 
 #include "base/number.h"

@@ -177,7 +177,7 @@ namespace {
 
 Fault<Error> cutOff(const QString &reason)
 {
-    return {Error::Damaged, QStringLiteral("the file is cut off: ") + reason};
+    return {Error::Damaged, QStringLiteral("the file is truncated: ") + reason};
 }
 
 bool isBlank(const QByteArray &bytes)

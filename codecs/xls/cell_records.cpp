@@ -37,7 +37,7 @@ constexpr quint8 kXfBits = 0x3F;
 constexpr qint64 kMulRkBytes = 6; // of each cell
 
 // The format has 256 columns; this is what spreadsheet programs read at most.
-constexpr int kMostColumns = 16384;
+constexpr int kMaxColumns = 16384;
 
 /// For messages. Made only for the first cell of each problem.
 QString placeOfCell(qint64 row, int column)
@@ -208,7 +208,7 @@ void CellDecoder::count(SheetProblem problem, int row, int column)
 
 void CellDecoder::decode(const Record &record, RowCells *row)
 {
-    if (columnOf(record) >= kMostColumns) {
+    if (columnOf(record) >= kMaxColumns) {
         count(SheetProblem::OutOfSheet, rowOfCell(record), columnOf(record));
         return;
     }
@@ -277,7 +277,7 @@ void CellDecoder::decodeMulRk(const Record &record, RowCells *row)
 {
     int column = columnOf(record);
     for (qint64 at = 4; at + kMulRkBytes <= record.bytes; at += kMulRkBytes, ++column) {
-        if (column >= kMostColumns) {
+        if (column >= kMaxColumns) {
             count(SheetProblem::OutOfSheet, rowOfCell(record), column);
             return;
         }
@@ -350,8 +350,8 @@ void CellDecoder::decodeFormula(const Record &record, qint64 header, NumberForm 
 /// Go to the STRING record of a formula: the records of shared formulas and arrays may precede it.
 bool CellDecoder::seekResultText(Record *record)
 {
-    constexpr int kMostBetween = 16;
-    for (int i = 0; i < kMostBetween; ++i) {
+    constexpr int kMaxBetween = 16;
+    for (int i = 0; i < kMaxBetween; ++i) {
         const qint64 before = m_reader.position();
         if (!m_reader.next(record)) {
             return false;

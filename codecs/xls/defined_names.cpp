@@ -86,7 +86,7 @@ void DefinedNames::take(RecordReader &reader, const Record &record, const TextRe
 void DefinedNames::takeName(RecordReader &reader, const Record &record, const TextReader &rules)
 {
     constexpr qint64 kHeaderBytes = 14;
-    constexpr qint64 kMostTokenBytes = 21;
+    constexpr qint64 kMaxTokenBytes = 21;
     if (record.bytes < kHeaderBytes) {
         return;
     }
@@ -101,7 +101,7 @@ void DefinedNames::takeName(RecordReader &reader, const Record &record, const Te
     if ((flags & kBuiltIn) != 0) {
         stored.name = builtInName(stored.name);
     }
-    if (formulaBytes <= kMostTokenBytes) { // more is not a single area
+    if (formulaBytes <= kMaxTokenBytes) { // more is not a single area
         QByteArray kept;
         stored.tokens = in.bytes(formulaBytes, &kept).toByteArray();
     }

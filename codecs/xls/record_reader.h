@@ -53,7 +53,7 @@ private:
     /// Have `n` bytes in the buffer from the next record on. Returns false if there are fewer.
     bool ensure(size_t n);
     bool refill();
-    /// Go on without any bytes in the buffer.
+    /// Continue without any bytes in the buffer.
     void emptyAt(qint64 offset);
     /// Move the bytes that are not read yet to the beginning of the buffer.
     void dropRead();

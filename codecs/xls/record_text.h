@@ -40,7 +40,7 @@ public:
 
 private:
     qint64 left() const { return m_end - m_at; }
-    /// Go on in the next CONTINUE record.
+    /// Continue in the next CONTINUE record.
     bool nextPiece();
 
     RecordReader &m_reader;

@@ -1,5 +1,5 @@
 // A sheet stores its cells in blocks of 32 rows, row by row, but some writers store them column by
-// column. The scan tells which it is.
+// column. The scan determines which it is.
 #include "codecs/xls/sheet_rows.h"
 
 #include "base/limits.h"

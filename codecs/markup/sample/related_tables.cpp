@@ -1,3 +1,9 @@
+// The column that joins a table to its parent is an item of the level of the parent's records:
+//
+//   parent with a key      orders[].id   -> "orders_id", the value of the key
+//   parent without a key   orders[]      -> "orders_number", in the parent's table too
+//
+// A name that an item of the table already has gets a number: "orders_id_2".
 #include "codecs/markup/sample/related_tables.h"
 
 #include <algorithm>
@@ -25,6 +31,24 @@ QString freeName(const Level &level, const QString &name)
     return found;
 }
 
+/// Leave out, between the records of table `index`, what other tables read, and what those before
+/// it report.
+void leaveOutOthers(const std::vector<RelatedTable> &tables, size_t index, Level *first)
+{
+    for (size_t i = 0; i < tables.size(); ++i) {
+        const Level &other = tables[i].levels.front();
+        if (i == index) {
+            continue;
+        }
+        if (i < index) {
+            first->leftOut << u'/' + other.initialPath + u'/';
+        }
+        first->leftOut << u'/' + other.initialPath +
+                              (other.subtagName.isEmpty() ? QString() : u'/' + other.subtagName);
+    }
+    first->leftOut.removeDuplicates();
+}
+
 } // namespace
 
 std::vector<Level> joinedLevels(const std::vector<RelatedTable> &tables, size_t index,
@@ -32,6 +56,7 @@ std::vector<Level> joinedLevels(const std::vector<RelatedTable> &tables, size_t 
 {
     const RelatedTable &table = tables[index];
     std::vector<Level> levels = table.levels;
+    leaveOutOthers(tables, index, &levels.front());
     Level &own = levels.back();
     if (table.parent >= 0) {
         const auto parent = static_cast<size_t>(table.parent);

@@ -46,8 +46,8 @@ struct SampledDocument
 
     /// Paths of values that are not in the records of any table.
     QStringList outside;
-    /// Names for which there is another one that differs only in letter case. Paths tell them apart
-    /// by their order in a record.
+    /// Names for which there is another one that differs only in letter case. Paths distinguish
+    /// them by their order in a record.
     QStringList sameNames;
     /// Elements whose names a path cannot express; the place is the first name.
     Occurrences unnameable;

@@ -109,6 +109,19 @@ inline const char *skipNameChars(const char *at)
     });
 }
 
+/// The first byte that is not a character of a JSON number (charset::kNumber).
+inline const char *skipNumberChars(const char *at)
+{
+    return scan::find(at, [](__m128i block) {
+        // "-", ".", "/" and the digits are consecutive.
+        const __m128i digit =
+            _mm_andnot_si128(scan::is(block, '/'), scan::isOneFrom(block, '-', 13));
+        const __m128i exponent = scan::is(_mm_or_si128(block, _mm_set1_epi8(0x20)), 'e');
+        const __m128i plus = scan::is(block, '+');
+        return scan::mask(_mm_or_si128(_mm_or_si128(digit, exponent), plus)) ^ scan::kAll;
+    });
+}
+
 /// The first byte that ends or changes a JSON string: `quote`, a backslash or a control character,
 /// among them the NUL.
 inline const char *findStringStop(const char *at, char quote)

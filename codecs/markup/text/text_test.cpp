@@ -17,14 +17,47 @@ using namespace corvanta::markup;
 
 TEST(MarkupError, HasFixedTexts)
 {
-    EXPECT_STREQ(QString::fromUtf16(errorText(MarkupError::NoTagFound)).toLatin1(),
-                 "Warning: No XML/JSON tag found");
-    EXPECT_STREQ(QString::fromUtf16(errorText(MarkupError::Base64BufferTooSmall)).toLatin1(),
-                 "Error: Base64 decode output buffer is too small");
-    EXPECT_STREQ(QString::fromUtf16(errorText(static_cast<MarkupError>(32))).toLatin1(),
-                 "Unknown error");
-    EXPECT_TRUE(isWarning(MarkupError::Base64TruncatedWarning));
-    EXPECT_FALSE(isWarning(MarkupError::InvalidNumber));
+    const char *const texts[] = {
+        "No error",
+        "Warning: Unmatched end tag",
+        "Warning: No XML/JSON tag found",
+        "Error: No XML/JSON data",
+        "Error: Unmatched end tag",
+        "Error: Unexpected end tag",
+        "Error: Unmatched clear tag end",
+        "Error: File not found",
+        "Error: First Tag not found",
+        "Error: Unknown character entity",
+        "Error: Character code above 255 is forbidden in MultiByte char mode.",
+        "Error: Invalid char in tag name",
+        "Error: Invalid char in end tag name",
+        "Error: Invalid char at tag end",
+        "Error: Invalid char at PI end",
+        "Error: Attribute with No Equal Sign",
+        "Error: Quote or DoubleQuote expected",
+        "Error: Unable to convert between WideChar and MultiByte chars",
+        "Error: DOM Max Memory Reached",
+        "Error: Memory Allocation error",
+        "Error: read stream data",
+        "Error: Unable to open file for writing",
+        "Error: Cannot write into file",
+        "Error: colon (:) character expected",
+        "Error: invalid character inside number",
+        "Error: 'true' string expected",
+        "Error: 'false' string expected",
+        "Error: 'null' string expected",
+        "Warning: Base64-string length is not a multiple of 4",
+        "Error: Base64-string contains an illegal character",
+        "Warning: Base64-string is truncated",
+        "Error: Base64 decode output buffer is too small",
+        "Unknown error",
+    };
+    for (size_t code = 0; code < std::size(texts); ++code) {
+        const auto error = static_cast<MarkupError>(code);
+        EXPECT_EQ(QString::fromUtf16(errorText(error)), QLatin1String(texts[code]));
+        EXPECT_EQ(isWarning(error),
+                  QLatin1String(texts[code]).startsWith(QLatin1String("Warning")));
+    }
 }
 
 TEST(Base64, DecodesEncodedBytes)

@@ -2,7 +2,7 @@
 //
 //     opener       closer       section
 //     <![CDATA[    ]]>          XML 1.0, section 2.7
-//     <!DOCTYPE    ]> or >      XML 1.0, section 2.8; ">" if there is no "["; blanks in "]>"
+//     <!DOCTYPE    ]> or >      XML 1.0, section 2.8; ">" if there is no "["; see DocTypeEnd
 //     <!--         -->          XML 1.0, section 2.5
 //     <PRE>        </PRE>       HTML
 //     <script      </script>    HTML; also with a capital S
@@ -71,29 +71,70 @@ inline size_t openedSection(const char *at, bool html)
     return isSection ? i : kNoSection;
 }
 
-/// Bytes of the "]", blanks and ">" that end the subset of a DOCTYPE at the end of `content`; 0
-/// without them. What comes before distinguishes it from a "]" inside a declaration: a ">" that
-/// ends one, a ";" of a reference, or the "[".
-inline size_t spacedCloserSize(std::string_view content)
-{
-    constexpr std::string_view kBlanks = " \t\r\n";
-    const size_t bracket = content.find_last_not_of(kBlanks, content.size() - 2);
-    if (bracket == std::string_view::npos || bracket == 0 || content[bracket] != ']') {
-        return 0;
-    }
-    const size_t before = content.find_last_not_of(kBlanks, bracket - 1);
-    const bool isOutside = before != std::string_view::npos &&
-                           std::string_view(">;[").find(content[before]) != std::string_view::npos;
-    return isOutside ? content.size() - bracket : 0;
-}
-
-/// Bytes of the closer of `section` at the end of `content`, which ends with ">"; 0 without one.
+/// Bytes of the closer of `section`, not a DOCTYPE, at the end of `content`; 0 without one.
 inline size_t closerSize(std::string_view content, const ClearSection &section)
 {
-    if (content.ends_with(section.closer)) {
-        return section.closer.size();
-    }
-    return section.kind == ClearKind::DocType && content.size() > 1 ? spacedCloserSize(content) : 0;
+    return content.ends_with(section.closer) ? section.closer.size() : 0;
 }
+
+/// Finds the end of a DOCTYPE: its first ">", or with a subset "]", blanks and ">" outside
+/// declarations, comments and instructions (XML 1.0, section 2.8). A literal may contain "]>".
+class DocTypeEnd
+{
+public:
+    /// Bytes of the closer at the end of `content`; 0 without one. `content` is everything after
+    /// the opener up to a ">" or "[". Each call continues where the call before ended.
+    size_t closerSize(std::string_view content)
+    {
+        if (m_at == 0 && content.find('[') == std::string_view::npos) {
+            return 1;
+        }
+        while (m_at < content.size()) {
+            const std::string_view rest = content.substr(m_at);
+            const size_t found = findNext(rest);
+            m_at = found == std::string_view::npos ? content.size() : m_at + found + 1;
+            if (found == std::string_view::npos) {
+                break;
+            }
+            const size_t closer = pass(rest.substr(found));
+            if (closer != 0) {
+                return closer;
+            }
+        }
+        return 0;
+    }
+
+private:
+    /// Where `rest` has the next character that may change what is open.
+    size_t findNext(std::string_view rest) const
+    {
+        if (m_open.empty()) {
+            return rest.find_first_of("<]");
+        }
+        return m_open == kDeclaration ? rest.find_first_of("\"'>") : rest.find(m_open);
+    }
+
+    /// Pass what findNext() found, at the start of `at`; returns the bytes of the closer, or 0.
+    size_t pass(std::string_view at)
+    {
+        if (m_open.empty() && at[0] == ']') {
+            const size_t next = at.find_first_not_of(" \t\r\n", 1);
+            return next != std::string_view::npos && at[next] == '>' ? next + 1 : 0;
+        }
+        if (m_open.empty()) {
+            m_open = at.starts_with("<!--") ? "-->" : at.starts_with("<?") ? "?>" : kDeclaration;
+        } else if (m_open == kDeclaration && at[0] != '>') {
+            m_open = at[0] == '"' ? "\"" : "'";
+        } else {
+            m_open = m_open.size() == 1 && m_open != kDeclaration ? kDeclaration : "";
+        }
+        return 0;
+    }
+
+    static constexpr std::string_view kDeclaration = ">";
+
+    std::string_view m_open; // what ends the innermost open part; empty between declarations
+    size_t m_at = 0;         // bytes of the content that have been examined
+};
 
 } // namespace corvanta::markup

@@ -33,7 +33,7 @@ enum External : quint32 { kClosedName, kUnderscore, kNan, kInf, kMinusInf, kFirs
 constexpr std::array<std::string_view, 5> kExternal{"", "_", "nan", "inf", "-inf"};
 
 /// Bytes that resume() reads again at most, so that its time stays linear.
-constexpr size_t kMostRewound = size_t(64) << 20;
+constexpr size_t kMaxRewound = size_t(64) << 20;
 
 bool isLineBreak(char c)
 {
@@ -142,8 +142,8 @@ inline const char *JSONTokenizer::barewordEnd(const char *at) const
         const std::string_view word = *at == 't' ? "true" : (*at == 'f' ? "false" : "null");
         return at + (std::memcmp(at, word.data(), word.size()) == 0 ? word.size() : 0);
     }
-    const quint8 set = m_permissive ? charset::kPermissive : charset::kNumber;
-    while (isIn(*at, set)) {
+    at = skipNumberChars(at);
+    while (m_permissive && isIn(*at, charset::kPermissive)) {
         ++at;
     }
     return at;
@@ -243,7 +243,7 @@ bool JSONTokenizer::rewindToNextLine()
 {
     m_rewound += m_pos - mark();
     m_pos = m_keep = mark();
-    while (m_rewound <= kMostRewound && skipLine()) {
+    while (m_rewound <= kMaxRewound && skipLine()) {
         const char *at = here();
         ensure(&at, 1);
         if (beginsValue(*at)) {

@@ -74,8 +74,8 @@ void MarkupTokenizer::restart(ByteSource &source)
 /// capacity stops a little beyond the largest limit of what a buffer may hold.
 bool MarkupTokenizer::allocate(size_t capacity)
 {
-    constexpr size_t kMostBytes = static_cast<size_t>(limits::kTreeArenaBytes) + 2 * kFillBytes;
-    capacity = std::min(capacity, kMostBytes);
+    constexpr size_t kMaxBytes = static_cast<size_t>(limits::kTreeArenaBytes) + 2 * kFillBytes;
+    capacity = std::min(capacity, kMaxBytes);
     std::unique_ptr<char[]> larger(new (std::nothrow) char[capacity + kPadding]);
     if (!larger) {
         m_pendingError = MarkupError::NoMemory;

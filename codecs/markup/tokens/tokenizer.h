@@ -147,6 +147,8 @@ public:
     LineCounter position() const { return positionAt(m_pos); }
     /// The position where the current token begins.
     LineCounter tokenStart() const { return positionAt(m_keep); }
+    /// The position of a range that is relative to it.
+    LineCounter positionOf(TextSpan span) const { return positionAt(m_keep + span.offset()); }
     /// The position of the byte `offset` after the pinned place.
     LineCounter positionInPinned(size_t offset) const { return positionAt(m_pin + offset); }
 

@@ -371,14 +371,15 @@ Token XMLTokenizer::readClear(size_t opener)
 }
 
 /// Find the end of a section whose content begins at `at`; sets `*text` to the content. Null, with
-/// the position at the end of the data, when there is no closer. A DOCTYPE without "[" ends at ">".
+/// the position at the end of the data, when there is no closer.
 const char *XMLTokenizer::findCloser(const char *at, size_t opener, TextSpan *text)
 {
     const ClearSection &section = kClearSections[opener];
     const quint32 start = fromToken(at);
-    bool bracketed = section.kind != ClearKind::DocType;
+    const bool isDocType = section.kind == ClearKind::DocType;
+    DocTypeEnd docType;
     for (;;) {
-        at = findEither(at, '>', bracketed ? '>' : '[');
+        at = findEither(at, '>', isDocType ? '[' : '>');
         if (*at == 0) {
             if (at != end() || !refillAt(&at)) {
                 moveTo(at);
@@ -386,9 +387,9 @@ const char *XMLTokenizer::findCloser(const char *at, size_t opener, TextSpan *te
             }
             continue;
         }
-        bracketed = bracketed || *at == '[';
         const std::string_view content(data() + m_keep + start, fromToken(++at) - start);
-        const size_t closer = bracketed ? closerSize(content, section) : 1;
+        const size_t closer =
+            isDocType ? docType.closerSize(content) : closerSize(content, section);
         if (closer != 0) {
             *text = {start, static_cast<quint32>(content.size() - closer), TextForm::Plain};
             return at;

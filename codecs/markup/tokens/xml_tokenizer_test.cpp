@@ -69,6 +69,9 @@ const XmlCase kXmlCases[] = {
     {"<!DOCTYPE a [<!ENTITY x 'y'> ] \n><b/>", "# a [<!ENTITY x 'y'>  <b >b ."},
     {"<!DOCTYPE a [ ] ><b/>", "# a [  <b >b ."},
     {"<!DOCTYPE a [<!ENTITY x 'y[1] > z'> %p; ] ><b/>", "# a [<!ENTITY x 'y[1] > z'> %p;  <b >b ."},
+    {"<!DOCTYPE a [<!ENTITY x \"]>it's\"><!-- don't ]> --><?p \"]>?>]><b/>",
+     "# a [<!ENTITY x \"]>it's\"><!-- don't ]> --><?p \"]>?> <b >b ."},
+    {"<!DOCTYPE a [<!ENTITY x ']>]><b/>", "!6"},
     // entities
     {"<a b='&lt;&GT;'>&amp;&quot;&apos;x&NBSP;y</a>", "<a b=<> '&\"'x y' >a ."},
     {"&#65;&#x42;&#X1f600;&#x1F600;", "'AB😀😀' ."},
@@ -205,25 +208,25 @@ TEST(XmlTokenizer, DropsInvalidBytesOnRequest)
 
 TEST(XmlTokenizer, UsesTheGivenEncoding)
 {
-    struct Told
+    struct Case
     {
         QByteArray bytes;
         QByteArray name;
         const char *tokens;
     };
     for (const auto &[bytes, name, tokens] :
-         {Told{QByteArray("\x31\x90\x3c\0a\0/\0>\0", 10), "UTF-16le", "'\u9031' <a >a ."},
-          Told{QByteArray("\xfe\xff\x90\x31", 4), "utf-16BE", "'\u9031' ."},
-          Told{QByteArray("\0\0\x90\x31", 4), "UTF-32BE", "'\u9031' ."},
-          Told{QByteArray("\xff\xfe\0\0\x31\x90\0\0", 8), "UTF-32LE", "'\u9031' ."},
+         {Case{QByteArray("\x31\x90\x3c\0a\0/\0>\0", 10), "UTF-16le", "'\u9031' <a >a ."},
+          Case{QByteArray("\xfe\xff\x90\x31", 4), "utf-16BE", "'\u9031' ."},
+          Case{QByteArray("\0\0\x90\x31", 4), "UTF-32BE", "'\u9031' ."},
+          Case{QByteArray("\xff\xfe\0\0\x31\x90\0\0", 8), "UTF-32LE", "'\u9031' ."},
           // A letter that an accent may follow is the last one.
-          Told{"<a/>a\xec", "windows-1258", "<a >a 'a\u0301' ."},
-          Told{"<a/>a", "windows-1258", "<a >a 'a' ."}}) {
+          Case{"<a/>a\xec", "windows-1258", "<a >a 'a\u0301' ."},
+          Case{"<a/>a", "windows-1258", "<a >a 'a' ."}}) {
         MemorySource source(bytes, 1);
         XMLTokenizer tokenizer(source, 0);
         EXPECT_TRUE(tokenizer.setEncoding(CharMode::CodePage, name, InvalidBytes::Fail));
-        const QString told = QString::fromStdU16String(trace(tokenizer));
-        EXPECT_EQ(told.normalized(QString::NormalizationForm_D).toStdString(), tokens)
+        const QString traced = QString::fromStdU16String(trace(tokenizer));
+        EXPECT_EQ(traced.normalized(QString::NormalizationForm_D).toStdString(), tokens)
             << name.toStdString();
     }
     MemorySource source("<a/>");

@@ -17,6 +17,19 @@ namespace corvanta::markup {
 
 namespace {
 
+/// Remove the backslashes of a step.
+std::u16string unescaped(QStringView text)
+{
+    std::u16string name;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool escapes = text[i] == u'\\' && i + 1 < text.size() &&
+                             (text[i + 1] == u'\\' || text[i + 1] == u'/');
+        i += escapes ? 1 : 0;
+        name.push_back(text[i].unicode());
+    }
+    return name;
+}
+
 /// Parse the text of a step, which still has its backslashes.
 PathStep parseStep(QStringView text, bool zeroBased)
 {
@@ -37,6 +50,9 @@ PathStep parseStep(QStringView text, bool zeroBased)
         step.isIndexed = true;
     }
     step.name = nameInStep(text);
+    if (step.isAttribute()) {
+        step.written = unescaped(text);
+    }
     return step;
 }
 
@@ -100,14 +116,7 @@ std::u16string toLowerCase(QStringView name)
 
 std::u16string nameInStep(QStringView text)
 {
-    std::u16string name;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const bool escapes = text[i] == u'\\' && i + 1 < text.size() &&
-                             (text[i + 1] == u'\\' || text[i + 1] == u'/');
-        i += escapes ? 1 : 0;
-        name.push_back(static_cast<char16_t>(QChar::toLower(char32_t(text[i].unicode()))));
-    }
-    return name;
+    return toLowerCase(unescaped(text));
 }
 
 std::vector<PathStep> parsePath(QStringView path, const PathSyntax &syntax)

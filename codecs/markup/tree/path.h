@@ -14,6 +14,9 @@ struct PathStep
 {
     /// Lower case, without escapes.
     std::u16string name;
+    /// Of an attribute: the name with its letter case, which distinguishes the attributes that
+    /// several paths of a PathSet select. Empty for an element.
+    std::u16string written;
     /// 0-based among the elements of that name, whatever the path's base.
     quint32 index = 0;
     /// The step is "[i]": any name.

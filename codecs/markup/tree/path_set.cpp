@@ -349,8 +349,27 @@ void PathSet::addRepeats(const MarkupTree &tree, Visit at)
     }
 }
 
+/// The edges that select attributes called `name`: those with its letter case if there are any, or
+/// else all with its name. So "@A" and "@a" are different columns, and "@ID" alone selects "id".
+void PathSet::collectAttributeMatches(const Node &node, const RawText &name,
+                                      NameMemory::Matches *matches)
+{
+    const std::u16string written = u'@' + decoded(name);
+    NameMemory::Matches others;
+    for (const quint32 i : node.attributeEdges) {
+        const PathStep &step = node.edges[i].step;
+        if (step.written == written) {
+            matches->push_back(i);
+        } else if (nameMatches(name, std::u16string_view(step.name).substr(1))) {
+            others.push_back(i);
+        }
+    }
+    if (matches->empty()) {
+        *matches = std::move(others);
+    }
+}
+
 /// "@name" selects the first attribute of that name; a child only if there is none.
-// NOLINTNEXTLINE(readability-function-size): the lambda counts as depth; it belongs to its loop
 void PathSet::findAttributes(const MarkupTree &tree, Visit at)
 {
     Node &node = *m_nodes[at.node];
@@ -359,12 +378,7 @@ void PathSet::findAttributes(const MarkupTree &tree, Visit at)
     for (quint32 attribute = at.element + 1; attribute != end; ++attribute) {
         const RawText name = tree.raw(attribute);
         const auto collectMatches = [&](NameMemory::Matches *matches) {
-            for (const quint32 i : node.attributeEdges) {
-                const std::u16string_view stepName = node.edges[i].step.name;
-                if (nameMatches(name, stepName.substr(1))) {
-                    matches->push_back(i);
-                }
-            }
+            collectAttributeMatches(node, name, matches);
         };
         const NameMemory::Matches &matches = node.attributes.matchesOf(name, collectMatches);
         if (m_countsUnread && !node.isIgnored && matches.empty()) {

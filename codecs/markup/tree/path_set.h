@@ -134,6 +134,8 @@ private:
     static void setMostRead(Node &node, const PathStep &step);
     void reach(const MarkupTree &tree, quint32 node, quint32 item);
     void findAttributes(const MarkupTree &tree, Visit at);
+    static void collectAttributeMatches(const Node &node, const RawText &name,
+                                        NameMemory::Matches *matches);
 
     using Trail = std::vector<std::pair<quint32, quint32>>;
     quint32 addSteps(const std::vector<PathStep> &steps, quint32 path, Trail *trail);

@@ -21,7 +21,7 @@ namespace corvanta::markup {
 
 namespace {
 
-constexpr size_t kMostItems = static_cast<size_t>(limits::kTreeArenaBytes) / sizeof(TreeItem);
+constexpr size_t kMaxItems = static_cast<size_t>(limits::kTreeArenaBytes) / sizeof(TreeItem);
 
 } // namespace
 
@@ -104,12 +104,12 @@ void MarkupTreeBuilder::begin(MarkupTokenizer &tokenizer)
     tokenizer.pin();
 }
 
-/// Make room for `capacity` items, at most kMostItems; false without memory. The items are trivial:
+/// Make room for `capacity` items, at most kMaxItems; false without memory. The items are trivial:
 /// realloc() can move their pages instead of copying them, and touches no page that is not used.
 bool MarkupTreeBuilder::reserve(size_t capacity)
 {
     static_assert(std::is_trivially_copyable_v<TreeItem>);
-    capacity = std::min(capacity, kMostItems);
+    capacity = std::min(capacity, kMaxItems);
     // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): there is no other way to grow without a copy
     void *const larger = std::realloc(m_tree.m_items.get(), capacity * sizeof(TreeItem));
     if (larger != nullptr) {
@@ -129,7 +129,7 @@ inline bool MarkupTreeBuilder::makeRoom(size_t items)
 // At least doubles the room, so that the copies of a growing tree stay proportional to its size.
 bool MarkupTreeBuilder::grow(size_t items)
 {
-    m_tooLarge = kMostItems - m_tree.m_size < items ||
+    m_tooLarge = kMaxItems - m_tree.m_size < items ||
                  !reserve(m_tree.m_size * 2 + kDefaultBlockBytes / sizeof(TreeItem) + 1);
     return !m_tooLarge;
 }

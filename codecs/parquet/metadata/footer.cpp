@@ -54,7 +54,7 @@ Result<MetaDataRange, Error> readTrailer(ByteSource &source)
 
 } // namespace
 
-Result<FileMetaData, Error> readFooter(ByteSource &source)
+Result<FooterBytes, Error> readFooterBytes(ByteSource &source)
 {
     const auto range = readTrailer(source);
     if (!range) {
@@ -63,17 +63,28 @@ Result<FileMetaData, Error> readFooter(ByteSource &source)
     const auto [begin, length] = *range;
     // The length is a claim of the file, up to 4 GiB. Its failure is not the end of the program.
     // Not a vector, which would set all bytes to 0 first.
-    const std::unique_ptr<uchar[]> bytes(new (std::nothrow) uchar[static_cast<size_t>(length)]);
-    if (!bytes) {
+    FooterBytes footer{
+        std::unique_ptr<uchar[]>(new (std::nothrow) uchar[static_cast<size_t>(length)]), length,
+        begin};
+    if (!footer.bytes) {
         return Fault{Error::NoMemory, u"not enough memory for the metadata"_s, begin};
     }
-    if (readFully(source, bytes.get(), length) != length) {
+    if (readFully(source, footer.bytes.get(), length) != length) {
         return Fault{Error::ShortRead, u"the metadata cannot be read"_s, begin};
     }
-    CompactReader reader({bytes.get(), static_cast<size_t>(length)});
+    return footer;
+}
+
+Result<FileMetaData, Error> readFooter(ByteSource &source)
+{
+    const auto footer = readFooterBytes(source);
+    if (!footer) {
+        return footer.fault();
+    }
+    CompactReader reader(footer->span());
     FileMetaData metaData;
     if (!readRecord(reader, metaData)) {
-        return Fault{Error::BadThrift, u"the metadata is damaged"_s, begin};
+        return Fault{Error::BadThrift, u"the metadata is damaged"_s, footer->begin};
     }
     return metaData;
 }

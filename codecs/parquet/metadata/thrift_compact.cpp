@@ -449,8 +449,8 @@ int CompactWriter::writeListHeader(ThriftType element, qint32 size)
 int CompactWriter::writeBool(bool value)
 {
     const quint8 wire = value ? kWireTrue : kWireFalse;
-    return m_boolId >= 0 ? writeFieldHeader(wire, std::exchange(m_boolId, -1))
-                         : writeByte(static_cast<qint8>(wire));
+    return m_boolId ? writeFieldHeader(wire, *std::exchange(m_boolId, std::nullopt))
+                    : writeByte(static_cast<qint8>(wire));
 }
 
 int CompactWriter::writeByte(qint8 value)
@@ -488,6 +488,12 @@ qint64 CompactWriter::writeBinary(const QByteArray &value)
     const int lengthBytes = writeVarint(static_cast<quint64>(value.size()));
     m_bytes.append(value);
     return lengthBytes + value.size();
+}
+
+qint64 CompactWriter::writeEncoded(const QByteArray &value)
+{
+    m_bytes.append(value);
+    return value.size();
 }
 
 qint64 CompactWriter::writeMessageBegin(const QByteArray &name, qint8 type, qint32 sequence)

@@ -10,6 +10,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -138,6 +139,8 @@ public:
     qint64 writeString(const QByteArray &value) { return writeBinary(value); }
     /// Fails above 2147483647 bytes.
     qint64 writeBinary(const QByteArray &value);
+    /// Write a value, or the elements of a list, that are already encoded. Not for bool fields.
+    qint64 writeEncoded(const QByteArray &value);
     /// Write the header of a message. `type` is a number below 8.
     qint64 writeMessageBegin(const QByteArray &name, qint8 type, qint32 sequence);
 
@@ -154,7 +157,7 @@ private:
     QByteArray m_bytes;
     std::vector<qint16> m_outerIds;
     qint16 m_lastId = 0;
-    qint16 m_boolId = -1; // id of a bool field whose header is not written yet; -1: none
+    std::optional<qint16> m_boolId; // of a bool field whose header is not written yet
 };
 
 } // namespace corvanta::parquet

@@ -78,6 +78,8 @@ TEST(Thrift, FieldHeadersHoldBoolsAndDistantIds)
     out.writeByte(-5);
     out.writeFieldBegin(ThriftType::Double, 2);
     out.writeDouble(0.25);
+    out.writeFieldBegin(ThriftType::Bool, -13); // damaged files have such ids
+    EXPECT_EQ(out.writeBool(false), 2);
     out.writeFieldStop();
     out.writeStructEnd();
     EXPECT_EQ(out.bytes().left(6), QByteArray("\x31\x03\xd8\x04\xfb\x07", 6));
@@ -98,6 +100,9 @@ TEST(Thrift, FieldHeadersHoldBoolsAndDistantIds)
     EXPECT_EQ(in.readFieldBegin(&type, &id), 2);
     EXPECT_EQ(in.readDouble(&real), 8);
     EXPECT_TRUE(real == 0.25 && id == 2);
+    EXPECT_EQ(in.readFieldBegin(&type, &id), 2);
+    EXPECT_EQ(in.readBool(&flag), 0);
+    EXPECT_TRUE(!flag && id == -13);
     EXPECT_EQ(in.readFieldBegin(&type, &id), 1);
     EXPECT_EQ(type, ThriftType::Stop);
 }

@@ -33,6 +33,10 @@ struct ReadOptions
     bool selectsColumns = false;
     /// Names of columns; a group and its child joined by a dot.
     QStringList selection;
+    /// Rows before the first one that is read, and the number of rows; 0: all that follow. Row
+    /// groups outside of the range are not decoded.
+    qint64 skippedRows = 0;
+    qint64 rowCount = 0;
     /// Skip unreadable columns, as long as one is readable.
     bool skipsUnreadable = false;
     /// Names of columns that are skipped without a reason: another file of the same table did.

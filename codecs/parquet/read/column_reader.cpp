@@ -33,6 +33,20 @@ qint64 firstPageOf(const ColumnMetaData &chunk)
     return dictionary > 0 && dictionary < chunk.dataPageOffset ? dictionary : chunk.dataPageOffset;
 }
 
+/// Bytes of a chunk of `group`, as its metadata says, but not those of the chunk after it: pages of
+/// that one are values of another column.
+qint64 bytesOf(const RowGroup &group, size_t chunk)
+{
+    const ColumnMetaData &metaData = *group.columns[chunk].metaData;
+    qint64 bytes = metaData.totalCompressedSize;
+    if (chunk + 1 < group.columns.size() && group.columns[chunk + 1].metaData) {
+        const qint64 upToNext =
+            firstPageOf(*group.columns[chunk + 1].metaData) - firstPageOf(metaData);
+        bytes = upToNext > 0 ? std::min(bytes, upToNext) : bytes;
+    }
+    return bytes;
+}
+
 /// Remove a u32 length and as many bytes from the start of `data`. Returns false if they do not
 /// fit.
 bool takeCounted(std::span<const uchar> &data, std::span<const uchar> &bytes)
@@ -80,7 +94,7 @@ bool ColumnReader::startGroup()
         m_groupRows = group.numRows;
         m_chunkValues = chunk.numValues;
         m_hasDataPage = false;
-        m_pages.start(firstPageOf(chunk), chunk.totalCompressedSize, chunk.codec);
+        m_pages.start(firstPageOf(chunk), bytesOf(group, m_column.chunk), chunk.codec);
     }
     return true;
 }

@@ -145,7 +145,7 @@ TEST(CellBlock, TextsLoseTrailingZerosAndInvalidBytesAreLatin1)
         EXPECT_EQ(textAt(block, qsizetype(i)), expected[i]) << i;
         EXPECT_FALSE(cell::readText(block.cell(qsizetype(i))).isMissing());
     }
-    // Lengths around the change of the code's size, in texts that shrink on the way to UTF-16.
+    // Lengths around the change of the code's size, in texts that shrink when converted to UTF-16.
     for (const int n : {125, 126, 127, 16255, 16256, 16257}) {
         std::string accents;
         for (int i = 0; i < n; ++i) {

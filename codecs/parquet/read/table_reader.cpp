@@ -8,12 +8,16 @@
 #include <QLatin1StringView>
 
 #include <algorithm>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta::parquet {
 
 namespace {
+
+/// A limit for sums of claimed rows.
+constexpr qint64 kMaxRows = std::numeric_limits<qint64>::max();
 
 /// One reader per column. They share the file, and each keeps its own place in it.
 std::vector<std::unique_ptr<ColumnReader>> readersOf(SharedFile &file, const FileMetaData &metaData,
@@ -39,22 +43,55 @@ TableReader::open(ByteSource &source, const ReadOptions &options, int workers)
     if (!columns) {
         return columns.fault();
     }
-    return std::unique_ptr<TableReader>(
-        new TableReader(source, std::move(*metaData), std::move(*columns), options, workers));
+    // The columns depend on the statistics of all row groups, so that every range has the same.
+    const Range range = cutToRange(options, &*metaData);
+    return std::unique_ptr<TableReader>(new TableReader(
+        source, std::move(*metaData), std::move(*columns), range, options, workers));
+}
+
+/// Removes the row groups outside of the range.
+TableReader::Range TableReader::cutToRange(const ReadOptions &options, FileMetaData *metaData)
+{
+    Range range{metaData->numRows, std::ssize(metaData->rowGroups)};
+    if (options.skippedRows == 0 && options.rowCount == 0) {
+        return range;
+    }
+    std::vector<RowGroup> groups;
+    qint64 begin = 0;
+    for (RowGroup &group : metaData->rowGroups) {
+        // A damaged number must not overflow the sum.
+        const qint64 rows = std::clamp(group.numRows, qint64(0), kMaxRows - begin);
+        const bool isBefore = begin + rows <= options.skippedRows;
+        const bool isAfter = options.rowCount > 0 && begin >= options.skippedRows &&
+                             begin - options.skippedRows >= options.rowCount;
+        if (!isBefore && !isAfter) {
+            range.rowsBefore = groups.empty() ? begin : range.rowsBefore;
+            groups.push_back(std::move(group));
+        }
+        begin += rows;
+    }
+    metaData->rowGroups = std::move(groups);
+    const qint64 rest = std::max(begin - options.skippedRows, qint64(0));
+    range.left = options.rowCount > 0 ? std::min(options.rowCount, rest) : rest;
+    range.skipped = range.left > 0 ? options.skippedRows - range.rowsBefore : 0;
+    metaData->numRows = range.left;
+    return range;
 }
 
 TableReader::TableReader(ByteSource &source, FileMetaData metaData, Columns columns,
-                         const ReadOptions &options, int workers)
+                         const Range &range, const ReadOptions &options, int workers)
     : m_file(source)
     , m_metaData(std::move(metaData))
     , m_skipsUnreadable(options.skipsUnreadable)
     , m_columns(std::move(columns))
+    , m_range(range)
     , m_cursors(m_columns.columns.size())
     , m_decoder(readersOf(m_file, m_metaData, m_columns, options),
                 m_columns.columns.empty() ? 0 : workers)
 {
     for (size_t i = 0; i < m_cursors.size(); ++i) {
         m_cursors[i].lane = i;
+        m_cursors[i].rowsBefore = m_range.rowsBefore;
     }
 }
 
@@ -133,12 +170,9 @@ Result<bool, Error> TableReader::refill(size_t column)
     return answer;
 }
 
-Result<bool, Error> TableReader::next(const uchar **cells)
+/// Takes the next cell of each column.
+Result<bool, Error> TableReader::advance(const uchar **cells)
 {
-    // Without columns nothing limits the number of rows.
-    if (m_cursors.empty()) {
-        return false;
-    }
     for (size_t i = 0; i < m_cursors.size(); ++i) {
         Cursor &cursor = m_cursors[i];
         if (cursor.row == cursor.rows) {
@@ -150,8 +184,25 @@ Result<bool, Error> TableReader::next(const uchar **cells)
         }
         cells[i] = cursor.block->cell(cursor.row++);
     }
-    m_rowsRead.fetch_add(1, std::memory_order_relaxed);
     return true;
+}
+
+Result<bool, Error> TableReader::next(const uchar **cells)
+{
+    // Without columns nothing limits the number of rows.
+    if (m_cursors.empty() || m_range.left == 0) {
+        return false;
+    }
+    auto more = advance(cells);
+    while (m_range.skipped > 0 && more && *more) {
+        --m_range.skipped;
+        more = advance(cells);
+    }
+    if (more && *more) {
+        --m_range.left;
+        m_rowsRead.fetch_add(1, std::memory_order_relaxed);
+    }
+    return more;
 }
 
 } // namespace corvanta::parquet

@@ -46,10 +46,12 @@ public:
     {
         return m_metaData.schema.empty() ? 0 : m_metaData.schema.size() - 1;
     }
-    /// Number of rows in the metadata. May differ from the rows that next() returns.
+    /// Number of rows of the file in its metadata, whatever the range that is read.
+    qint64 fileRows() const { return m_range.fileRows; }
+    /// Number of rows of the range in the metadata. May differ from the rows that next() returns.
     qint64 declaredRows() const { return m_metaData.numRows; }
-    /// Number of row groups, whether they have rows or not.
-    qint64 rowGroupCount() const { return static_cast<qint64>(m_metaData.rowGroups.size()); }
+    /// Number of row groups of the file, whether they have rows or not.
+    qint64 rowGroupCount() const { return m_range.fileGroups; }
     /// Number of rows that next() has returned.
     qint64 rowsRead() const { return m_rowsRead.load(std::memory_order_relaxed); }
     /// Progress from 0 to 1, measured in declared rows.
@@ -78,8 +80,20 @@ private:
         qint64 rowsBefore = 0; // in earlier blocks
         LostValues lost;
     };
-    TableReader(ByteSource &source, FileMetaData metaData, Columns columns,
+    /// The range that is read, in the row groups that remain.
+    struct Range
+    {
+        qint64 fileRows = 0;
+        qint64 fileGroups = 0;
+        qint64 rowsBefore = 0; // in the groups before those that remain
+        qint64 skipped = 0;    // rows at the beginning of the first group
+        qint64 left = -1;      // rows that next() will return; negative: no limit
+    };
+    static Range cutToRange(const ReadOptions &options, FileMetaData *metaData);
+    TableReader(ByteSource &source, FileMetaData metaData, Columns columns, const Range &range,
                 const ReadOptions &options, int workers);
+    /// Go to the next row, whether it is in the range or not.
+    Result<bool, Error> advance(const uchar **cells);
     Result<bool, Error> refill(size_t column);
     void inspect(Cursor &cursor, const QString &column);
     bool skip(size_t column, const Fault<Error> &fault);
@@ -89,6 +103,7 @@ private:
     const bool m_skipsUnreadable;
     Columns m_columns; // changed only by prepare()
     Occurrences m_longChunks;
+    Range m_range;
     std::atomic<qint64> m_rowsRead = 0;
     std::vector<Cursor> m_cursors; // one per column
     DecodeAhead m_decoder;         // last: its threads use the members above

@@ -189,10 +189,7 @@ template <class T> void ColumnWriter::addNumber(T value)
 {
     char *const plain = room(sizeof value);
     storeLE(value, plain);
-    if (m_options.statistics) {
-        updateRange(plain, sizeof value);
-    }
-    addValue(sizeof value);
+    addValue(sizeof value, 0);
 }
 
 ColumnWriter::Added ColumnWriter::addText(const uchar *cell)
@@ -214,23 +211,27 @@ ColumnWriter::Added ColumnWriter::addText(const uchar *cell)
     if (n + kSizeBytes + 1 > m_capacity) {
         return Added::TextTooLong;
     }
-    if (m_options.statistics) {
-        updateRange(plain + kSizeBytes, n);
-    }
     if (m_used + kSizeBytes + n > m_capacity) {
         finishPage();
         std::copy_n(plain, kSizeBytes + n, m_values.data()); // the start of the new page
     }
-    addValue(kSizeBytes + n);
+    addValue(kSizeBytes + n, kSizeBytes);
     return Added::Yes;
 }
 
 /// Add the value of `bytes` bytes that was stored after the used bytes.
-void ColumnWriter::addValue(size_t bytes)
+void ColumnWriter::addValue(size_t bytes, size_t prefix)
 {
-    if (m_usesDictionary && !addToDictionary(m_values.data() + m_used, bytes)) {
+    const char *const plain = m_values.data() + m_used;
+    const qint32 entries = m_index.size();
+    if (m_usesDictionary && !addToDictionary(plain, bytes)) {
         finishPage(); // a page has either indexes or values
         m_usesDictionary = false;
+    }
+    // The range has all values of the dictionary.
+    const bool isKnown = m_usesDictionary && m_index.size() == entries;
+    if (m_options.statistics && !isKnown) {
+        updateRange(plain + prefix, bytes - prefix);
     }
     if (!m_usesDictionary) {
         m_used += bytes;

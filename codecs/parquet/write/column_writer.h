@@ -143,10 +143,11 @@ private:
     void addKey(quint32 key);
     Added addTyped(const uchar *cell);
     // addNumber() and addText() store the PLAIN value after the used bytes of m_values. addValue()
-    // keeps it there, or replaces it with an index into the dictionary.
+    // keeps it there, or replaces it with an index into the dictionary. Its first `prefix` bytes
+    // are not part of the value.
     Added addText(const uchar *cell);
     template <class T> void addNumber(T value);
-    void addValue(size_t bytes);
+    void addValue(size_t bytes, size_t prefix);
     void addNull();
     void count(ChangedValues *changed) const;
     void addRow(uchar level);

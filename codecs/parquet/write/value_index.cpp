@@ -1,3 +1,8 @@
+// Three arrays; the dictionary page is the first one as it is:
+//
+//   m_bytes   [ value 0 | value 1 | ... ]   PLAIN form, without gaps
+//   m_ends    [ end of 0, end of 1, ... ]   offsets in m_bytes
+//   m_slots   [ -, 1, -, 0, ... ]           hash table: number of a value, or kFree
 #include "codecs/parquet/write/value_index.h"
 
 #include <algorithm>

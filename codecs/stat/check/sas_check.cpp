@@ -118,10 +118,10 @@ Result<void, Error> checkSas(ByteSource &source)
 
 qint64 deletedSasRows(ByteSource &source)
 {
-    constexpr quint64 kMostPages = 16; // the subheader is on the first page, or soon after it
+    constexpr quint64 kMaxPages = 16; // the subheader is on the first page, or soon after it
     CheckedReader in(source);
     const SasHeader header = readSasHeader(in).value_or(SasHeader());
-    for (quint64 i = 0; i < std::min(header.pages, kMostPages); ++i) {
+    for (quint64 i = 0; i < std::min(header.pages, kMaxPages); ++i) {
         const qint64 page = header.bytes + static_cast<qint64>(i) * header.pageBytes;
         if (const auto deleted = deletedRowsOf(in, header, page)) {
             return static_cast<qint64>(*deleted);

@@ -1,3 +1,10 @@
+// The way of a piece, and its memory:
+//
+//   m_free -> fill(), on the thread -> m_full -> m_current, with the user -> m_free
+//
+//   64 KiB    headroom, for the user
+//   256 KiB   bytes of the source; the last piece has fewer
+//   64        NULs
 #include "codecs/xlsx/read/ahead_source.h"
 
 #include <cstring>

@@ -93,7 +93,7 @@ sheet::WorkbookResult<bool> PartText::extend()
         return fault(WorkbookError::TooLarge,
                      u"an element has more than %1 bytes"_s.arg(QString::number(kMaxItemBytes)));
     }
-    // The rest is in the piece that next() takes back. Nobody else has it before it is filled
+    // The rest is in the piece that next() takes back. No other thread has it before it is filled
     // again, but that can be soon: keep the rest first.
     const std::vector<char> rest(m_begin, m_end);
     const Piece *const piece = m_source.next();

@@ -14,7 +14,7 @@ namespace corvanta::xlsx {
 /// Threads: see sheet::SheetRows.
 /// Reads the elements of a part one after the other, and keeps one row. Cells of the usual form are
 /// recognised by a fast scan (cell_scan.h); others, and damaged ones, are parsed as markup. What is
-/// repaired on the way is counted in problems().
+/// repaired while reading is counted in problems().
 class SheetScanner final : public sheet::SheetRows
 {
 public:
