@@ -10,7 +10,8 @@
     ACTION(Sort)                                                                                   \
     ACTION(Cast)                                                                                   \
     ACTION(Join)                                                                                   \
-    ACTION(Union)
+    ACTION(Union)                                                                                  \
+    ACTION(MergeFiles)
 
 namespace corvanta {
 
