@@ -11,6 +11,31 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
+namespace {
+
+/// How the texts of each column are compared. Kinds of other columns are ignored.
+std::vector<expression::TextOrder> textOrders(const QStringList &kinds, const TableSchema &columns)
+{
+    using Order = expression::TextOrder;
+    const std::vector<bool> hasNumbers = shared::numberColumns(kinds, columns);
+    std::vector<Order> orders;
+    orders.reserve(hasNumbers.size());
+    for (size_t i = 0; i < hasNumbers.size(); ++i) {
+        const QString name = columns.names[static_cast<qsizetype>(i)];
+        const auto isWords = [&](ValueKind kind) {
+            return kinds.contains(name + u'=' + kindName(kind));
+        };
+        const bool areWords = isWords(ValueKind::Boolean) || isWords(ValueKind::Date) ||
+                              isWords(ValueKind::DateTime) || isWords(ValueKind::Time);
+        orders.push_back(hasNumbers[i] ? Order::Numbers
+                         : areWords    ? Order::Words
+                                       : Order::CodePoints);
+    }
+    return orders;
+}
+
+} // namespace
+
 ActionFilter::ActionFilter(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kFilterEntry, saved, parameters)
 {
@@ -52,14 +77,18 @@ bool ActionFilter::begin(const OneRow &columns)
         !shared::checkDecimalPoint(this, m_params.decimal)) {
         return false;
     }
-    auto bound = expression::Condition::bind(*parsed, columns.view(),
-                                             shared::numberColumns(m_params.kinds, schema),
-                                             m_params.decimal[0].toLatin1());
+    auto bound =
+        expression::Condition::bind(*parsed, columns.view(), textOrders(m_params.kinds, schema),
+                                    m_params.decimal[0].toLatin1());
     if (!bound && bound.fault().code == expression::Error::UnknownColumn) {
         const QString &name = bound.fault().detail;
+        // The first operand is usually a column.
+        const QString hint = bound.fault().offset > 0
+                                 ? u"; a text is put in single quotes ('%1')"_s.arg(name)
+                                 : QString();
         return failExpression(where, {expression::Error::UnknownColumn,
-                                      u"the input has no column '%1'%2"_s.arg(
-                                          name, nearestNameHint(name, schema.names)),
+                                      u"the input has no column '%1'%2%3"_s.arg(
+                                          name, nearestNameHint(name, schema.names), hint),
                                       bound.fault().offset});
     }
     if (!bound) {

@@ -26,6 +26,7 @@ public:
 private:
     /// Each one works on the rows of one table, or sends rows that it finds without input.
     enum class Stage { TakeSecond, TakeFirst, SendAlone, JoinParts, SendJoined };
+    /// Everything of one run, from begin() to finish().
     struct RunState
     {
         explicit RunState(JoinLayout found)
@@ -37,6 +38,7 @@ private:
         {
         }
         JoinLayout layout;
+        // Make bytes of the keys: equal ones for equal values, whatever their types are.
         rows::KeyEncoder firstKey;
         rows::KeyEncoder secondKey;
         rows::RowTable table;                   // of the second table
@@ -57,22 +59,31 @@ private:
     bool begin();
     bool stepStage();
     // One row of a stage; the last one sets the next stage, or returns false.
+
+    /// Put a row of the second table into the hash table, or into a part.
     bool takeSecond();
+    /// Join a row of the first table, or put it into a part.
     bool takeFirst();
+    /// Send the next row of the hash table that has no partner.
     bool sendAlone();
+    /// Join one of the parts.
     bool joinPart();
+    /// Send the next row of the parts.
     bool sendJoined();
 
     // What these stages do with a row; an empty key is one with a missing cell.
 
     bool keepSecond(const OneRow &row);
+    /// The hash table is full: continue with a PartitionedJoin, which gets its rows.
     bool moveToParts();
     bool putFirst(const OneRow &row, std::string_view key);
+    /// Send a row of the first table with each of its partners.
     void joinFirst(const OneRow &row, std::string_view key);
     /// Send a row of the output. A table without its row has a null pointer.
     void send(const uchar *const *first, const char *second);
     // Fail the run and return false.
 
+    /// A column that is compared as numbers has a text; `number` is that of the row, from 1.
     bool failKey(const QString &table, qint64 number, const OneRow &row, int column);
     bool failParts();
 

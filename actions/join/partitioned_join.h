@@ -39,6 +39,7 @@ public:
 
     // All of these have the errors CannotWrite and CannotRead.
 
+    /// Add the next row of the second table; all of them come before the first one of the first.
     Result<void, SpoolError> putSecond(std::string_view key, std::string_view row);
     /// Add the next row of the first table; a key with a missing cell is empty.
     Result<void, SpoolError> putFirst(std::string_view key, std::string_view row);
@@ -51,6 +52,7 @@ public:
     const SystemError &error() const { return m_error; }
 
 private:
+    /// The rows of both tables whose keys have the same hash, modulo the number of parts.
     struct Part
     {
         std::unique_ptr<rows::RecordSpool> first;
@@ -66,14 +68,20 @@ private:
         m_error = result ? m_error : error;
         return result;
     }
+    /// Store a row with its key and its number in its table.
     Result<void, SpoolError> put(rows::RecordSpool &spool, std::string_view key, qint64 number,
                                  std::string_view row);
+    /// Add a row of the output. Its place is that of the row `number` of the first table, or, after
+    /// all of those, of the second table if `isAlone`. A table without its row has a null view.
     Result<void, SpoolError> addResult(bool isAlone, std::string_view number,
                                        std::string_view first, std::string_view second);
     /// Returns true if there are further rows, because the table is full.
     Result<bool, SpoolError> fillTable(rows::RecordSpool &second);
+    /// Join all rows of the first table of a part with m_table. `isLast`: the second table of the
+    /// part has no further rows, so that rows without a partner are known.
     Result<void, SpoolError> joinTable(Part &part, bool isLast);
     Result<void, SpoolError> joinRow(const rows::Record &row, size_t index, bool isLast);
+    /// Add the rows of m_table that have found no partner.
     Result<void, SpoolError> addSecondAlone();
 
     Options m_options;

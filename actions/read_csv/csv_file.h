@@ -43,21 +43,31 @@ private:
     CsvFile(ActionBase &action, const QString &name, const CsvForm &form);
 
     // Functions that return a bool return false when the run has failed or ended.
+    /// Read the first record, name the columns, and choose their forms.
     bool begin();
+    /// Set the types of the columns. Fails if there are more letters than columns.
     bool chooseForms();
+    /// Fails for a date column that the file does not have, or that is not a text.
     bool chooseDates();
     void warnForm();
     /// Put the current record into `row`.
     bool putRow(OneRow &row, Found *found);
+    /// Decide about a record with another number of fields than there are columns: an empty line,
+    /// a row to fill or to cut, or a failure.
     bool acceptRagged(std::span<const csv::Field> fields, Found *found);
+    // Set the cell of a column (0-based). `buffer` holds the cells that are not numbers.
     bool putCell(int column, const csv::Field &field, OneRow &row, RowBuffer *buffer);
     bool putNumber(int column, const csv::Field &field, OneRow &row, RowBuffer *buffer);
     void putDate(int column, const csv::Field &field, OneRow &row, RowBuffer *buffer);
+    /// Whether a field without quotes is one of the texts that mean a missing value.
     bool isNull(const csv::Field &field) const;
+    /// The current line and a column, for messages.
     QString place(int column) const;
+    // Counted here, reported by beforeClose().
     void countIllFormed();
     void countTooLarge(int column, const csv::Field &field);
     void reportEncoding();
+    // Fail the run and return false.
     bool failRecord(const Fault<csv::Error> &fault);
     bool failCell(int column, const csv::Field &field);
 

@@ -2,7 +2,7 @@
 #include "actions/read_csv/csv_file.h"
 #include "actions/read_csv/read_csv.h"
 #include "actions/shared/params/scanned_columns.h"
-#include "codecs/csv/record_scan.h"
+#include "codecs/csv/record_pieces.h"
 #include "io/input/input_file.h"
 
 #include <array>
@@ -15,7 +15,7 @@ namespace corvanta {
 
 namespace {
 
-using DateValue = std::function<std::string_view(std::string_view)>;
+using DateValue = csv::RecordScan::Value;
 
 /// A sample must be quick, also where the rows end and gigabytes without a line end follow.
 csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
@@ -31,7 +31,7 @@ csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
 /// Dates in the formats of the parameter become what the run makes of them.
 std::vector<DateValue> dateValues(const CsvForm &form, const QStringList &names)
 {
-    std::vector<DateValue> values(static_cast<size_t>(names.size()));
+    std::vector<DateValue> values(form.dateFormats.empty() ? 0 : static_cast<size_t>(names.size()));
     for (const CsvDateFormat &entry : form.dateFormats) {
         for (const QString &name : entry.columns) {
             const qsizetype column = names.indexOf(name);
@@ -48,6 +48,12 @@ std::vector<DateValue> dateValues(const CsvForm &form, const QStringList &names)
         }
     }
     return values;
+}
+
+/// Without the values of dates.
+csv::RecordScan::Rules rulesOf(const CsvForm &form)
+{
+    return {form.decimal, form.nullValues, form.fillsRagged, {}};
 }
 
 } // namespace
@@ -73,6 +79,9 @@ std::optional<QVector<ColumnKind>> ActionReadCsv::columnKinds(KindExtent extent)
         csv::TextReader text(file, form.text, limitsFor(extent));
         csv::RecordReader &records = text.records();
         const auto first = records.next();
+        if (!first && first.fault().code == csv::Error::Unreadable) {
+            return std::nullopt; // as for a file that is not open
+        }
         if (!first || !*first) {
             continue;
         }
@@ -80,10 +89,17 @@ std::optional<QVector<ColumnKind>> ActionReadCsv::columnKinds(KindExtent extent)
             names = CsvFile::columnNames(records, form);
             scans.resize(static_cast<size_t>(names.size()));
             dates = dateValues(form, names);
-            scan.emplace(scans, csv::RecordScan::Rules{form.decimal, form.nullValues,
-                                                       form.fillsRagged, dates});
+            csv::RecordScan::Rules rules = rulesOf(form);
+            rules.values = dates;
+            scan.emplace(scans, rules);
         }
-        if (form.hasHeader || scan->add(records)) {
+        if (!form.hasHeader && !scan->add(records)) {
+            continue;
+        }
+        if (extent == KindExtent::All && csv::RecordPieces::canCut(records.dialect())) {
+            const auto makeValues = [&] { return dateValues(form, names); };
+            csv::RecordPieces(*scan, records, rulesOf(form), makeValues).run(scans);
+        } else {
             scan->addAll(records, rowsToScan(extent));
         }
     }

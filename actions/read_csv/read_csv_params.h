@@ -1,4 +1,7 @@
-// The parameters of readCSV.
+// The parameters of readCSV, and the form in which a run uses them.
+//
+// Texts of graphs are checked once, before the first file: a run takes a CsvForm, in which
+// everything is valid. Threads: plain data.
 #pragma once
 #include "codecs/csv/text_reader.h"
 #include "corvanta/action_parameters.h"
@@ -12,21 +15,21 @@ namespace corvanta {
 /// Parameters as saved; the table has their meaning. Lists in one text are separated by commas.
 struct ReadCsvParams
 {
-    QString fileName;
+    QString fileName; ///< or a pattern; expanded before use
     QString separator = QStringLiteral(",");
-    QString types;
-    bool header = true;
-    QString sortedOn;
+    QString types;      ///< K, F or U for each column; empty: all columns are texts
+    bool header = true; ///< the first record has the names of the columns
+    QString sortedOn;   ///< columns by which the rows are said to be sorted
     bool fileNameFromPin = false;
     bool outputFilenames = false;
     QString encoding = QStringLiteral("UTF-8");
     QString decimal = QStringLiteral(".");
     QStringList dateFormat; ///< COLUMN=FORMAT or COLUMN,COLUMN=FORMAT
-    int skipRows = 0;
-    QString comment;
+    int skipRows = 0;       ///< lines before the header
+    QString comment;        ///< lines that begin with it are skipped; empty: none
     QString quote = QStringLiteral("\"");
-    QString nullValues;
-    QString ragged = QStringLiteral("error");
+    QString nullValues;                       ///< texts without quotes that are missing values
+    QString ragged = QStringLiteral("error"); ///< rows with too few or too many fields
     QString lineEnd = QStringLiteral("lf");
     bool uniqueNames = false;
 };
@@ -50,12 +53,13 @@ struct CsvForm
     csv::TextForm text;
     bool hasHeader = true;
     bool uniqueNames = false;
-    char decimal = '.';
-    bool fillsRagged = false;
-    QStringList types;
+    char decimal = '.';       ///< of numbers in fields
+    bool fillsRagged = false; ///< rows of another length are filled or cut, with a warning
+    QStringList types;        ///< one letter per column; empty: all are texts
     std::vector<QByteArray> nullValues; ///< UTF-8
     std::vector<CsvDateFormat> dateFormats;
 };
+/// Only for parameters without problems.
 CsvForm csvFormOf(const ReadCsvParams &params);
 
 } // namespace corvanta

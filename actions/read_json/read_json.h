@@ -35,6 +35,7 @@ private:
     const LevelReaderParams &readerParams() const override { return m_params; }
     LevelReaderParams &readerParams() override { return m_params; }
     QString formatName() const override { return QStringLiteral("JSON"); }
+    QStringView typeLetters() const override { return u"KFUJ"; }
 
     // The run.
     void start() override;

@@ -2,6 +2,7 @@
 #include "actions/read_json/read_json_panel.h"
 
 #include "actions/shared/level_editors.h"
+#include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 #include "panels/fill/auto_fill.h"
 #include "panels/preview/preview.h"
@@ -17,10 +18,12 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Source"),
          {"fromInputPin", "fileName", {"colJSON", editor<ColumnField>}, "oneJSONPerRow"}},
         {QT_TRANSLATE_NOOP("Panels", "Levels and columns"),
-         {{"Level", shared::readLevelsEditor}, "autoFillNRows", "readTagsFromInPin"},
+         {"autoFillNRows", {"Level", shared::readLevelsEditor}, "readTagsFromInPin"},
          Fold::Open,
          extra<AutoFill>},
-        {QT_TRANSLATE_NOOP("Panels", "Values"), {"types", "nullIsMissing"}, Fold::Folded},
+        {QT_TRANSLATE_NOOP("Panels", "Values"),
+         {{"types", shared::typeLettersField}, "nullIsMissing"},
+         Fold::Folded},
         {QT_TRANSLATE_NOOP("Panels", "Added columns"),
          {"outputFilenames", "outputSubTags", "appendToRow"},
          Fold::Folded},

@@ -87,7 +87,10 @@ const ParamTable<ReadJsonParams> &readJsonParamTable()
         shared::missingFiles<P>(),
         errorsAndRoot(),
         shared::warnUnread<P>(),
-        shared::columnTypes<P>(),
+        shared::columnTypes<P>().meaning(
+            "One letter per column, separated by commas: K (whole number), F (decimal number), U "
+            "(text), J (text that is a value of JSON: with quotes and escapes if it is a text in "
+            "the file). Columns without a letter are texts."),
         readLevels<P>(&P::levels),
     };
     return table;

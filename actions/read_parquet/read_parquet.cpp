@@ -41,7 +41,7 @@ void ActionReadParquet::start()
     m_options = readOptions();
 }
 
-/// All but the selection.
+/// All but the selection and the range of rows.
 parquet::ReadOptions ActionReadParquet::readOptions() const
 {
     parquet::ReadOptions options;
@@ -85,7 +85,39 @@ bool ActionReadParquet::step()
 /// ended.
 bool ActionReadParquet::prepare()
 {
+    const auto range = shared::rowRangeOf(*this, m_params);
+    if (!range) {
+        return false;
+    }
+    m_options.skippedRows = range->skipped;
+    m_options.rowCount = range->count;
     return readSelection() && startSeries() && m_series.openNext();
+}
+
+/// Only of one file: the blocks of several are not numbered.
+Result<RowBlocks, QString> ActionReadParquet::rowBlocks()
+{
+    const QStringList files = namesOfPattern(*this, m_params.fileName);
+    RunControl control;
+    control.runStatus = RunControl::Running;
+    auto input = std::make_unique<RunInput>(globalParameters(), control, files.value(0), false,
+                                            InputFile::Report::Nothing);
+    if (!input->file.isOpen()) {
+        return Fault{u"it cannot be opened: "_s + input->file.reason()};
+    }
+    const auto source = randomAccess(std::move(input));
+    if (!source) {
+        return Fault{source.fault().detail};
+    }
+    const auto metaData = parquet::readFooter(**source);
+    if (!metaData) {
+        return Fault{metaData.fault().detail};
+    }
+    RowBlocks blocks;
+    for (const parquet::RowGroup &group : metaData->rowGroups) {
+        blocks.rows << std::max(group.numRows, qint64(0));
+    }
+    return blocks;
 }
 
 /// Set the columns to read. An empty selection fails the run: it would deliver rows without cells.
@@ -245,7 +277,8 @@ FileSeries::Opened ActionReadParquet::unreadable(const QString &name,
 /// Refuse a file without columns or rows, and a first file without a selected column.
 bool ActionReadParquet::checkContent(const QString &name, const parquet::TableReader &table)
 {
-    const bool isEmpty = table.rowGroupCount() == 0 || table.declaredRows() == 0;
+    // A range beyond the last row is empty, the file is not.
+    const bool isEmpty = table.rowGroupCount() == 0 || table.fileRows() == 0;
     if (table.schemaColumnCount() == 0 || (isEmpty && !m_params.allowEmpty)) {
         return fail(u"Error (2) deserializing thrift meta-data (%1,%2,%3)"_s.arg(
             QString::number(table.columns().size() + 1), QString::number(table.rowGroupCount()),

@@ -8,6 +8,7 @@
 #include "actions/shared/file_series.h"
 #include "codecs/parquet/read/table_reader.h"
 #include "corvanta/action_base.h"
+#include "corvanta/params/file_facts.h"
 #include "io/input/run_input.h"
 
 #include <optional>
@@ -18,6 +19,7 @@ extern const ActionEntry kReadParquetEntry;
 
 /// Threads: the one that runs the action; computeCompletion() and wakeAll() from any.
 class ActionReadParquet final : public ParamAction<ActionReadParquet, ReadParquetParams>,
+                                public FileFacts,
                                 private FileSeries::Format
 {
 public:
@@ -37,6 +39,8 @@ public:
         return m_params.fileNameFromPin ? QStringList() : ParamAction::inputs();
     }
     std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
+    /// The row groups of the file.
+    Result<RowBlocks, QString> rowBlocks() override;
     /// Ends the waits for the decoders of the open file.
     void wakeAll() override { m_series.stop(); }
 

@@ -19,7 +19,8 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Values"), {"logicalTypes", "booleanTexts", "int64ToKey"}},
         previewGroup(),
         {kAdvancedGroup,
-         {"extendedEncodings", "skipUnreadable", "allowEmpty", "pageChecksums", "abortIfMissing"},
+         {"extendedEncodings", "skipUnreadable", "allowEmpty", "pageChecksums", "abortIfMissing",
+          "firstRow", "rowCount"},
          Fold::Folded},
     };
 }

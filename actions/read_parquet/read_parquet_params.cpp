@@ -73,6 +73,8 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
         filesAndColumns(),
         newerForms(),
         tolerance(),
+        shared::rowRange<P>("Number of the first row that is read of each file, from 1. Row groups "
+                            "before it are not decoded."),
         text("fileName", &P::fileName)
             .inputFile()
             .orOwnText()

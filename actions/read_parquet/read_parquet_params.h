@@ -3,6 +3,7 @@
 // Options for files in newer forms are off by default, so that a saved graph accepts and rejects
 // the same files in every version.
 #pragma once
+#include "actions/shared/params/row_range.h"
 #include "corvanta/params/param_table.h"
 
 namespace corvanta {
@@ -10,7 +11,7 @@ namespace corvanta {
 /// Which columns are read; any other number means all.
 enum class ColumnSelection { All, Listed, FromPin };
 
-struct ReadParquetParams
+struct ReadParquetParams : shared::RowRangeParams
 {
     /// Input pin 0 brings the names, one file per row. `fileName` is then ignored.
     bool fileNameFromPin = false;

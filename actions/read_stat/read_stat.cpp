@@ -66,6 +66,12 @@ std::optional<QVector<ColumnKind>> ActionReadStat::columnKinds(KindExtent /*exte
     return kinds;
 }
 
+Result<RowBlocks, QString> ActionReadStat::rowBlocks()
+{
+    const auto rows = statRowCount(*this, namedFiles().value(0), m_params);
+    return rows ? Result<RowBlocks, QString>(RowBlocks{{*rows}, true}) : rows.fault();
+}
+
 // ---- Before the first row.
 
 QStringList ActionReadStat::namedFiles() const
@@ -91,6 +97,11 @@ bool ActionReadStat::step()
 /// List the files and open the first one.
 bool ActionReadStat::prepare()
 {
+    const auto range = shared::rowRangeOf(*this, m_params);
+    if (!range) {
+        return false;
+    }
+    m_range = *range;
     QStringList files = namedFiles();
     const bool isListed = !m_params.fileNameFromPin || readNamesFromPin(&files);
     return isListed && startSeries(files);
@@ -124,7 +135,7 @@ bool ActionReadStat::readNamesFromPin(QStringList *names)
 
 FileSeries::Opened ActionReadStat::openFile(const QString &name)
 {
-    return StatFile::open(*this, name, m_params);
+    return StatFile::open(*this, name, m_params, m_range);
 }
 
 bool ActionReadStat::reportMissing(const QString &name)

@@ -6,6 +6,7 @@
 #include "actions/read_stat/read_stat_params.h"
 #include "actions/shared/file_series.h"
 #include "corvanta/action_base.h"
+#include "corvanta/params/file_facts.h"
 
 #include <optional>
 
@@ -15,6 +16,7 @@ extern const ActionEntry kReadStatEntry;
 
 /// Threads: the one that runs the action; computeCompletion() and wakeAll() from any.
 class ActionReadStat final : public ParamAction<ActionReadStat, ReadStatParams>,
+                             public FileFacts,
                              private FileSeries::Format
 {
 public:
@@ -32,6 +34,9 @@ public:
     std::optional<QVector<ColumnKind>> columnKinds(KindExtent extent) override;
     /// Ends the waits of both threads.
     void wakeAll() override { m_series.stop(); }
+
+    /// All rows of the file: the library begins at any row.
+    Result<RowBlocks, QString> rowBlocks() override;
 
 private:
     void start() override;
@@ -54,6 +59,7 @@ private:
     bool reportUnreadable(const QString &name) override { return reportMissing(name); }
     bool reportMismatch(const ColumnMismatch &mismatch) override;
 
+    shared::RowRange m_range; // set before a file is opened
     FileSeries m_series{*this};
 };
 

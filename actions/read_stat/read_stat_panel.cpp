@@ -23,7 +23,13 @@ PanelLayout panelLayout()
           "catalogFile",
           {"encoding", shared::declaredEncodingField}}},
         previewGroup(),
-        {kAdvancedGroup, {"maxRows", "fileNameColumn", "bufferSize"}, Fold::Folded},
+        {kAdvancedGroup,
+         {{"maxRows", shared::rowLimitField},
+          "firstRow",
+          "rowCount",
+          "fileNameColumn",
+          "bufferSize"},
+         Fold::Folded},
     };
 }
 

@@ -83,6 +83,8 @@ const ParamTable<ReadStatParams> &readStatParamTable()
         filesAndLabels(),
         decoding(),
         additions(),
+        shared::rowRange<P>("Number of the first row that is read of each file, from 1. The values "
+                            "of the rows before it are not read."),
         text("fileName", &P::fileName)
             .inputFile()
             .always()

@@ -1,5 +1,6 @@
 // The parameters of readStat.
 #pragma once
+#include "actions/shared/params/row_range.h"
 #include "corvanta/params/param_table.h"
 
 namespace corvanta {
@@ -18,7 +19,7 @@ enum class StatFormat {
 inline constexpr char kFileFormat[] = "fileFormat";
 inline constexpr char kStatEncoding[] = "encoding";
 
-struct ReadStatParams
+struct ReadStatParams : shared::RowRangeParams
 {
     /// Input pin 0 brings the names, one file per row. `fileName` is then ignored.
     bool fileNameFromPin = false;

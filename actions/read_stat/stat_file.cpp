@@ -67,7 +67,7 @@ StatFile::~StatFile()
 // ---- Opening.
 
 FileSeries::Opened StatFile::open(ActionBase &action, const QString &name,
-                                  const ReadStatParams &params)
+                                  const ReadStatParams &params, const shared::RowRange &range)
 {
     auto input = openInput(action, name);
     if (!input->file.isOpen()) {
@@ -80,8 +80,8 @@ FileSeries::Opened StatFile::open(ActionBase &action, const QString &name,
         return Fault{OpenError::Unreadable, source.fault().detail};
     }
     const stat::Format format = statFormatOf(params, **source, named);
-    std::unique_ptr<StatFile> file(new StatFile(action, name, *std::move(source),
-                                                statOptionsOf(params, format), params.bufferSize));
+    std::unique_ptr<StatFile> file(new StatFile(
+        action, name, *std::move(source), statOptionsOf(params, format, range), params.bufferSize));
     if (!file->checkContent(named) || !file->checkHeader()) {
         return Fault{OpenError::Failed};
     }
@@ -123,12 +123,12 @@ bool StatFile::checkHeader()
     }
     if (m_options.format == stat::Format::Stata && stat::lacksStataEnd(*m_source)) {
         m_action.warn(
-            u"Warning: the statistical file '%1' is cut off: it has no end tag, and value labels may be missing\n"_s
+            u"Warning: the statistical file '%1' is truncated: it has no end tag, and value labels may be missing\n"_s
                 .arg(m_name));
     }
     if (m_options.format == stat::Format::Stata && stat::endsInLabels(*m_source)) {
         m_action.warn(
-            u"Warning: the statistical file '%1' is cut off inside its value labels, and some are missing\n"_s
+            u"Warning: the statistical file '%1' is truncated inside its value labels, and some are missing\n"_s
                 .arg(m_name));
     }
     if (m_options.format == stat::Format::SasTransport) {
@@ -288,7 +288,7 @@ bool StatFile::checkEndOfTransport()
                 .arg(m_name, counted(rows, u"row"_s), QString::number(rows)));
     }
     // The library treats rows of blanks at the end as padding.
-    const qint64 missing = m_transport.rows - rows;
+    const qint64 missing = m_transport.rows - m_options.skippedRows - rows;
     if (!isAtLimit && missing > 0) {
         m_action.warn(
             u"Warning: the statistical file '%1' is read without its last %2, because only missing texts are there\n"_s

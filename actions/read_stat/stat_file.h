@@ -22,7 +22,7 @@ public:
     /// Open `name`, start the parser, and wait until it knows the columns. `action` must outlive
     /// the file.
     static FileSeries::Opened open(ActionBase &action, const QString &name,
-                                   const ReadStatParams &params);
+                                   const ReadStatParams &params, const shared::RowRange &range);
     ~StatFile() override;
 
     /// One per selected variable.
@@ -42,20 +42,29 @@ private:
     bool checkContent(stat::Format named);
     /// Check the parts before the rows.
     bool checkHeader();
+    /// Read the value labels: of the file itself, or of a catalogue of SAS; empty: none is named.
     bool readLabels(const QString &catalogue);
     bool readOwnLabels();
     bool readCatalogue(const QString &name);
+    /// Start the thread and wait until the columns are known.
     bool startParser();
+    /// The function of the thread.
     void parse() noexcept;
+    /// Stop and join the thread, if there is one.
     void endParser();
+    /// Copy a row of the ring, whose cells are valid only until the next one.
     void copyRow(const uchar *const *cells, OneRow &row);
     // After the last row: report the outcome of the parser.
     bool finishRows(Found *found);
+    /// Fail if a transport file has further data sets; they have columns of their own.
     bool checkEndOfTransport();
     void logRowCount(qint64 rows) const;
+    /// What the library has printed; at the level of diagnostics, once per file.
     void logLibraryMessages();
     void warnDeletedRows() const;
+    /// Warn about variables with the name of an earlier one.
     void warnSameNames() const;
+    /// Word a fault of the parser. Returns false.
     bool fail(const Fault<stat::Error> &fault);
 
     ActionBase &m_action;

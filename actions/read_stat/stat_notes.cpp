@@ -6,8 +6,11 @@
 #include "codecs/stat/check/header_check.h"
 #include "codecs/stat/data_set_reader.h"
 #include "codecs/stat/label_reader.h"
+#include "codecs/stat/transport_member.h"
 #include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
@@ -184,6 +187,27 @@ QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &nam
         }
     }
     return columns;
+}
+
+Result<qint64, QString> statRowCount(const ActionBase &action, const QString &name,
+                                     const ReadStatParams &params)
+{
+    const auto file = openDataSet(action, name, params);
+    if (!file) {
+        return Fault{u"it cannot be read as a statistical file"_s};
+    }
+    if (file->dictionary.rows >= 0) {
+        return file->dictionary.rows;
+    }
+    const auto layout =
+        file->format == stat::Format::SasTransport
+            ? stat::readTransportLayout(*file->source)
+            : Result<stat::TransportLayout, stat::Error>(Fault{stat::Error::Damaged});
+    if (!layout) {
+        return Fault{u"its format does not say how many rows there are"_s};
+    }
+    return layout->rows >= 0 ? layout->rows
+                             : (file->source->size() - layout->rowsAt) / layout->rowBytes;
 }
 
 } // namespace corvanta

@@ -14,4 +14,9 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
 QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &name,
                                     const ReadStatParams &params);
 
+/// The number of rows of `name`, or a little more: a transport file may have padding. The fault is
+/// the reason in words.
+Result<qint64, QString> statRowCount(const ActionBase &action, const QString &name,
+                                     const ReadStatParams &params);
+
 } // namespace corvanta

@@ -84,8 +84,13 @@ stat::Format statFormatOf(const ReadStatParams &params, const InputFile &input)
     return formatOfEnding(dataSetName(input));
 }
 
-stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format)
+stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format,
+                                const shared::RowRange &range)
 {
+    // Both limits may be 0, for none.
+    const qint64 count = range.count > 0 && params.maxRows > 0
+                             ? std::min<qint64>(range.count, params.maxRows)
+                             : std::max<qint64>(range.count, params.maxRows);
     return {
         .format = format,
         .encoding = params.encoding,
@@ -93,7 +98,8 @@ stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format forma
         .extractLabels = params.extractLabels,
         .formatDates = params.formatDates,
         .columns = params.columnsToRead,
-        .maxRows = params.maxRows,
+        .skippedRows = range.skipped,
+        .maxRows = count,
     };
 }
 

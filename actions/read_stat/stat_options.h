@@ -14,6 +14,7 @@ stat::Format statFormatOf(const ReadStatParams &params, const InputFile &input);
 stat::Format statFormatOf(const ReadStatParams &params, ByteSource &source, stat::Format named);
 
 /// What the reader of the data set is asked for; the format is not that of the parameters.
-stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format);
+stat::ReadOptions statOptionsOf(const ReadStatParams &params, stat::Format format,
+                                const shared::RowRange &range = {});
 
 } // namespace corvanta

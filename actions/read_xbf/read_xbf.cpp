@@ -50,6 +50,39 @@ void setTypedKind(const dbf::Field &field, ColumnKind *kind)
     }
 }
 
+/// The columns of the first table, and what their values have been so far.
+struct ScannedTable
+{
+    QStringList names;
+    std::vector<dbf::Field> fields;
+    std::vector<values::ColumnScan> scans;
+    qint64 rowsLeft; ///< to scan, over all tables
+};
+
+/// Scan the records of a table. One with other columns is left out: the run reports it.
+void scanTable(dbf::TableReader &table, ScannedTable *scanned)
+{
+    if (scanned->fields.empty()) {
+        scanned->fields = table.columns();
+        scanned->scans.resize(scanned->fields.size());
+        for (size_t i = 0; i < scanned->fields.size(); ++i) {
+            scanned->names << table.columnName(i);
+        }
+    }
+    if (table.columns().size() == scanned->fields.size()) {
+        scanned->rowsLeft = scanRecords(table, &scanned->scans, scanned->rowsLeft);
+    }
+}
+
+QVector<ColumnKind> kindsOfTable(const ScannedTable &scanned)
+{
+    QVector<ColumnKind> kinds = kindsOf(scanned.names, scanned.scans);
+    for (size_t i = 0; i < scanned.fields.size(); ++i) {
+        setTypedKind(scanned.fields[i], &kinds[static_cast<qsizetype>(i)]);
+    }
+    return kinds;
+}
+
 } // namespace
 
 std::optional<QVector<ColumnKind>> ActionReadXBF::columnKinds(KindExtent extent)
@@ -60,10 +93,7 @@ std::optional<QVector<ColumnKind>> ActionReadXBF::columnKinds(KindExtent extent)
     const encoding::TextDecoder decoder = makeDecoder();
     ReadXbfParams params = m_params;
     params.isoValues = true; // as readColumnsAs() reads them
-    QStringList names;
-    std::vector<dbf::Field> fields;
-    std::vector<values::ColumnScan> scans;
-    qint64 rows = rowsToScan(extent);
+    ScannedTable scanned{.rowsLeft = rowsToScan(extent)};
     for (const QString &name : namesOfPattern(*this, m_params.fileName)) {
         InputFile file(globalParameters(), name, true, InputFile::Report::Nothing);
         file.keepPipe();
@@ -71,22 +101,9 @@ std::optional<QVector<ColumnKind>> ActionReadXBF::columnKinds(KindExtent extent)
         if (!file.isOpen() || !table) {
             return std::nullopt; // a part of the rows must not decide
         }
-        if (fields.empty()) {
-            fields = (*table)->columns();
-            scans.resize(fields.size());
-            for (size_t i = 0; i < fields.size(); ++i) {
-                names << (*table)->columnName(i);
-            }
-        }
-        if ((*table)->columns().size() == fields.size()) {
-            rows = scanRecords(**table, &scans, rows);
-        }
+        scanTable(**table, &scanned);
     }
-    QVector<ColumnKind> kinds = kindsOf(names, scans);
-    for (size_t i = 0; i < fields.size(); ++i) {
-        setTypedKind(fields[i], &kinds[static_cast<qsizetype>(i)]);
-    }
-    return kinds;
+    return kindsOfTable(scanned);
 }
 
 // ---- Before the first row.

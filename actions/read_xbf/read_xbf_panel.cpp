@@ -1,5 +1,6 @@
 #include "actions/read_xbf/read_xbf_panel.h"
 
+#include "actions/shared/panels/text_fields.h"
 #include "panels/preview/preview.h"
 
 namespace {
@@ -14,7 +15,12 @@ PanelLayout panelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
         previewGroup(),
         {kAdvancedGroup,
-         {"level7", "readAllTypes", "isoValues", "types", "outputFilenames", "bufferSize"},
+         {"level7",
+          "readAllTypes",
+          "isoValues",
+          {"types", shared::typeLettersField},
+          "outputFilenames",
+          "bufferSize"},
          Fold::Folded},
     };
 }

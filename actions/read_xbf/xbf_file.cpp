@@ -105,7 +105,7 @@ void XbfFile::openMemo(const ReadXbfParams &params)
 void XbfFile::useMemo(const MemoName &name, std::unique_ptr<RunInput> input,
                       const ReadXbfParams &params)
 {
-    // Memo texts are read in any order: a packed file would start again for each.
+    // Memo texts are read in any order: a compressed file would start again for each.
     const bool inMemory = params.dbtInRam || !input->file.isRandomAccess();
     m_memoName = name.name;
     m_memoInput = std::move(input);
@@ -210,7 +210,7 @@ bool XbfFile::failOnNumber(size_t column, QByteArrayView text)
                        m_reader->columnName(column), QString::fromLatin1(text), m_letters[column]);
 }
 
-/// The checksum of a packed file is at its end, after bytes that no record needs.
+/// The checksum of a compressed file is at its end, after bytes that no record needs.
 bool XbfFile::finish()
 {
     warnCounts();

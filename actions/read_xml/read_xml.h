@@ -53,7 +53,7 @@ private:
     /// Set the encoding of the document's bytes: from the parameter, the document, or the system.
     /// Call it before the first token. Returns false, after a message, when it is unknown.
     bool chooseEncoding(markup::XMLTokenizer &tokenizer, const QString &name);
-    /// Say which encoding is used where the file does not tell.
+    /// Say which encoding is used where the file does not name one.
     void warnAssumedEncoding(const markup::EncodingChoice &choice, const QByteArray &encoding,
                              const QString &name);
 

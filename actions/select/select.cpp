@@ -92,7 +92,7 @@ bool ActionSelect::renameColumns(QStringList *names)
     return true;
 }
 
-/// Writers of tables, and expressions, could not tell two columns of one name from each other.
+/// Writers of tables, and expressions, could not distinguish two columns of one name.
 bool ActionSelect::checkNames(const QStringList &names)
 {
     std::vector<QString> sorted(names.begin(), names.end());

@@ -133,7 +133,7 @@ FileSeries::Opened FileSeries::openWithRetries(const QString &name)
     Opened opened = m_format->openFile(name);
     const auto isMissing = [&] { return !opened && opened.fault().code == OpenError::Missing; };
     if (isMissing()) {
-        // The first message, of a packed file, would wait for its reason without limit.
+        // The first message, of a compressed file, would wait for its reason without limit.
         const input::Kind kind = input::parseInputName(name).kind;
         if (m_options.retries < 0 && (kind == input::Kind::Gzip || kind == input::Kind::Compress)) {
             logReason(opened.fault().detail);

@@ -2,9 +2,9 @@
 
 #include "actions/shared/input_sample.h"
 #include "actions/shared/params/scanned_columns.h"
-#include "actions/shared/params/type_letters.h"
 #include "actions/shared/tables/reader_file.h"
 #include "base/counted.h"
+#include "codecs/markup/levels/line_pieces.h"
 
 #include <algorithm>
 #include <tuple>
@@ -41,7 +41,7 @@ LevelRun::Input LevelReader::source() const
 
 QVector<ParameterProblem> LevelReader::problems() const
 {
-    return typeProblems(readerParams().types);
+    return typeProblems(readerParams().types, typeLetters());
 }
 
 bool LevelReader::readColumnsAs(const QVector<ColumnKind> &columns)
@@ -54,7 +54,8 @@ bool LevelReader::beginRun(const LevelRun::Input &source, const std::vector<Read
                            markup::ExtractOptions options)
 {
     const markup::LevelExtractor extractor(levels, options); // for the number of its columns
-    if (!takeTypeLetters(*this, readerParams().types, extractor.columnCount(), &options.types)) {
+    if (!takeTypeLetters(*this, readerParams().types, extractor.columnCount(), &options.types,
+                         typeLetters())) {
         return false;
     }
     m_run = std::make_unique<LevelRun>(*this, m_series, static_cast<LevelRun::Format &>(*this),
@@ -159,25 +160,6 @@ std::vector<std::vector<ReadLevel>> LevelReader::sampledLevels()
 
 // ---- Kinds of the columns.
 
-namespace {
-
-/// Scan the next rows of a document, at most `rows`; returns how many are left of them.
-qint64 scanRows(markup::LevelExtractor &extractor, qint64 rows)
-{
-    markup::BlockArena arena;
-    for (; rows > 0; --rows) {
-        arena.reset();
-        const auto row = extractor.next(arena);
-        const bool isEnd = row ? !*row : !extractor.resume();
-        if (isEnd) {
-            break;
-        }
-    }
-    return rows;
-}
-
-} // namespace
-
 std::optional<QVector<ColumnKind>> LevelReader::columnKinds(KindExtent extent)
 {
     const std::vector<ReadLevel> levels = levelsToRead();
@@ -189,6 +171,8 @@ std::optional<QVector<ColumnKind>> LevelReader::columnKinds(KindExtent extent)
     markup::LevelExtractor extractor(levels, options);
     std::vector<values::ColumnScan> scans(static_cast<size_t>(extractor.columnCount()));
     extractor.scanValues(scans);
+    markup::LinePieces pieces(levels, options, extractor,
+                              [this](ByteSource &source) { return openDocument(source, {}); });
     qint64 rows = rowsToScan(extent);
     for (const QString &name : namesOfPattern(*this, readerParams().fileName)) {
         if (rows <= 0) {
@@ -201,8 +185,13 @@ std::optional<QVector<ColumnKind>> LevelReader::columnKinds(KindExtent extent)
             return std::nullopt; // a part of the rows must not decide
         }
         extractor.beginFile();
-        extractor.beginDocument(*tokenizer);
-        rows = scanRows(extractor, rows);
+        const bool isJson = dynamic_cast<markup::JSONTokenizer *>(tokenizer.get()) != nullptr;
+        if (isJson && extent == KindExtent::All) {
+            pieces.run(file, scans);
+        } else {
+            extractor.beginDocument(*tokenizer);
+            rows = scanRows(extractor, rows);
+        }
         if (!file.failure().isEmpty()) {
             return std::nullopt;
         }
@@ -232,10 +221,32 @@ void LevelReader::pathIsMissing(const QString &path, const QString &name)
     warn(u"Warning: can't find path '"_s + path + u"' inside file '"_s + name + u"'\n"_s);
 }
 
+namespace {
+
+QString countOf(const Occurrences &of)
+{
+    return QString::number(of.count());
+}
+
+} // namespace
+
 /// One message per cause.
 void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString &name)
 {
-    const auto countOf = [](const Occurrences &of) { return QString::number(of.count()); };
+    reportUnreadText(unread, name);
+    reportBareRecords(unread, name);
+    if (unread.unreadItems > 0) {
+        warn(u"Warning: values of the records of file '%1' are not read because no item names them "
+             "(count: %2, first '%3' at %4). With a larger autoFillNRows more records are examined "
+             "to find the columns\n"_s.arg(name, QString::number(unread.unreadItems),
+                                           unread.firstUnreadPath, unread.firstUnreadPlace));
+    }
+    noteOtherParts(unread, name);
+}
+
+/// Texts that no record has.
+void LevelReader::reportUnreadText(const markup::UnreadParts &unread, const QString &name)
+{
     if (unread.bytesAfterNul > 0) {
         warn(u"Warning: the data of file '%1' ends at a NUL character (%2); what follows is not "
              "read (count: %3)\n"_s.arg(name, unread.nulPlace,
@@ -245,6 +256,11 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
         warn(u"Warning: text outside of the values of file '%1' is not read (count: %2, first at "
              "%3)\n"_s.arg(name, countOf(unread.strayTexts), unread.strayTexts.first()));
     }
+}
+
+/// Records that have no items.
+void LevelReader::reportBareRecords(const markup::UnreadParts &unread, const QString &name)
+{
     if (unread.bareValues.any()) {
         warn(u"Warning: single values among the records of file '%1' give rows without a value "
              "(count: %2, first at %3)\n"_s.arg(name, countOf(unread.bareValues),
@@ -255,12 +271,11 @@ void LevelReader::reportUnread(const markup::UnreadParts &unread, const QString 
              "%2, first at %3)\n"_s.arg(name, countOf(unread.bareArrays),
                                         unread.bareArrays.first()));
     }
-    if (unread.unreadItems > 0) {
-        warn(u"Warning: values of the records of file '%1' are not read because no item names them "
-             "(count: %2, first '%3' at %4). With a larger autoFillNRows more records are examined "
-             "to find the columns\n"_s.arg(name, QString::number(unread.unreadItems),
-                                           unread.firstUnreadPath, unread.firstUnreadPlace));
-    }
+}
+
+/// Not a warning: most documents have parts that a user does not want.
+void LevelReader::noteOtherParts(const markup::UnreadParts &unread, const QString &name)
+{
     if (unread.outside.any()) {
         MainUI::addLog(
             MainUI::Info,

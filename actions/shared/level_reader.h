@@ -6,6 +6,7 @@
 #pragma once
 #include "actions/shared/level_run.h"
 #include "actions/shared/params/level_reader_params.h"
+#include "actions/shared/params/type_letters.h"
 #include "codecs/markup/sample/sample_levels.h"
 #include "corvanta/action_base.h"
 
@@ -43,6 +44,8 @@ protected:
     virtual LevelReaderParams &readerParams() = 0;
     /// Name of the format in messages, for example "JSON".
     virtual QString formatName() const = 0;
+    /// The letters that the parameter `types` may have.
+    virtual QStringView typeLetters() const { return kTypeLetters; }
     /// Check the parameters and call beginRun(). Called by the first step() of a run.
     virtual bool prepare() = 0;
     /// Set what levels should be found with. Called before sampleInput() when there are none.
@@ -103,6 +106,10 @@ private:
     bool columnIsMissing(const QString &name) final;
     void pathIsMissing(const QString &path, const QString &name) final;
     void reportUnread(const markup::UnreadParts &unread, const QString &name) final;
+    // Its parts, each for a file `name`.
+    void reportUnreadText(const markup::UnreadParts &unread, const QString &name);
+    void reportBareRecords(const markup::UnreadParts &unread, const QString &name);
+    void noteOtherParts(const markup::UnreadParts &unread, const QString &name);
 
     QStringList parameterValues() const;
 

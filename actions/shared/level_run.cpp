@@ -137,7 +137,8 @@ TableSchema LevelRun::columns(const OneRow *input) const
     }
     columns.names << m_extractor.columnNames();
     for (const char letter : m_extractor.columnTypes()) {
-        columns.types << MetaInfo(static_cast<MetaInfo::MetaTypeColumn>(letter), -1);
+        const char cells = letter == kJsonLetter ? 'U' : letter;
+        columns.types << MetaInfo(static_cast<MetaInfo::MetaTypeColumn>(cells), -1);
     }
     columns.types.resize(columns.names.size(), MetaInfo(MetaInfo::Unknown, -1));
     return columns;

@@ -67,7 +67,7 @@ QString fileNamePart(const QString &value)
            QLatin1StringView(digest.first(kDigestDigits));
 }
 
-/// The ending stays last, because it tells programs what the file is.
+/// The ending stays last, because it shows programs what the file is.
 QString withPartBeforeExtension(const QString &name, const QString &part)
 {
     const qsizetype lastSlash = qMax(name.lastIndexOf(u'/'), name.lastIndexOf(u'\\'));

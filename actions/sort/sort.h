@@ -35,8 +35,10 @@ private:
         qint64 otherRow = 0; ///< its row
     };
 
+    /// Everything of one run.
     struct RunState
     {
+        /// `columns` are the types of all columns, `keys` those that are compared.
         RunState(rows::ColumnTypes columns, std::vector<rows::KeyColumn> keys, char decimalPoint,
                  rows::RowSorter::Options options)
             : types(std::move(columns))
@@ -45,13 +47,15 @@ private:
             , cells(types.size())
         {
         }
-        rows::ColumnTypes types; // of all columns
-        rows::KeyEncoder encoder;
+        rows::ColumnTypes types;  // of all columns
+        rows::KeyEncoder encoder; // makes bytes of a key that compare as its values
         std::vector<TextKey> textKeys;
         rows::RowSorter sorter;
         std::vector<const uchar *> cells; // of the row that is sent
     };
 
+    // See RowTransform. Functions that return a bool return false after a failure.
+    /// Find the keys and describe the output, which has the columns of the input.
     bool begin(const OneRow &columns) override;
     bool takeRow(const OneRow &row) override;
     bool endInput() override;
@@ -59,6 +63,7 @@ private:
     void finish() override { m_run.reset(); }
     /// The columns of the key, the most significant first; none after a failure.
     std::vector<rows::KeyColumn> findKeys(const TableSchema &columns);
+    /// Count the value of a key that is compared as a text.
     void countNumbers(const OneRow &row, TextKey *key) const;
     /// Say which keys have numbers that were sorted as texts.
     void noteTextKeys();

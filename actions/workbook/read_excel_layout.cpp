@@ -1,5 +1,6 @@
 #include "actions/workbook/read_excel_layout.h"
 
+#include "actions/shared/panels/text_fields.h"
 #include "panels/fill/auto_fill.h"
 #include "panels/preview/preview.h"
 
@@ -17,7 +18,12 @@ PanelLayout readExcelLayout()
         {QT_TRANSLATE_NOOP("Panels", "Cells"),
          {"range", "skipRows", "firstLineContainsColumnNames", "emptyRows"}},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
-         {"allText", "scanRows", "sampleOnly", "dates", "errorCells", "fillMerged"},
+         {"allText",
+          {"scanRows", shared::rowLimitField},
+          "sampleOnly",
+          "dates",
+          "errorCells",
+          "fillMerged"},
          Fold::Folded},
         {QT_TRANSLATE_NOOP("Panels", "Added columns"),
          {"outputFilenames", "outputSheetNames", "unionByName"},

@@ -488,13 +488,16 @@ std::optional<QVector<ColumnKind>> ReadWorkbook::columnKinds(KindExtent /*extent
 {
     QVector<ColumnKind> kinds;
     const ReadExcelParams params = expandedParams();
-    const auto file = params.allText ? nullptr : openFirst();
-    if (!file) {
+    if (params.allText) {
         return kinds;
+    }
+    const auto file = openFirst();
+    if (!file) {
+        return std::nullopt;
     }
     const auto reader = workbookFormat().makeReader(*file);
     if (!reader) {
-        return kinds;
+        return std::nullopt;
     }
     const auto tasks = TaskMaker(params, **reader).make();
     TableColumns columns;

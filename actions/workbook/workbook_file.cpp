@@ -160,7 +160,7 @@ void WorkbookFile::updateFraction()
     }
 }
 
-/// Take a step of the walk; only a row of data is a row of the table at once.
+/// Take a step of the walk; only a row of data is immediately a row of the table.
 bool WorkbookFile::take(const WalkStep &step, OneRow &row, Found *found)
 {
     const qint64 firstRow = sheet().task.scan.firstRow;

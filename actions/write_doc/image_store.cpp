@@ -75,7 +75,7 @@ Result<ImageStore::Image, ImageFault> ImageStore::image(const QString &file)
         m_kept.splice(m_kept.begin(), m_kept, found->second);
         return m_kept.front().image;
     }
-    // One byte more than a member may have tells a file that is too large.
+    // One byte more than a member may have shows that a file is too large.
     const auto bytes = readBytes(file, limits::kMemberBytes + 1);
     if (!bytes) {
         return bytes.fault();
@@ -99,7 +99,7 @@ void ImageStore::keep(const QString &key, const Image &image)
     m_kept.push_front({key, image});
     m_index[key] = m_kept.begin();
     m_bytes += image->content.bytes.size();
-    while (m_bytes > kMostBytes) {
+    while (m_bytes > kMaxBytes) {
         m_bytes -= m_kept.back().image->content.bytes.size();
         m_index.erase(m_kept.back().key);
         m_kept.pop_back();

@@ -40,7 +40,7 @@ public:
 
 private:
     /// Bytes of the images that are kept; the ones that were used last stay.
-    static constexpr qsizetype kMostBytes = qsizetype(64) << 20;
+    static constexpr qsizetype kMaxBytes = qsizetype(64) << 20;
     struct Kept
     {
         QString key; ///< name, size and time of the last change

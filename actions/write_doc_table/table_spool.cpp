@@ -1,6 +1,6 @@
 // A table is appended once and then read once or several times:
 //
-//   text    [ temporary file: m_inFile bytes ][ memory: m_bytes, less than kMostBytes ]
+//   text    [ temporary file: m_inFile bytes ][ memory: m_bytes, less than kMaxBytes ]
 //
 // Small tables never touch the disk. The file has no name and goes away with its handle.
 #include "actions/write_doc_table/table_spool.h"
@@ -14,7 +14,7 @@ namespace corvanta {
 bool TableSpool::append(QByteArrayView bytes)
 {
     m_bytes += bytes;
-    return m_bytes.size() < kMostBytes || spill();
+    return m_bytes.size() < kMaxBytes || spill();
 }
 
 /// Move the text in memory to the end of the file.

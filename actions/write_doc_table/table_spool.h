@@ -27,7 +27,7 @@ private:
     bool spill();
 
     /// What is kept in memory, of each table.
-    static constexpr qsizetype kMostBytes = qsizetype(16) << 20;
+    static constexpr qsizetype kMaxBytes = qsizetype(16) << 20;
     platform::FileHandle m_file;
     qint64 m_inFile = 0; // bytes at the beginning of the text
     QByteArray m_bytes;  // those after them

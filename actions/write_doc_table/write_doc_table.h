@@ -37,6 +37,9 @@ public:
     /// The names of the markers that a run can find in the template, in its order, each once;
     /// nothing if the template cannot be read. Logs nothing. Not during a run.
     std::optional<QStringList> templateMarkers() const;
+    /// The ids of the table styles that a table can have: those of the template, and the one that
+    /// the writer adds. The same rules.
+    std::optional<QStringList> templateStyles() const;
 
 protected:
     void start() override;

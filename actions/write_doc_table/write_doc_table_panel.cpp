@@ -11,7 +11,8 @@ using Fold = PanelGroup::Fold;
 FieldEditor *tablesEditor(const FieldContext &context)
 {
     return new DocTablesEditor(context, [](ActionItem &action) {
-        return dynamic_cast<ActionWriteDocTable &>(action).templateMarkers();
+        const auto &table = dynamic_cast<ActionWriteDocTable &>(action);
+        return DocTablesEditor::Offers{table.templateMarkers(), table.templateStyles()};
     });
 }
 

@@ -72,6 +72,23 @@ std::optional<QStringList> ActionWriteDocTable::templateMarkers() const
     return names;
 }
 
+std::optional<QStringList> ActionWriteDocTable::templateStyles() const
+{
+    const auto source = PackageInput::open(globalParameters(), expandFile(m_params.templateName));
+    if (!source) {
+        return std::nullopt;
+    }
+    opc::PackageCopy package((*source)->reader(), [] { return true; });
+    const auto part = package.read(document::kStylesPart);
+    if (!part) {
+        return std::nullopt;
+    }
+    QStringList styles{QLatin1StringView(document::kTableGridStyle)};
+    styles += document::tableStyles(*part);
+    styles.removeDuplicates();
+    return styles;
+}
+
 void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &markers,
                                               QVector<ParameterProblem> *found) const
 {

@@ -26,6 +26,7 @@ PanelLayout panelLayout()
           {"floatToString", editor<FloatFormatEditor>},
           "specialBool",
           {"Bare", editor<ColumnPicker>},
+          {"JsonTexts", editor<ColumnPicker>},
           "escapeControls",
           "replaceLF"},
          Fold::Folded},

@@ -105,11 +105,15 @@ const ParamTable<WriteJsonParams> &writeJsonParamTable()
         shared::lockTimeOut<P>(),
         // Child elements come after all attributes.
         shared::fileContent<P>(levelTables()),
-        strings("Bare", &P::bareColumns)
+        strings(kBare, &P::bareColumns)
             .label("Columns without quotes")
             .meaning("Text columns whose numbers, and the words true and false in any letter case, "
                      "are written without quotes. Texts that are not numbers of JSON, such as 007, "
                      "keep them."),
+        strings(kJsonTexts, &P::jsonColumns)
+            .label("Columns of JSON texts")
+            .meaning("Text columns that hold values of JSON, such as those that readJSON reads "
+                     "with the type J. They are written unchanged, without a check."),
     };
     return table;
 }

@@ -4,12 +4,18 @@
 
 namespace corvanta {
 
+/// Elements with lists of columns.
+inline constexpr auto kBare = "Bare";
+inline constexpr auto kJsonTexts = "JsonTexts";
+
 struct WriteJsonParams : LevelWriterParams
 {
     /// The texts true, True, false and False are booleans, without quotes.
     bool specialBool = true;
     /// Text columns whose numbers and booleans are written without quotes.
     QStringList bareColumns;
+    /// Text columns that hold values of JSON, which are written unchanged.
+    QStringList jsonColumns;
     /// A line feed in a text becomes \n.
     bool replaceLF = false;
     /// Every control character becomes an escape, also in names; replaceLF then has no effect.

@@ -134,6 +134,17 @@ FieldEditor *readLineEndField(const FieldContext &context)
     return new ChoiceEditor(context, kReadLineEnds);
 }
 
+FieldEditor *rowLimitField(const FieldContext &context)
+{
+    return new NumberEditor(context, QCoreApplication::translate("Panels", "all rows"));
+}
+
+FieldEditor *typeLettersField(const FieldContext &context)
+{
+    return new LineEditor(context,
+                          QCoreApplication::translate("Panels", "All texts; or K,F,U \u2026"));
+}
+
 FieldEditor *columnTypesField(const FieldContext &context)
 {
     return new ColumnTextPicker(context, u"F"_s);
@@ -142,6 +153,17 @@ FieldEditor *columnTypesField(const FieldContext &context)
 FieldEditor *columnKindsField(const FieldContext &context)
 {
     return new ColumnTextPicker(context, u"decimal"_s);
+}
+
+FieldEditor *numberFormatsField(const FieldContext &context)
+{
+    return new ColumnTextPicker(context, u"#,##0.00"_s);
+}
+
+FieldEditor *dateFormatsField(const FieldContext &context)
+{
+    return new ListEditor(context, QCoreApplication::translate(
+                                       "Panels", "Type a column and its format: day=dd.MM.yyyy"));
 }
 
 FieldEditor *newNamesField(const FieldContext &context)

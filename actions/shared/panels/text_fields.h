@@ -23,10 +23,17 @@ FieldEditor *decimalSignField(const FieldContext &context);
 FieldEditor *quoteField(const FieldContext &context);
 /// What happens to lines of another length.
 FieldEditor *raggedField(const FieldContext &context);
+/// A number of rows of which the smallest value means all.
+FieldEditor *rowLimitField(const FieldContext &context);
+/// One type for each column, as letters.
+FieldEditor *typeLettersField(const FieldContext &context);
 /// Columns with their types, their kinds, or their new names, which are typed in place.
 FieldEditor *columnTypesField(const FieldContext &context);
 FieldEditor *columnKindsField(const FieldContext &context);
 FieldEditor *newNamesField(const FieldContext &context);
+FieldEditor *numberFormatsField(const FieldContext &context);
+/// Columns of a text file with formats, as texts: its columns are not known.
+FieldEditor *dateFormatsField(const FieldContext &context);
 /// The end of a line.
 FieldEditor *readLineEndField(const FieldContext &context);
 FieldEditor *lineEndField(const FieldContext &context);

@@ -26,8 +26,8 @@ struct LevelReaderParams
     bool abortIfMissing = true;
     /// Retries of a missing file, one second apart; negative: no limit.
     int timeOut = 0;
-    /// Letters of the types of the columns, separated by commas: K, F or U. Columns without a
-    /// letter are texts.
+    /// Letters of the types of the columns, separated by commas: K, F, U, or J (ExtractOptions).
+    /// Columns without a letter are texts.
     QString types;
     /// Warn about parts of the occurrences that no item reads.
     bool warnUnread = false;

@@ -49,8 +49,11 @@ const ParamTable<ReadLevel> &readLevelTable()
             .meaning("The output columns, one element each."),
         strings("LeftOut", &ReadLevel::leftOut)
             .label("Parts left out")
-            .meaning(
-                "Paths of parts that are left out on purpose: warnUnread does not count them."),
+            .meaning("Paths of parts that are left out on purpose: warnUnread does not count them. "
+                     "In the "
+                     "first level, /PATH begins at the document, and /PATH/ leaves out all parts "
+                     "between "
+                     "the records on the way to there."),
         flag("required", &ReadLevel::isRequired)
             .label("Only rows with an occurrence")
             .meaning("Of the last level: an outer occurrence without one of this level gives no "

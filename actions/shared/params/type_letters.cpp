@@ -13,9 +13,19 @@ namespace corvanta {
 namespace {
 
 /// Upper case only.
-bool isTypeLetter(const QString &letter)
+bool isTypeLetter(const QString &text, QStringView letters)
 {
-    return letter == "K"_L1 || letter == "F"_L1 || letter == "U"_L1;
+    return text.size() == 1 && letters.contains(text[0]);
+}
+
+/// For messages: "K, F, U".
+QString listOf(QStringView letters)
+{
+    QStringList list;
+    for (const QChar letter : letters) {
+        list << letter;
+    }
+    return list.join(u", "_s);
 }
 
 } // namespace
@@ -26,21 +36,23 @@ QStringList trimmedParts(const QString &list)
     return mapped<QStringList>(parts, [](const QString &part) { return part.trimmed(); });
 }
 
-QVector<ParameterProblem> typeProblems(const QString &types)
+QVector<ParameterProblem> typeProblems(const QString &types, QStringView letters)
 {
+    const QString text = QCoreApplication::translate("Problems", "'%1' is not a column type (%2)")
+                             .arg(u"%1"_s, listOf(letters));
     return listProblems(
-        u"types"_s, trimmedParts(types), isTypeLetter,
-        QCoreApplication::translate("Problems", "'%1' is not a column type (K, F, U)"));
+        u"types"_s, trimmedParts(types),
+        [&](const QString &part) { return isTypeLetter(part, letters); }, text);
 }
 
 bool takeTypeLetters(ActionBase &action, const QString &types, qsizetype columns,
-                     std::string *letters)
+                     std::string *letters, QStringView allowed)
 {
     const QString name = QString::fromLatin1(action.getTypeName());
     for (const QString &letter : trimmedParts(types)) {
-        if (!isTypeLetter(letter)) {
-            return action.fail(
-                u"Error: %1: '%2' is not a column type (K, F, U)\n"_s.arg(name, letter));
+        if (!isTypeLetter(letter, allowed)) {
+            return action.fail(u"Error: %1: '%2' is not a column type (%3)\n"_s.arg(
+                name, letter, listOf(allowed)));
         }
         *letters += letter[0].toLatin1();
     }
