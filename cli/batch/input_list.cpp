@@ -1,0 +1,186 @@
+// Reads lists of input files, expands patterns, and checks both.
+#include "cli/batch/input_list.h"
+
+#include "cli/convert/file_arguments.h"
+#include "corvanta/files.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <unordered_map>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+using ListedNames = CommandResult<QVector<ListedName>>;
+
+bool hasWildcard(const QString &name)
+{
+    return name.contains(u'*') || name.contains(u'?');
+}
+
+/// The folders that match the parts of a folder's name.
+QStringList foldersOf(const QString &pattern)
+{
+    if (!hasWildcard(pattern)) {
+        return {pattern};
+    }
+    const QFileInfo info(pattern);
+    QStringList folders;
+    for (const QString &parent : foldersOf(info.path())) {
+        const QDir folder(parent);
+        // Brackets are literal, as in the parameters of readers.
+        const QStringList filter{info.fileName().replace(u'[', "[[]"_L1)};
+        for (const QString &name : folder.entryList(
+                 filter, QDir::Dirs | QDir::NoDotAndDotDot | QDir::CaseSensitive, QDir::Name)) {
+            folders << folder.filePath(name);
+        }
+    }
+    return folders;
+}
+
+ListedNames matchesOf(const QString &pattern)
+{
+    const QFileInfo info(pattern);
+    QVector<ListedName> found;
+    for (const QString &folder : foldersOf(info.path())) {
+        const QString inFolder = QDir(folder).filePath(info.fileName());
+        QStringList names;
+        listFiles(inFolder, &names);
+        for (const QString &name : names) {
+            // A pattern without a match comes back.
+            if (name != inFolder || QFileInfo(name).isFile()) {
+                found << ListedName{name, {}};
+            }
+        }
+    }
+    if (found.isEmpty()) {
+        return badUsage(u"--inputs: no file matches '%1'"_s.arg(pattern));
+    }
+    return found;
+}
+
+/// The fault of a list of which `count` names are wrong; `first` is the message about one of them.
+Fault<ExitStatus> wrongNames(const QString &first, qsizetype count)
+{
+    return badUsage(count == 1 ? first
+                               : u"%1, and so %2 more"_s.arg(
+                                     first, count == 2 ? u"is 1"_s : u"are %1"_s.arg(count - 1)));
+}
+
+} // namespace
+
+QString InputFile::stem() const
+{
+    QString last = QFileInfo(file.name).fileName();
+    for (const auto &packed : {".gz"_L1, ".Z"_L1}) {
+        last.chop(last.endsWith(packed) ? packed.size() : 0);
+    }
+    const qsizetype dot = last.lastIndexOf(u'.');
+    return dot > 0 ? last.left(dot) : last;
+}
+
+QString InputFile::label() const
+{
+    return piece
+               ? u"%1 (rows %2 to %3)"_s.arg(file.name, QString::number(piece->firstRow),
+                                             QString::number(piece->firstRow + piece->rowCount - 1))
+               : file.name;
+}
+
+qint64 InputFile::bytes() const
+{
+    const bool isShare = piece && piece->fileRows > 0;
+    return isShare ? static_cast<qint64>(static_cast<double>(file.size) *
+                                         static_cast<double>(piece->rowCount) /
+                                         static_cast<double>(piece->fileRows))
+                   : file.size;
+}
+
+QMap<QString, QString> InputFile::variables() const
+{
+    QMap<QString, QString> all{{u"input"_s, file.name},
+                               {u"inputStem"_s, stem()},
+                               {u"inputIndex"_s, QString::number(index)}};
+    if (piece) {
+        all.insert(u"inputFirstRow"_s, QString::number(piece->firstRow));
+        all.insert(u"inputRowCount"_s, QString::number(piece->rowCount));
+        all.insert(u"inputPart"_s, QString::number(piece->part));
+    }
+    return all;
+}
+
+QStringList inputVariables()
+{
+    return InputFile{{}, 0, InputPiece{}}.variables().keys();
+}
+
+CommandResult<QVector<InputFile>> readInputs(const QString &word)
+{
+    const bool isPattern = hasWildcard(word) && !QFileInfo::exists(word);
+    const auto listed = isPattern ? matchesOf(word) : namesInList(word, u"--inputs"_s);
+    if (!listed) {
+        return listed.fault();
+    }
+    QVector<InputFile> inputs;
+    inputs.reserve(listed->size());
+    std::unordered_map<QString, QString> places;
+    QStringList missing;
+    QStringList repeated;
+    for (const ListedName &item : *listed) {
+        const QString name = QDir::cleanPath(QDir::current().absoluteFilePath(item.name));
+        InputFile input{{name}, inputs.size() + 1};
+        if (!input.file.examine()) {
+            missing << u"--inputs: there is no file '%1'%2"_s.arg(item.name, item.place);
+        }
+        if (const auto first = places.try_emplace(name, item.place); !first.second) {
+            repeated << u"--inputs: '%1' is listed twice%2%3"_s.arg(item.name, first.first->second,
+                                                                    item.place);
+        }
+        inputs << input;
+    }
+    for (const QStringList *wrong : {&repeated, &missing}) {
+        if (!wrong->isEmpty()) {
+            return wrongNames(wrong->first(), wrong->size());
+        }
+    }
+    return inputs;
+}
+
+QVector<InputFile> listedInputs(const QString &fileName)
+{
+    QVector<InputFile> inputs;
+    if (const auto listed = namesInList(fileName, u"--inputs"_s); listed) {
+        for (const ListedName &item : *listed) {
+            InputFile input{{item.name}, inputs.size() + 1};
+            input.file.examine();
+            inputs << input;
+        }
+    }
+    return inputs;
+}
+
+CommandResult<QVector<InputFile>> inPieces(const QVector<InputFile> &inputs, const QString &rows)
+{
+    bool isNumber = false;
+    const qint64 rowsOfPiece = rows.toLongLong(&isNumber);
+    if (!isNumber || rowsOfPiece < 1) {
+        return badUsage(u"--split-rows needs a number of rows, at least 1"_s);
+    }
+    ActionRegistry registry;
+    registry.loadAll();
+    QVector<InputFile> all;
+    for (const InputFile &input : inputs) {
+        const auto pieces = splitInput(input.file.name, rowsOfPiece, registry);
+        if (!pieces) {
+            return badUsage(u"--split-rows: '%1' cannot be divided: %2"_s.arg(input.file.name,
+                                                                              pieces.fault().code));
+        }
+        for (const InputPiece &piece : *pieces) {
+            all << InputFile{input.file, all.size() + 1, piece};
+        }
+    }
+    return all;
+}
