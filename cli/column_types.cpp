@@ -20,6 +20,30 @@ bool isText(FileFormat::Family family)
            family == FileFormat::Markup || family == FileFormat::Database;
 }
 
+bool isJson(const ActionParameters &action, FileFormat::Use use)
+{
+    return std::ranges::any_of(action.fileFormats(), [&](const FileFormat &format) {
+        return format.use == use && format.family == FileFormat::Json;
+    });
+}
+
+/// The options that compare values.
+QStringList comparingOptions()
+{
+    return {u"--where"_s, u"--sort"_s};
+}
+
+/// Whether one of these options may name the column, quoted or not.
+bool isNamed(const CommandLine &line, QString column)
+{
+    column.remove(u'"');
+    const QStringList options = comparingOptions();
+    return std::ranges::any_of(options, [&](const QString &option) {
+        const QString texts = line.values.value(option).join(u' ').remove(u'"');
+        return !texts.isEmpty() && texts.contains(column, Qt::CaseInsensitive);
+    });
+}
+
 /// Whether the reader's files are texts, so that their columns have no types of their own.
 bool readsTexts(const ActionParameters &reader)
 {
@@ -75,6 +99,42 @@ CommandResult<QVector<ColumnKind>> givenKinds(const ColumnTypes &types, const QS
     return kinds;
 }
 
+/// Examines a file. Nothing, after a warning, if that is impossible.
+std::optional<QVector<ColumnKind>> examinedKinds(const QString &fileName, ActionParameters *reader,
+                                                 ActionParameters::KindExtent extent)
+{
+    auto kinds = reader->columnKinds(extent);
+    if (!kinds) {
+        // A failure of the system may be over when the rows are read, and the output must not
+        // depend on it.
+        kinds = reader->columnKinds(extent);
+    }
+    // The run says why, unless the file can be read by then.
+    if (!kinds && QFileInfo::exists(fileName)) {
+        MainUI::addLog(
+            MainUI::Warning,
+            readsTexts(*reader)
+                ? u"The columns of '%1' are texts: the file could not be examined"_s.arg(fileName)
+                : u"Dates and booleans of '%1' are texts or numbers: the file could not "
+                  "be examined"_s.arg(fileName));
+    }
+    return kinds;
+}
+
+/// The kinds of columns that have types of their own.
+CommandResult<QVector<ColumnKind>> typedKinds(ColumnTypes::Rule rule, const QString &fileName,
+                                              ActionParameters *reader,
+                                              ActionParameters::KindExtent extent)
+{
+    if (rule == ColumnTypes::Rule::Letters) {
+        return badUsage(u"--types: the columns of '%1' have types, and letters are only for files "
+                        "of texts"_s.arg(fileName));
+    }
+    return rule == ColumnTypes::Rule::Auto
+               ? examinedKinds(fileName, reader, extent).value_or(noKinds())
+               : noKinds();
+}
+
 } // namespace
 
 CommandResult<ColumnTypes> columnTypesOf(const CommandLine &line)
@@ -103,35 +163,19 @@ CommandResult<QVector<ColumnKind>> columnKindsOf(const ColumnTypes &types, const
 {
     using Rule = ColumnTypes::Rule;
     if (!readsTexts(*reader)) {
-        if (types.rule == Rule::Letters) {
-            return badUsage(u"--types: the columns of '%1' have types, and letters are only for "
-                            "files of texts"_s.arg(fileName));
-        }
-        return types.rule == Rule::Auto ? reader->columnKinds(extent).value_or(noKinds())
-                                        : noKinds();
+        return typedKinds(types.rule, fileName, reader, extent);
     }
     if (types.rule == Rule::Text) {
         return noKinds();
     }
     // Letters need only the names of the columns.
     const bool isGiven = types.rule == Rule::Letters;
-    const auto examine = [&] {
-        return reader->columnKinds(isGiven ? ActionParameters::KindExtent::Sample : extent);
-    };
-    auto kinds = examine();
+    auto kinds =
+        examinedKinds(fileName, reader, isGiven ? ActionParameters::KindExtent::Sample : extent);
     if (!kinds) {
-        kinds = examine(); // a failure of the system may be over: the output must not depend on it
-    }
-    if (!kinds) {
-        // The run says why, unless the file can be read by then.
-        if (QFileInfo::exists(fileName)) {
-            MainUI::addLog(
-                MainUI::Warning,
-                u"The columns of '%1' are texts: the file could not be examined"_s.arg(fileName));
-        }
         return noKinds();
     }
-    return isGiven ? givenKinds(types, fileName, *kinds) : *kinds;
+    return isGiven ? givenKinds(types, fileName, *std::move(kinds)) : *std::move(kinds);
 }
 
 bool hasScannedKinds(const CommandLine &line, const ActionItem &reader)
@@ -158,6 +202,34 @@ QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds)
     return kinds;
 }
 
+bool copiesJson(const CommandLine &line, const ActionItem &reader, const ActionParameters &writer)
+{
+    const auto types = columnTypesOf(line);
+    // Settings of the writer may say how numbers and missing values are written.
+    return types && types->rule == ColumnTypes::Rule::Auto &&
+           !line.values.contains(u"--writer"_s) &&
+           isJson(dynamic_cast<const ActionParameters &>(reader), FileFormat::Read) &&
+           isJson(writer, FileFormat::Write);
+}
+
+bool comparesValues(const CommandLine &line)
+{
+    const QStringList options = comparingOptions();
+    return std::ranges::any_of(options,
+                               [&](const QString &option) { return line.values.contains(option); });
+}
+
+QVector<ColumnKind> jsonKinds(const CommandLine &line, QVector<ColumnKind> kinds)
+{
+    constexpr char kJsonLetter = 'J'; // of readJSON
+    for (ColumnKind &kind : kinds) {
+        if (!isNamed(line, kind.column)) {
+            kind = {.column = kind.column, .letter = kJsonLetter};
+        }
+    }
+    return kinds;
+}
+
 void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds)
 {
     const auto count = std::count_if(kinds.begin(), kinds.end(), isTextWithNumbers);
@@ -177,7 +249,7 @@ QStringList castsFor(const QVector<ColumnKind> &kinds, ActionParameters *reader)
 {
     // A text may have another form too: dBase has dates without separators.
     const bool hasTypes = std::any_of(kinds.begin(), kinds.end(), [](const ColumnKind &kind) {
-        return kind.kind != ValueKind::Text;
+        return kind.kind != ValueKind::Text || kind.letter != 'U';
     });
     if (!hasTypes || !readsTexts(*reader) || reader->readColumnsAs(kinds)) {
         return {};

@@ -40,6 +40,17 @@ void noteSample(const CommandLine &line, const QString &fileName, const ActionIt
 /// They are numbers only where they are compared.
 QVector<ColumnKind> losslessKinds(QVector<ColumnKind> kinds);
 
+/// Whether input and output are JSON, and neither --types nor --writer says how values are written:
+/// then each value is copied as it is, also in columns of numbers and texts.
+bool copiesJson(const CommandLine &line, const ActionItem &reader, const ActionParameters &writer);
+
+/// Whether an option of the command compares values.
+bool comparesValues(const CommandLine &line);
+
+/// The kinds of columns that are copied between JSON files: values of JSON (letter J), apart from
+/// columns that an option of comparesValues() may name.
+QVector<ColumnKind> jsonKinds(const CommandLine &line, QVector<ColumnKind> kinds);
+
 /// Say that columns with numbers are texts, because of other values or of too many digits, and how
 /// to read them as numbers: their order and their cells in a workbook differ from those of numbers.
 void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds);

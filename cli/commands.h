@@ -9,6 +9,10 @@
 CommandOptions runOptions();
 CommandResult<void> runCommand(const CommandLine &line);
 
+// Run a graph for many inputs, in tasks of a scheduler or of processes.
+CommandOptions batchOptions();
+CommandResult<void> batchCommand(const CommandLine &line);
+
 CommandOptions checkOptions();
 CommandResult<void> checkCommand(const CommandLine &line);
 
@@ -26,6 +30,10 @@ CommandResult<void> pluginsCommand(const CommandLine &line);
 // Convert a file, print its first rows, its columns, or statistics of its columns.
 CommandOptions convertOptions();
 CommandResult<void> convertCommand(const CommandLine &line);
+
+// Join files of one format, or write a workbook with a sheet per file.
+CommandOptions mergeOptions();
+CommandResult<void> mergeCommand(const CommandLine &line);
 
 CommandOptions headOptions();
 CommandResult<void> headCommand(const CommandLine &line);

@@ -1,6 +1,7 @@
 // actions and describe: print what the prototypes of the actions say about themselves.
 #include "base/counted.h"
 #include "base/nearest_name.h"
+#include "cli/print/output.h"
 #include "commands.h"
 #include "corvanta/action_base.h"
 #include "corvanta/action_registry.h"
@@ -13,19 +14,12 @@
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
-
-/// Prints UTF-8, whatever the locale is: the output is meant for programs, too.
-void print(const QString &text)
-{
-    std::fputs(text.toUtf8().constData(), stdout);
-}
 
 /// The properties that `actions --json` prints.
 QJsonObject catalogueEntry(ActionItem &action)
@@ -143,9 +137,9 @@ void printForm(const ParameterInfo &info, const QString &indent)
         return;
     }
     const bool isContent = info.place == ParameterInfo::Place::Content;
-    print(indent + (isContent
-                        ? u"Saved as <s>TEXT</s> for each text, directly in the element.\n"_s
-                        : u"Saved as the element <%1><s>TEXT</s>...</%1>.\n"_s.arg(info.name)));
+    printText(indent + (isContent
+                            ? u"Saved as <s>TEXT</s> for each text, directly in the element.\n"_s
+                            : u"Saved as the element <%1><s>TEXT</s>...</%1>.\n"_s.arg(info.name)));
 }
 
 /// An element on one line.
@@ -159,10 +153,10 @@ void printChoices(const ParameterInfo &info, const QString &indent, const QStrin
 {
     for (qsizetype i = 0; i < info.choices.size(); ++i) {
         const QString sentence = info.explanations.value(i);
-        print(u"%1%2 = %3%4\n"_s.arg(indent, QString::number(i), info.choices[i],
-                                     sentence.isEmpty() ? sentence : ": "_L1 + sentence));
+        printText(u"%1%2 = %3%4\n"_s.arg(indent, QString::number(i), info.choices[i],
+                                         sentence.isEmpty() ? sentence : ": "_L1 + sentence));
         if (const QString element = elements.value(i); !element.isEmpty()) {
-            print(u"%1    Example: %2\n"_s.arg(indent, onOneLine(element)));
+            printText(u"%1    Example: %2\n"_s.arg(indent, onOneLine(element)));
         }
     }
 }
@@ -178,29 +172,29 @@ void printParameter(const ParameterInfo &info, const QString &indent, const Exam
     const QString inner = indent + "    "_L1;
     // An empty default would leave nothing to read after the word.
     const QString defaultText = info.defaultValue.isEmpty() ? u"\"\""_s : info.defaultValue;
-    print(u"%1%2 (%3, %4default %5)\n"_s.arg(
+    printText(u"%1%2 (%3, %4default %5)\n"_s.arg(
         indent, info.name, ActionParameters::typeName(info.type),
         info.isRequired ? u"required, "_s : QString(), defaultText));
-    print(u"%1%2\n"_s.arg(inner, info.meaning));
+    printText(u"%1%2\n"_s.arg(inner, info.meaning));
     const bool isInteger = info.type == ParameterInfo::Type::Integer && info.choices.isEmpty();
     if (isInteger || info.isNumberText) {
-        print(u"%1Allowed: %2.\n"_s.arg(inner, allowedValues(info)));
+        printText(u"%1Allowed: %2.\n"_s.arg(inner, allowedValues(info)));
     }
     if (info.isRequired) {
-        print(u"%1Required: must not be empty.\n"_s.arg(inner));
+        printText(u"%1Required: must not be empty.\n"_s.arg(inner));
     }
     if (!info.unit.isEmpty()) {
-        print(u"%1Unit: %2.\n"_s.arg(inner, info.unit));
+        printText(u"%1Unit: %2.\n"_s.arg(inner, info.unit));
     }
     if (!info.conditions.isEmpty()) {
-        print(u"%1Used only when %2.\n"_s.arg(inner, conditionTexts(info).join(u", and "_s)));
+        printText(u"%1Used only when %2.\n"_s.arg(inner, conditionTexts(info).join(u", and "_s)));
     }
     printForm(info, inner);
     const QStringList elements = isMember ? examples.elementsWithChoices(info) : QStringList();
     printChoices(info, inner, elements);
     // The examples at the end show structures.
     if (info.type != ParameterInfo::Type::Structure && elements.join(QString()).isEmpty()) {
-        print(u"%1Example: %2\n"_s.arg(inner, onOneLine(examples.elementWith(info))));
+        printText(u"%1Example: %2\n"_s.arg(inner, onOneLine(examples.elementWith(info))));
     }
     printMembers(info, inner, examples);
 }
@@ -210,7 +204,7 @@ void printMembers(const ParameterInfo &info, const QString &indent, const Exampl
     if (info.members.isEmpty()) {
         return;
     }
-    print(u"%1Each element '%2' holds\n"_s.arg(indent, info.itemElement));
+    printText(u"%1Each element '%2' holds\n"_s.arg(indent, info.itemElement));
     const ExampleWriter ofItem = examples.ofItem(info);
     for (const ParameterInfo &member : info.members) {
         printParameter(member, indent + "  "_L1, ofItem, true);
@@ -223,16 +217,16 @@ void printDetails(const QString &type, const QVector<ParameterInfo> &infos,
 {
     const QVector<Example> all = examplesOf(type);
     const ExampleWriter examples(type, infos, all);
-    print(u"Parameters\n"_s);
+    printText(u"Parameters\n"_s);
     for (const ParameterInfo &info : infos) {
         printParameter(info, u"  "_s, examples, false);
     }
     if (!templates.isEmpty()) {
-        print(u"\nIncluded templates\n  %1\n"_s.arg(templates.join(u"\n  "_s)));
+        printText(u"\nIncluded templates\n  %1\n"_s.arg(templates.join(u"\n  "_s)));
     }
     for (const Example &example : all) {
         const QString element = QString(example.element).replace(u'\n', "\n    "_L1);
-        print(u"\nExample: %1\n    %2\n"_s.arg(example.title, element));
+        printText(u"\nExample: %1\n    %2\n"_s.arg(example.title, element));
     }
 }
 
@@ -272,8 +266,8 @@ QJsonArray formatEntries(std::span<const FileFormat> formats)
 
 /// What `actions --json` prints of the action, its files, its pins, its parameters, examples, and
 /// included templates if there are any.
-QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
-                        const QStringList &templates)
+QJsonObject descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
+                            const QStringList &templates)
 {
     QJsonObject entry = catalogueEntry(action);
     addPins(action, &entry);
@@ -287,7 +281,7 @@ QString descriptionJson(ActionItem &action, const QVector<ParameterInfo> &infos,
     if (!templates.isEmpty()) {
         entry[u"includedTemplates"_s] = QJsonArray::fromStringList(templates);
     }
-    return QString::fromUtf8(QJsonDocument(entry).toJson());
+    return entry;
 }
 
 constexpr OptionInfo kActionsOptions[] = {
@@ -313,12 +307,12 @@ CommandResult<void> actionsCommand(const CommandLine &line)
         if (line.has(u"--json"_s)) {
             entries << catalogueEntry(*action);
         } else {
-            print(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' +
-                  action->getDescription() + u'\n');
+            printText(QString::fromLatin1(action->getTypeName()).leftJustified(16) + u' ' +
+                      action->getDescription() + u'\n');
         }
     }
     if (line.has(u"--json"_s)) {
-        print(QString::fromUtf8(QJsonDocument(entries).toJson()));
+        printJson(QJsonDocument(entries));
     }
     return {};
 }
@@ -345,10 +339,10 @@ CommandResult<void> describeCommand(const CommandLine &line)
     const QStringList templates =
         declared != nullptr ? declared->includedTemplates() : QStringList();
     if (line.has(u"--json"_s)) {
-        print(descriptionJson(*action, infos, templates));
+        printJson(QJsonDocument(descriptionJson(*action, infos, templates)));
         return {};
     }
-    print(u"%1: %2\n%3\n\n"_s.arg(type, action->getDescription(), pinText(*action)));
+    printText(u"%1: %2\n%3\n\n"_s.arg(type, action->getDescription(), pinText(*action)));
     printDetails(type, infos, templates);
     return {};
 }

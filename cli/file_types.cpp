@@ -168,6 +168,34 @@ CommandResult<void> checkFileSetting(const QStringList &settings, const QString 
     return {};
 }
 
+/// Why no action has the extension of a file.
+Fault<ExitStatus> unknownFile(const ActionRegistry &registry, FileFormat::Use use,
+                              const QString &fileName)
+{
+    const bool isRead = use == FileFormat::Read;
+    if (QFileInfo(fileName).isDir()) {
+        return badUsage(isRead ? u"'%1' is a folder, not a file"_s.arg(fileName)
+                               : u"'%1' is a folder, not a file; '%1/' writes a CSV file per table "
+                                 "into it"_s.arg(fileName));
+    }
+    return badUsage(u"no action %1 files with the extension of '%2' (supported: %3; %4 FORMAT "
+                    "names the format of a file with another name)"_s.arg(
+                        isRead ? u"reads"_s : u"writes"_s, fileName, knownExtensions(registry, use),
+                        isRead ? u"--from"_s : u"--to"_s));
+}
+
+/// Set the parameters of a new action. Later settings win.
+CommandResult<void> applyAll(const QVector<QStringList> &settings, const QString &type,
+                             ActionParameters *parameters)
+{
+    for (const QStringList &some : settings) {
+        if (auto applied = apply(some, type, parameters); !applied) {
+            return applied;
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 CommandResult<std::unique_ptr<ActionItem>>
@@ -176,16 +204,8 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const FileAr
 {
     const auto &[fileName, extension] = file;
     const std::optional<FileAction> found = find(registry, use, extension);
-    if (!found && QFileInfo(fileName).isDir()) {
-        return badUsage(use == FileFormat::Read
-                            ? u"'%1' is a folder, not a file"_s.arg(fileName)
-                            : u"'%1' is a folder, not a file; '%1/' writes a CSV file per table "
-                              "into it"_s.arg(fileName));
-    }
     if (!found) {
-        return badUsage(u"no action %1 files with the extension of '%2' (supported: %3)"_s.arg(
-            use == FileFormat::Read ? u"reads"_s : u"writes"_s, fileName,
-            knownExtensions(registry, use)));
+        return unknownFile(registry, use, fileName);
     }
     const QString type = QString::fromLatin1(found->type);
     // A new action chooses defaults by the extension of its file, which a compressed file hides.
@@ -199,13 +219,12 @@ makeFileAction(const ActionRegistry &registry, FileFormat::Use use, const FileAr
     if (const auto checked = checkFileSetting(settings, attribute, use, fileName); !checked) {
         return checked.fault();
     }
-    // The settings of the user come last and win.
     const QStringList early =
         extent == ReadExtent::FirstRows ? wordsOf(found->format->firstRowsSettings) : QStringList();
-    for (const QStringList &some : {wordsOf(found->format->settings), early, settings}) {
-        if (const auto applied = apply(some, type, parameters); !applied) {
-            return applied.fault();
-        }
+    const auto applied =
+        applyAll({wordsOf(found->format->settings), early, settings}, type, parameters);
+    if (!applied) {
+        return applied.fault();
     }
     return action;
 }

@@ -1,5 +1,6 @@
 // head and schema: run the reader of a file with a listener that stops it after the first rows.
 #include "cli/print/json_rows.h"
+#include "cli/print/output.h"
 #include "commands.h"
 #include "input_rows.h"
 #include "session.h"
@@ -109,9 +110,9 @@ private:
     void start(const TableSchema &columns)
     {
         if (m_facts != nullptr) {
-            m_json.emplace(columns, kindsOf(columns, *m_facts), stdout);
+            m_json.emplace(columns, kindsOf(columns, *m_facts));
         } else {
-            m_table.emplace(columns, stdout);
+            m_table.emplace(columns);
         }
     }
 
@@ -229,11 +230,11 @@ void printSchema(const CommandLine &line, const QVector<Column> &columns)
             all << columnJson(column, isVerbose);
         } else {
             const QString text = columnLine(column, isVerbose);
-            std::printf("%s\n", text.toUtf8().constData());
+            printText(text + u'\n');
         }
     }
     if (line.has(u"--json"_s)) {
-        std::fputs(QJsonDocument(all).toJson().constData(), stdout);
+        printJson(QJsonDocument(all));
     }
 }
 

@@ -7,6 +7,7 @@
 #include "corvanta/action_parameters.h"
 #include "corvanta/lists.h"
 #include "corvanta/main_ui.h"
+#include "corvanta/system.h"
 #include "file_types.h"
 #include "visible_text.h"
 
@@ -214,6 +215,40 @@ QVector<ReaderOption> readerOptions(const CommandLine &line)
     return options;
 }
 
+/// Index of the encoding of the system in the choices of a parameter; -1 if it has none.
+qsizetype systemChoice(const ActionItem &reader, const QString &parameter)
+{
+    const auto &parameters = dynamic_cast<const ActionParameters &>(reader);
+    const int index = parameters.indexOfParameter(parameter);
+    return index < 0
+               ? -1
+               : parameters.parameters().at(index).choices.indexOf(u"encoding of the system"_s);
+}
+
+/// Give a reader that has only a few encodings all that are known: the system's becomes the one
+/// that is named.
+CommandResult<void> nameEncoding(const CommandLine &line, const ActionItem &reader,
+                                 ReaderOption *option)
+{
+    const qsizetype system = systemChoice(reader, option->parameter);
+    bool isNumber = false;
+    option->value.toInt(&isNumber);
+    if (system < 0 || isNumber) {
+        return {}; // a name or the number of a choice, which is checked later
+    }
+    if (!isKnownEncoding(option->value)) {
+        return badUsage(u"%1: the encoding '%2' is unknown (windows-1252 is an example)"_s.arg(
+            option->option, option->value));
+    }
+    if (line.has(u"--print-graph"_s)) {
+        MainUI::addLog(MainUI::Info,
+                       u"The graph needs the option --system-encoding %1"_s.arg(option->value));
+    }
+    setSystemEncoding(option->value);
+    option->value = QString::number(system);
+    return {};
+}
+
 /// Whether a file of this extension is text.
 bool isText(const QString &extension)
 {
@@ -298,10 +333,14 @@ CommandResult<std::unique_ptr<ActionItem>> makeInput(const CommandLine &line,
         return plain.fault();
     }
     QStringList settings;
-    for (const ReaderOption &option : readerOptions(line)) {
+    QVector<ReaderOption> options = readerOptions(line);
+    for (ReaderOption &option : options) {
         if (!hasParameter(**plain, option.parameter)) {
             return badUsage(u"%1: %2 has no such choice"_s.arg(
                 option.option, QString::fromLatin1((*plain)->getTypeName())));
+        }
+        if (const auto named = nameEncoding(line, **plain, &option); !named) {
+            return named.fault();
         }
         settings << option.parameter + u'=' + option.value;
     }

@@ -65,8 +65,9 @@ private:
     {
         const QString text = message.text.trimmed();
         const QString severity = severityPrefix(text, message.level);
-        const QString place =
+        const QString action =
             message.action.isEmpty() ? QString() : u"[%1] "_s.arg(visibleText(message.action));
+        const QString place = input().isEmpty() ? action : visibleText(input()) + ": "_L1 + action;
         return (place + severity + visibleLines(text) + u'\n').toUtf8();
     }
     QByteArray format(const LogMessage &message, const RunSummary &) const override
@@ -93,10 +94,11 @@ private:
         return array.mid(5, array.size() - 6); // after {"v": and before }
     }
     /// The members of a message, without the end of the object.
-    static QByteArray membersOf(const LogMessage &message)
+    QByteArray membersOf(const LogMessage &message) const
     {
         return "{\"level\":" + QByteArray::number(message.level) +
                ",\"severity\":" + jsonOf(severityOf(message.level)) +
+               (input().isEmpty() ? QByteArray() : ",\"input\":" + jsonOf(input())) +
                ",\"action\":" + jsonOf(message.action) + ",\"message\":" + jsonOf(message.text);
     }
     QByteArray format(const LogMessage &message) const override
@@ -105,16 +107,30 @@ private:
     }
     QByteArray format(const LogMessage &message, const RunSummary &summary) const override
     {
-        const QJsonObject object{{u"rows"_s, summary.rows},
-                                 {u"seconds"_s, summary.seconds},
-                                 {u"megabytesPerSecond"_s, summary.megabytesPerSecond},
-                                 {u"files"_s, QJsonArray::fromStringList(summary.files)}};
+        QJsonObject object{{u"rows"_s, summary.rows},
+                           {u"seconds"_s, summary.seconds},
+                           {u"megabytesPerSecond"_s, summary.megabytesPerSecond},
+                           {u"files"_s, QJsonArray::fromStringList(summary.files)}};
+        if (summary.inputs) {
+            object.insert(u"inputs"_s, objectOf(*summary.inputs));
+        }
         return membersOf(message) + ",\"summary\":" + jsonOf(object) + "}\n";
     }
     QByteArray format(const LogMessage &message, const QVector<ActionProgress> &all) const override
     {
-        const auto actions = mapped<QJsonArray>(all, objectOf);
+        QJsonArray actions;
+        for (const ActionProgress &action : all) {
+            actions << objectOf(action);
+        }
         return membersOf(message) + ",\"progress\":" + jsonOf(actions) + "}\n";
+    }
+    static QJsonObject objectOf(const InputCounts &inputs)
+    {
+        return {{u"shard"_s, inputs.shard},
+                {u"done"_s, inputs.done},
+                {u"skipped"_s, inputs.skipped},
+                {u"failed"_s, inputs.failed},
+                {u"left"_s, inputs.left}};
     }
     static QJsonObject objectOf(const ActionProgress &action)
     {
@@ -133,14 +149,21 @@ private:
     }
 };
 
-/// One line for people.
-QString textOf(const RunSummary &summary)
+/// "shard 2/10: 97 inputs done, 2 done before, 1 failed, "; nothing for a single run.
+QString textOf(const std::optional<InputCounts> &inputs)
 {
-    const QString files =
-        summary.files.isEmpty() ? u"no file written"_s : "wrote "_L1 + summary.files.join(", "_L1);
-    return u"%1 read in %2 s (%3 MB/s), %4"_s.arg(
-        corvanta::counted(summary.rows, u"row"_s), QString::number(summary.seconds, 'f', 2),
-        QString::number(summary.megabytesPerSecond, 'f', 1), files);
+    if (!inputs) {
+        return {};
+    }
+    QString text =
+        u"shard %1: %2 done, "_s.arg(inputs->shard, corvanta::counted(inputs->done, u"input"_s));
+    const std::pair<qint64, QString> others[] = {{inputs->skipped, u"done before"_s},
+                                                 {inputs->failed, u"failed"_s},
+                                                 {inputs->left, u"not run"_s}};
+    for (const auto &[count, state] : others) {
+        text += count > 0 ? u"%1 %2, "_s.arg(QString::number(count), state) : QString();
+    }
+    return text;
 }
 
 /// Whether the words ask for messages in JSON, also if they are otherwise wrong.
@@ -166,6 +189,18 @@ QString severityOf(int level)
     default:
         return u"diagnostic"_s;
     }
+}
+
+QString summaryText(const RunSummary &summary)
+{
+    const QString files = summary.files.isEmpty() ? u"no file written"_s
+                          : summary.inputs
+                              ? "wrote "_L1 + corvanta::counted(summary.files.size(), u"file"_s)
+                              : "wrote "_L1 + summary.files.join(", "_L1);
+    return textOf(summary.inputs) + u"%1 read in %2 s (%3 MB/s), %4"_s.arg(
+                                        corvanta::counted(summary.rows, u"row"_s),
+                                        QString::number(summary.seconds, 'f', 2),
+                                        QString::number(summary.megabytesPerSecond, 'f', 1), files);
 }
 
 CommandResult<std::unique_ptr<CommandLog>> CommandLog::create(const LogOptions &options)
@@ -194,7 +229,10 @@ void CommandLog::add(const LogMessage &message)
 {
     thread_local int previous = MainUI::Info;
     previous = message.text.startsWith("Reason: "_L1) ? previous : message.level;
-    m_hasErrors = m_hasErrors || message.level == MainUI::Error;
+    if (message.level == MainUI::Error && !m_hasErrors.exchange(true)) {
+        const std::lock_guard lock(m_mutex);
+        m_firstError = message.text;
+    }
     const QByteArray line = format(message);
     writeToFile(line);
     if (!m_options.isQuiet || previous <= MainUI::Warning) {
@@ -240,7 +278,7 @@ void CommandLog::addProgress(const LogMessage &message, const QVector<ActionProg
 
 void CommandLog::addSummary(const RunSummary &summary)
 {
-    const QByteArray line = format({MainUI::Info, {}, textOf(summary)}, summary);
+    const QByteArray line = format({MainUI::Info, {}, summaryText(summary)}, summary);
     writeToFile(line);
     write(line);
 }
@@ -257,7 +295,28 @@ void CommandLog::addWrittenFile(const QString &name)
 QStringList CommandLog::writtenFiles() const
 {
     const std::lock_guard lock(m_mutex);
+    return m_writtenBefore + m_written;
+}
+
+QStringList CommandLog::filesOfInput() const
+{
+    const std::lock_guard lock(m_mutex);
     return m_written;
+}
+
+QString CommandLog::firstError() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_firstError;
+}
+
+void CommandLog::setInput(const QString &name)
+{
+    const std::lock_guard lock(m_mutex);
+    m_input = name;
+    m_hasErrors = false;
+    m_firstError.clear();
+    m_writtenBefore += std::exchange(m_written, {});
 }
 
 void CommandLog::setProgressLine(const QByteArray &line)

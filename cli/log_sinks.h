@@ -9,15 +9,30 @@
 #include <cstdio>
 #include <memory>
 #include <mutex>
+#include <optional>
+
+/// What became of the inputs of a shard.
+struct InputCounts
+{
+    QString shard;      ///< "2/10"
+    qint64 done = 0;    ///< their runs succeeded
+    qint64 skipped = 0; ///< were done before
+    qint64 failed = 0;
+    qint64 left = 0; ///< not run, because the shard has ended early
+};
 
 /// What a run did.
 struct RunSummary
 {
     qint64 rows = 0; ///< that the readers sent
     double seconds = 0;
-    double megabytesPerSecond = 0; ///< of input files, in units of 1,000,000 bytes
-    QStringList files;             ///< that were written
+    double megabytesPerSecond = 0;          ///< of input files, in units of 1,000,000 bytes
+    QStringList files;                      ///< that were written
+    std::optional<InputCounts> inputs = {}; ///< of a graph that was run for many inputs
 };
+
+/// One line for people.
+QString summaryText(const RunSummary &summary);
 
 /// How a log writes.
 struct LogOptions
@@ -48,10 +63,16 @@ public:
 
     /// Bytes that were read from input files since the log was created.
     qint64 bytesRead() const { return m_bytesRead; }
-    /// The targets that were completed since then, each once, in their order.
+    /// Messages are about the input `name` from now on, and say so. Call between runs.
+    void setInput(const QString &name);
+    /// The targets that were completed since the log was created, in their order.
     QStringList writtenFiles() const;
-    /// Whether a message of level 1 was written. Threads: any.
+    /// Those of the present input, each once.
+    QStringList filesOfInput() const;
+    /// Whether a message of level 1 was written about the present input. Threads: any.
     bool hasErrors() const { return m_hasErrors; }
+    /// The first of these; empty if there is none.
+    QString firstError() const;
     /// Where messages are written.
     std::FILE *stream() const { return m_out; }
 
@@ -63,6 +84,8 @@ public:
     }
 
 protected:
+    /// The input that messages are about; empty for a single run.
+    const QString &input() const { return m_input; }
     /// The bytes to write for a message, line feed included.
     virtual QByteArray format(const LogMessage &message) const = 0;
     /// The same for a summary; `message` holds it as text.
@@ -80,13 +103,16 @@ private:
     void writeToFile(const QByteArray &line);
 
     LogOptions m_options;
+    QString m_input; // changes between runs only
     std::FILE *m_out;
     std::unique_ptr<std::FILE, CloseFile> m_file; // null: none; written with the mutex held
     std::atomic<qint64> m_bytesRead = 0;
     std::atomic<bool> m_hasErrors = false;
     mutable std::mutex m_mutex; // held while a line is written, so that lines are never mixed
     QByteArray m_progress;      // guarded by m_mutex
-    QStringList m_written;      // guarded by m_mutex
+    QString m_firstError;       // of the input; guarded by m_mutex
+    QStringList m_written;      // for the input; guarded by m_mutex
+    QStringList m_writtenBefore;
 };
 
 /// "error", "warning", "info" or "diagnostic".

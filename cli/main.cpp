@@ -1,6 +1,6 @@
 // The corvanta program: chooses the command and runs it.
 #include "base/platform/terminal.h"
-#include "base/system_error.h"
+#include "cli/print/output.h"
 #include "command_line.h"
 #include "corvanta/action_registry.h"
 #include "failure.h"
@@ -12,8 +12,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <array>
-#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -47,7 +45,7 @@ CommandResult<void> execute(const QStringList &words, QString *name)
 {
     const QString first = words.value(0);
     if (first == "--version"_L1) {
-        std::puts("corvanta " CORVANTA_VERSION);
+        printBytes("corvanta " CORVANTA_VERSION "\n");
         return {};
     }
     if (isHelp(first)) {
@@ -66,30 +64,11 @@ CommandResult<void> execute(const QStringList &words, QString *name)
     return asksForHelp ? help({first}) : run(*command, words.mid(1));
 }
 
-/// Writes what is left in the buffer of standard output. The fault is kFailed: a program that reads
-/// the output must not take a part of it for the whole.
-CommandResult<void> flushOutput()
-{
-    errno = 0;
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
-        return {};
-    }
-    // An earlier failure has left no reason.
-    const SystemError error = SystemError::ofLastCall();
-    const QString reason = error ? ": "_L1 + error.text() : QString();
-    return Fault{kFailed, u"cannot write to standard output%1"_s.arg(reason)};
-}
-
 /// Runs the program; what it throws is reported by main().
 ExitStatus runProgram(int argc, char **argv)
 {
     platform::occupyStandardStreams();
     catchStopSignals();
-    if (!platform::isTerminal(stdout)) {
-        // Most outputs fit, so that the last flush knows why one cannot be written.
-        static std::array<char, size_t(256) * 1024> buffer; // glibc ignores a size without one
-        std::setvbuf(stdout, buffer.data(), _IOFBF, buffer.size());
-    }
     // Without this Qt uses a library that ends the program when there is no memory.
     qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application(argc, argv);

@@ -102,6 +102,35 @@ constexpr OptionInfo kMessageOptions[] = {
     {"--system-encoding", "NAME", "8-bit encoding of files in the \"system\" encoding"},
 };
 
+CommandResult<void> checkMessageOptions(const CommandLine &line)
+{
+    const QString progress = line.value(u"--progress"_s, u"auto"_s);
+    const QStringList choices{u"auto"_s, u"always"_s, u"never"_s};
+    if (!choices.contains(progress) && progress != "lines"_L1) {
+        return badUsage(u"--progress must be auto, always, never or lines"_s);
+    }
+    if (!choices.contains(line.value(u"--color"_s, u"auto"_s))) {
+        return badUsage(u"--color must be auto, always or never"_s);
+    }
+    if (progress == "lines"_L1 && line.value(u"--log-format"_s, QString()) != "json"_L1) {
+        return badUsage(u"--progress lines needs --log-format json"_s);
+    }
+    const QString encoding = line.value(u"--system-encoding"_s, QString());
+    if (!encoding.isEmpty() && !isKnownEncoding(encoding)) {
+        return badUsage(
+            u"--system-encoding: the encoding '%1' is unknown (windows-1252 is an example)"_s.arg(
+                encoding));
+    }
+    return {};
+}
+
+CommandResult<std::unique_ptr<CommandLog>> openLog(const CommandLine &line)
+{
+    return CommandLog::create(
+        {line.value(u"--log-format"_s, u"text"_s), line.has(u"--quiet"_s) || line.has(u"-q"_s),
+         hasColors(line.value(u"--color"_s, u"auto"_s)), line.value(u"--log-file"_s, QString())});
+}
+
 } // namespace
 
 CommandOptions Session::options(CommandOptions more)
@@ -117,45 +146,33 @@ std::span<const OptionInfo> Session::logFormatOption()
 
 CommandResult<std::unique_ptr<Session>> Session::open(const CommandLine &line)
 {
-    const QString logFormat = line.value(u"--log-format"_s, u"text"_s);
-    const QString progress = line.value(u"--progress"_s, u"auto"_s);
-    const QString color = line.value(u"--color"_s, u"auto"_s);
-    const QStringList choices{u"auto"_s, u"always"_s, u"never"_s};
-    if (!choices.contains(progress) && progress != "lines"_L1) {
-        return badUsage(u"--progress must be auto, always, never or lines"_s);
+    if (const auto valid = checkMessageOptions(line); !valid) {
+        return valid.fault();
     }
-    if (!choices.contains(color)) {
-        return badUsage(u"--color must be auto, always or never"_s);
+    const bool isJson = line.value(u"--log-format"_s, u"text"_s) == "json"_L1;
+    auto log = openLog(line);
+    if (!log) {
+        return log.fault();
     }
-    if (progress == "lines"_L1 && logFormat != "json"_L1) {
-        return badUsage(u"--progress lines needs --log-format json"_s);
-    }
-    auto created = CommandLog::create({logFormat, line.has(u"--quiet"_s) || line.has(u"-q"_s),
-                                       hasColors(color), line.value(u"--log-file"_s, QString())});
-    if (!created) {
-        return created.fault();
-    }
-    std::unique_ptr<CommandLog> log = *std::move(created);
-    const QString encoding = line.value(u"--system-encoding"_s, QString());
-    if (!encoding.isEmpty() && !isKnownEncoding(encoding)) {
-        return badUsage(
-            u"--system-encoding: the encoding '%1' is unknown (windows-1252 is an example)"_s.arg(
-                encoding));
-    }
-    setFailureStream(log->stream(), logFormat == "json"_L1);
-    std::unique_ptr<Session> session(new Session(std::move(log)));
-    const bool wantsProgress =
-        progress == "always"_L1 || (progress == "auto"_L1 && platform::isTerminal(stderr));
-    session->m_writesProgress = progress == "lines"_L1;
-    session->m_summary = progress == "always"_L1 || session->m_writesProgress ? Summary::Always
-                         : wantsProgress                                      ? Summary::OfFiles
-                                                                              : Summary::Never;
-    session->m_timer.start();
+    setFailureStream((*log)->stream(), isJson);
+    setSystemEncoding(line.value(u"--system-encoding"_s, QString()));
+    std::unique_ptr<Session> session(new Session(*std::move(log)));
     session->m_isVerbose = line.has(u"-v"_s);
-    // Programs that parse JSON messages must get nothing else; the summary is a message.
-    session->m_showsProgress = wantsProgress && logFormat == "text"_L1;
-    setSystemEncoding(encoding);
+    session->setProgress(line.value(u"--progress"_s, u"auto"_s), isJson);
+    session->m_timer.start();
     return session;
+}
+
+/// Programs that parse JSON messages must get nothing else; the summary is a message.
+void Session::setProgress(const QString &choice, bool isJson)
+{
+    const bool isAlways = choice == "always"_L1;
+    const bool isWanted = isAlways || (choice == "auto"_L1 && platform::isTerminal(stderr));
+    m_writesProgress = choice == "lines"_L1;
+    m_showsProgress = isWanted && !isJson;
+    m_summary = isAlways || m_writesProgress ? Summary::Always
+                : isWanted                   ? Summary::OfFiles
+                                             : Summary::Never;
 }
 
 Session::Session(std::unique_ptr<CommandLog> log)
@@ -167,15 +184,46 @@ Session::Session(std::unique_ptr<CommandLog> log)
 Session::~Session()
 {
     // Here and not in run(), because the summary is the last line.
-    const QStringList files = m_log->writtenFiles();
+    const QStringList files = m_files.isEmpty() ? m_log->writtenFiles() : m_files;
     // Unless it is asked for, a summary below the rows of head would only disturb.
-    if (m_rows &&
-        (m_summary == Summary::Always || (m_summary == Summary::OfFiles && !files.isEmpty()))) {
+    const bool showsRun = m_rows && (m_summary == Summary::Always ||
+                                     (m_summary == Summary::OfFiles && !files.isEmpty()));
+    if (showsRun || m_inputs) {
         const double seconds = static_cast<double>(m_timer.nsecsElapsed()) / 1e9;
         const double megabytes = static_cast<double>(m_log->bytesRead()) / 1e6;
-        m_log->addSummary({*m_rows, seconds, megabytes / seconds, files});
+        const RunSummary summary{m_earlierRows + m_rows.value_or(0), seconds, megabytes / seconds,
+                                 files, m_inputs};
+        if (m_summary == Summary::Never) {
+            m_log->add({MainUI::Info, {}, summaryText(summary)});
+        } else {
+            m_log->addSummary(summary);
+        }
     }
     MainUI::setLogSink(nullptr);
+}
+
+void Session::beginInput(const QString &name)
+{
+    m_log->setInput(name);
+    m_earlierRows += m_rows.value_or(0);
+    m_rows.reset();
+}
+
+Session::InputResult Session::inputResult() const
+{
+    return {m_rows.value_or(0), m_log->filesOfInput(), m_log->firstError()};
+}
+
+void Session::endInputs(const InputCounts &counts)
+{
+    m_log->setInput({});
+    m_inputs = counts;
+}
+
+void Session::setResult(qint64 rows, const QStringList &files)
+{
+    m_rows = rows;
+    m_files = files;
 }
 
 bool Session::logProblems(const CorvantaGraph::Problems &problems, const IsError &isError)
@@ -200,6 +248,15 @@ void Session::showProgress(const Run &run, const QElapsedTimer &timer)
     if (m_writesProgress) {
         m_log->addProgress({MainUI::Info, {}, QString::fromUtf8(line)}, all);
     } else {
+        showLine(line);
+    }
+}
+
+void Session::showLine(const QByteArray &line)
+{
+    if (m_writesProgress && !line.isEmpty()) {
+        m_log->addProgress({MainUI::Info, {}, QString::fromUtf8(line)}, {});
+    } else if (m_showsProgress) {
         // One column less than the terminal has: a full line would begin a new one.
         m_log->setProgressLine(line.left(platform::terminalWidth(stderr) - 1));
     }
@@ -228,7 +285,7 @@ void Session::waitForEnd(Run *run)
 
 void Session::reportIncomplete()
 {
-    const QStringList files = m_log->writtenFiles();
+    const QStringList files = m_log->filesOfInput();
     MainUI::addLog(MainUI::Warning,
                    u"Warning: %1; %2"_s.arg(interruption() ? u"interrupted"_s
                                                            : u"not all of the input was read"_s,

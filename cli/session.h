@@ -33,8 +33,35 @@ public:
     CommandResult<void> run(const CorvantaGraph &graph, const corvanta::ActionRegistry &registry,
                             corvanta::RunOptions options);
 
+    /// Show `line` as the progress of work that is not a run, if progress is wanted; an empty line
+    /// ends it.
+    void showLine(const QByteArray &line);
+
+    /// What the run of one input did.
+    struct InputResult
+    {
+        qint64 rows = 0;
+        QStringList files;  ///< that were written
+        QString firstError; ///< empty: none
+    };
+    /// The next run is that of the input `name`: messages name it, and the summary is that of all
+    /// runs.
+    void beginInput(const QString &name);
+    InputResult inputResult() const;
+    /// Messages are no longer about an input. The summary, which is then always written, has
+    /// `counts`.
+    void endInputs(const InputCounts &counts);
+
+    /// The rows and, unless the list is empty, the files that the summary names, in place of those
+    /// of the last run.
+    void setResult(qint64 rows, const QStringList &files = {});
+    /// The rows that the readers of the last run have sent.
+    qint64 rows() const { return m_rows.value_or(0); }
+
 private:
     explicit Session(std::unique_ptr<CommandLog> log);
+    /// `choice` is the value of --progress; `isJson` the form of the messages.
+    void setProgress(const QString &choice, bool isJson);
     /// Wait and show the progress.
     void waitForEnd(corvanta::Run *run);
     /// Show the progress after the time of `timer`, if it is wanted.
@@ -50,4 +77,7 @@ private:
     enum class Summary { Never, OfFiles, Always } m_summary = Summary::Never;
     QElapsedTimer m_timer;
     std::optional<qint64> m_rows = {}; // read by the last run; none before a run
+    qint64 m_earlierRows = 0;          // read by the runs of earlier inputs
+    std::optional<InputCounts> m_inputs = {};
+    QStringList m_files; // of setResult()
 };

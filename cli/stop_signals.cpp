@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 
 std::atomic<int> caughtSignal = 0;      // the first one; 0: none yet
 std::atomic<Clock::rep> signalTime = 0; // of the first one; 0: none yet
-std::atomic<bool> endsCleanly = false;  // a CleanEnd exists
+std::atomic<int> cleanEnds = 0;         // number of CleanEnd objects
 
 /// The program ends without destructors: they are not safe in a signal handler.
 [[noreturn]] void endNow(int signal)
@@ -36,7 +36,7 @@ void onSignal(int signal)
     int first = 0;
     if (caughtSignal.compare_exchange_strong(first, signal)) {
         signalTime = now;
-        if (!endsCleanly) {
+        if (cleanEnds == 0) {
             endNow(signal);
         }
     } else if (const Clock::rep time = signalTime;
@@ -86,12 +86,12 @@ std::optional<ExitStatus> interruption()
 
 CleanEnd::CleanEnd()
 {
-    endsCleanly = true;
+    ++cleanEnds;
 }
 
 CleanEnd::~CleanEnd()
 {
-    endsCleanly = false;
+    --cleanEnds;
 }
 
 SignalWatch::SignalWatch(corvanta::Run &run)

@@ -17,7 +17,7 @@ void catchStopSignals();
 std::optional<ExitStatus> interruption();
 
 /// As long as it exists, the first signal does not end the program: there may be temporary files.
-/// Create it before the run and destroy it after the run. At most one exists at a time.
+/// Create it before the run and destroy it after the run. Several may exist at a time.
 class CleanEnd
 {
 public:

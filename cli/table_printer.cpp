@@ -6,9 +6,11 @@
 
 #include "base/counted.h"
 #include "base/platform/terminal.h"
+#include "cli/print/output.h"
 #include "visible_text.h"
 
 #include <algorithm>
+#include <cstdio>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -90,10 +92,9 @@ int displayWidth(const QString &text)
     return width;
 }
 
-TablePrinter::TablePrinter(const TableSchema &columns, std::FILE *out)
+TablePrinter::TablePrinter(const TableSchema &columns)
     : m_columns(columns)
-    , m_out(out)
-    , m_lineWidth(platform::isTerminal(out) ? platform::terminalWidth(out) : 0)
+    , m_lineWidth(platform::isTerminal(stdout) ? platform::terminalWidth(stdout) : 0)
     , m_cellWidth(m_lineWidth > 0 ? kTerminalCell : kWidestCell)
 {
     // The names are measured like a row.
@@ -182,7 +183,7 @@ void TablePrinter::print(const QStringList &cells)
     for (qsizetype i = 0; i < m_widths.size(); ++i) {
         line += (i > 0 ? kGap : ""_L1) + aligned(i, cells[i]);
     }
-    std::fprintf(m_out, "%s\n", withoutTrailingBlanks(line).toUtf8().constData());
+    printText(withoutTrailingBlanks(line) + u'\n');
 }
 
 /// A short table is printed as a whole only now, when all its widths are known.
@@ -197,8 +198,6 @@ void TablePrinter::finish()
     const QStringList left = QStringList(m_columns.names).mid(m_widths.size());
     if (!left.isEmpty()) {
         const QString names = visibleText(left.join(", "_L1));
-        std::fprintf(
-            m_out, "and %s\n",
-            u"%1: %2"_s.arg(counted(left.size(), u"more column"_s), names).toUtf8().constData());
+        printText(u"and %1: %2\n"_s.arg(counted(left.size(), u"more column"_s), names));
     }
 }

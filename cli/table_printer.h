@@ -5,21 +5,18 @@
 #include <QString>
 #include <QStringList>
 
-#include <cstdio>
-
 /// Number of terminal columns that `text` takes: two for a wide character, none for a combining
 /// one.
 int displayWidth(const QString &text);
 
-/// Prints to a terminal or a file. Numbers are aligned right, texts left; a missing cell is blank,
-/// an empty text is "". The column widths are those of the first 1,000 rows, which are kept until
-/// then. Cells of more than 1,000 characters (40 on a terminal) end in an ellipsis. Columns that do
-/// not fit on the terminal are left out and named at the end.
+/// Prints to standard output: a terminal or a file. Numbers are aligned right, texts left; a
+/// missing cell is blank, an empty text is "". The column widths are those of the first 1,000 rows,
+/// which are kept until then. Cells of more than 1,000 characters (40 on a terminal) end in an
+/// ellipsis. Columns that do not fit on the terminal are left out and named at the end.
 class TablePrinter
 {
 public:
-    /// `out` is not closed. It decides whether the table is printed for a terminal.
-    TablePrinter(const TableSchema &columns, std::FILE *out);
+    explicit TablePrinter(const TableSchema &columns);
 
     /// Print a row of texts; null strings are missing cells.
     void add(const QStringList &cells);
@@ -41,7 +38,6 @@ private:
     void print(const QStringList &cells);
 
     TableSchema m_columns;
-    std::FILE *m_out;
     int m_lineWidth; ///< 0: no limit
     int m_cellWidth;
     QVector<QStringList> m_held; ///< the names, then rows that are not printed yet

@@ -1,6 +1,7 @@
 // Lists the markers and chart tags of a template, which a run would replace.
 #include "template_list.h"
 
+#include "cli/print/output.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "visible_text.h"
@@ -11,7 +12,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <vector>
 
@@ -55,24 +55,19 @@ QJsonObject entryOf(const TemplateMark &mark)
 void print(const QString &file, const QVector<TemplateMark> &marks)
 {
     for (const TemplateMark &mark : marks) {
-        std::printf("%s\n", lineOf(visibleText(file), mark).toUtf8().constData());
+        printText(lineOf(visibleText(file), mark) + u'\n');
     }
     if (marks.isEmpty()) {
-        std::printf("%s: no markers and no chart tags\n", visibleText(file).toUtf8().constData());
+        printText(u"%1: no markers and no chart tags\n"_s.arg(visibleText(file)));
     }
 }
 
+/// Empty for a template without marks.
 QJsonArray entriesOf(const QVector<TemplateMark> &marks)
 {
     QJsonArray entries;
     std::transform(marks.begin(), marks.end(), std::back_inserter(entries), entryOf);
     return entries;
-}
-
-/// An array, which is empty for a template without marks.
-void printJson(const QVector<TemplateMark> &marks)
-{
-    std::fputs(QJsonDocument(entriesOf(marks)).toJson().constData(), stdout);
 }
 
 using Actions = std::vector<ActionParameters *>;
@@ -133,7 +128,7 @@ CommandResult<void> checkTemplate(const QString &file, bool asJson)
         }
     }
     if (asJson) {
-        printJson(marks);
+        printJson(QJsonDocument(entriesOf(marks)));
     } else {
         print(file, marks);
     }

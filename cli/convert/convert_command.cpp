@@ -3,31 +3,15 @@
 #include "cli/convert/file_arguments.h"
 #include "cli/convert/pipeline.h"
 #include "cli/convert/tables_command.h"
+#include "cli/print/output.h"
 #include "cli/session.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
-
-#include <QFileInfo>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 
 namespace {
-
-/// With --no-clobber an existing target is an error, before anything is read.
-CommandResult<void> checkTarget(const CommandLine &line)
-{
-    const QString &target = line.arguments.last();
-    const QFileInfo info(target);
-    // A link without a file would be written through.
-    const bool exists = target != "-"_L1 && (info.exists() || info.isSymLink());
-    if (line.has(u"--no-clobber"_s) && exists) {
-        return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(target)};
-    }
-    return {};
-}
 
 /// A user may not expect that an input changes. The input is replaced only when it has been read.
 void warnOfReplacedInput(const CommandLine &line)
@@ -77,10 +61,10 @@ CommandResult<void> convertCommand(const CommandLine &line)
     }
     // The printed graph also has what was derived from the input: levels and tables.
     if (line.has(u"--print-graph"_s)) {
-        std::fputs(graph->toXml().constData(), stdout);
+        printBytes(graph->toXml());
         return {};
     }
-    if (auto checked = checkTarget(line); !checked) {
+    if (auto checked = checkClobber(line, line.arguments.last()); !checked) {
         return checked;
     }
     warnOfReplacedInput(line);

@@ -9,6 +9,7 @@
 #include "corvanta/files.h"
 #include "corvanta/input_source.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -206,6 +207,16 @@ qsizetype lineOfZero(QByteArrayView bytes)
 
 } // namespace
 
+CommandResult<void> checkClobber(const CommandLine &line, const QString &target)
+{
+    const QFileInfo info(target);
+    const bool exists = target != kStream && (info.exists() || info.isSymLink());
+    if (line.has(u"--no-clobber"_s) && exists) {
+        return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(target)};
+    }
+    return {};
+}
+
 /// Links and relative names are resolved before the comparison.
 bool isSameFile(const QString &a, const QString &b)
 {
@@ -263,6 +274,11 @@ QStringList inputWords(const CommandLine &line)
     if (words.size() == 1 && !line.has(u"--union"_s)) {
         return words; // a reader joins the files of a pattern itself
     }
+    return expandedPatterns(words);
+}
+
+QStringList expandedPatterns(const QStringList &words)
+{
     QStringList all;
     for (const QString &word : words) {
         all += isPattern(word) ? matchesOf(word) : QStringList(word);
@@ -270,13 +286,44 @@ QStringList inputWords(const CommandLine &line)
     return all;
 }
 
+CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QString &option)
+{
+    QFile file(fileName);
+    const bool isFolder = QFileInfo(fileName).isDir();
+    const bool isOpen = fileName == kStream ? file.open(stdin, QIODevice::ReadOnly)
+                                            : !isFolder && file.open(QIODevice::ReadOnly);
+    if (!isOpen) {
+        return badUsage(u"%1: cannot read the list '%2': %3"_s.arg(
+            option, fileName, isFolder ? u"it is a folder"_s : file.errorString()));
+    }
+    constexpr qint64 kMaxBytes = 1LL << 30;
+    const QByteArray bytes = file.read(kMaxBytes);
+    if (bytes.contains('\0')) {
+        return badUsage(u"%1: '%2' is not a list of file names (it has a zero byte); a list is a "
+                        "text with one name per line"_s.arg(option, fileName));
+    }
+    QString text = QString::fromUtf8(bytes);
+    text.remove(0, text.startsWith(QChar::ByteOrderMark) ? 1 : 0);
+    QVector<ListedName> names;
+    qsizetype number = 0;
+    for (QStringView line : QStringView(text).split(u'\n')) {
+        ++number;
+        line = line.endsWith(u'\r') ? line.chopped(1) : line;
+        if (!line.trimmed().isEmpty()) {
+            names << ListedName{line.toString(), u" (line %1)"_s.arg(number)};
+        }
+    }
+    if (names.isEmpty()) {
+        return badUsage(u"%1: the list '%2' is empty"_s.arg(option, fileName));
+    }
+    return names;
+}
+
 QString inputThatIsOutput(const CommandLine &line)
 {
-    for (const QString &word : inputWords(line)) {
-        for (const QString &name : isPattern(word) ? matchesOf(word) : QStringList(word)) {
-            if (isSameFile(name, line.arguments.last())) {
-                return name;
-            }
+    for (const QString &name : expandedPatterns(inputWords(line))) {
+        if (isSameFile(name, line.arguments.last())) {
+            return name;
         }
     }
     return {};

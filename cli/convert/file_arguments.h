@@ -22,6 +22,24 @@ CommandResult<FileArgument> outputFile(const CommandLine &line, const QString &w
 /// pattern is replaced by the files that it matches.
 QStringList inputWords(const CommandLine &line);
 
+/// The words with each pattern replaced by the files that it matches, sorted by name. A word that
+/// is the name of a file, or matches nothing, stays.
+QStringList expandedPatterns(const QStringList &words);
+
+/// A name with its place in a list, for messages.
+struct ListedName
+{
+    QString name;
+    QString place; ///< " (line 3)"; empty for a file that matches a pattern
+};
+/// The names in the list of `option`, UTF-8, one per line, at least one; "-" is standard input.
+/// Blank lines are ignored. The fault is a usage error.
+CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QString &option);
+
+/// With --no-clobber an existing target is an error, before anything is read. A link without a file
+/// would be written through, so it exists too. The fault is kFailed.
+CommandResult<void> checkClobber(const CommandLine &line, const QString &target);
+
 /// Whether both names are those of one file that exists.
 bool isSameFile(const QString &a, const QString &b);
 /// The input that is also the output, which is the last argument; empty if there is none.

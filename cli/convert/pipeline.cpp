@@ -206,6 +206,18 @@ CommandResult<QStringList> renameColumns(const CommandLine &line, Chain *chain)
     return settings;
 }
 
+/// Check the syntax of --where before anything is read. Variables of a graph have no values yet.
+CommandResult<void> checkExpression(const ActionRegistry &registry, const QString &where)
+{
+    const auto filter = makeAction(registry, u"filter"_s, {u"where="_s + where});
+    if (!filter || where.contains("${"_L1)) {
+        return filter ? CommandResult<void>() : filter.fault();
+    }
+    const auto problems = dynamic_cast<const ActionParameters &>(**filter).problems();
+    return problems.isEmpty() ? CommandResult<void>()
+                              : badUsage(u"--where '%1': %2"_s.arg(where, problems[0].text));
+}
+
 /// Add the actions for --where, --sort, --rows, --limit, --select and --rename, in this order.
 CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegistry &registry,
                                      Chain *chain)
@@ -285,6 +297,30 @@ struct Input
     QVector<ColumnKind> kinds;
 };
 
+/// Find the kinds of the columns of all inputs, in the order of `words`.
+CommandResult<void> findKinds(const CommandLine &line, const QStringList &words,
+                              ActionParameters &writer, std::vector<Input> *inputs, Chain *chain)
+{
+    const bool isJson = std::ranges::all_of(
+        *inputs, [&](const Input &input) { return copiesJson(line, *input.reader, writer); });
+    const auto extent = isJson && !comparesValues(line) ? ActionParameters::KindExtent::Sample
+                                                        : rowsThatDecide(line);
+    for (size_t i = 0; i < inputs->size(); ++i) {
+        Input &input = (*inputs)[i];
+        const QString &word = words[static_cast<qsizetype>(i)];
+        auto kinds = inputKinds(line, word, input.reader.get(), extent);
+        if (!kinds) {
+            return kinds.fault();
+        }
+        input.kinds = isJson ? jsonKinds(line, *std::move(kinds)) : *std::move(kinds);
+        if (writer.needsColumnKinds()) {
+            noteNumbersAmongTexts(word, input.kinds);
+        }
+        joinKinds(input.kinds, hasScannedKinds(line, *input.reader), chain);
+    }
+    return {};
+}
+
 /// Open all inputs, and find the kinds and notes of their columns as far as they are needed.
 CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStringList &words,
                                              const ActionRegistry &registry,
@@ -302,21 +338,15 @@ CommandResult<std::vector<Input>> openInputs(const CommandLine &line, const QStr
         }
         input.reader = *std::move(opened);
         chain->decimalPoint = decimalPointOf(*input.reader);
-        if (needsKinds(line, *writer)) {
-            auto kinds = inputKinds(line, words[i], input.reader.get(), rowsThatDecide(line));
-            if (!kinds) {
-                return kinds.fault();
-            }
-            input.kinds = *std::move(kinds);
-            if (writer->needsColumnKinds()) {
-                noteNumbersAmongTexts(words[i], input.kinds);
-            }
-            joinKinds(input.kinds, hasScannedKinds(line, *input.reader), chain);
-        }
         if (isOne && writer->needsColumnLabels()) {
             chain->notes = dynamic_cast<ActionParameters &>(*input.reader).columnNotes();
         }
         inputs.push_back(std::move(input));
+    }
+    if (needsKinds(line, *writer)) {
+        if (const auto found = findKinds(line, words, *writer, &inputs, chain); !found) {
+            return found.fault();
+        }
     }
     return inputs;
 }
@@ -418,6 +448,11 @@ CommandResult<CorvantaGraph> makePipeline(const CommandLine &line, const ActionR
         return badUsage(u"%1 inputs are too many (at most %2); a pattern in quotes, such as "
                         "'*.csv', reads any number of files of one format"_s.arg(
                             QString::number(words.size()), QString::number(kMaxInputs)));
+    }
+    for (const QString &where : line.values.value(u"--where"_s)) {
+        if (const auto checked = checkExpression(registry, where); !checked) {
+            return checked.fault();
+        }
     }
     Chain chain;
     if (const auto added = addInputs(line, words, registry, parameters, &chain); !added) {

@@ -8,6 +8,7 @@
 #include "base/system_error.h"
 #include "cli/file_types.h"
 #include "cli/input_graph.h"
+#include "cli/print/output.h"
 #include "cli/session.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/row_listener.h"
@@ -17,7 +18,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -145,13 +145,20 @@ bool Tables::hasChildren(qsizetype index) const
                        [&](const Table &other) { return other.table.parent == index; });
 }
 
-/// Add the reader of a table to a graph. Its id is the name of the file.
+/// Add the reader of a table to a graph. Its id is the name of the file. `isCheck`: another run
+/// reads the rows, and reports what is not read.
 CommandResult<void> addReader(const Tables &tables, qsizetype index, const QVector<bool> &areKeys,
-                              CorvantaGraph *graph)
+                              CorvantaGraph *graph, bool isCheck = false)
 {
     const auto reader = tables.reader(index, areKeys);
-    return reader ? addAction(graph, tables.all()[static_cast<size_t>(index)].file, **reader)
-                  : reader.fault();
+    if (!reader) {
+        return reader.fault();
+    }
+    auto *const parameters = dynamic_cast<ActionParameters *>(reader->get());
+    if (const int unread = parameters->indexOfParameter(u"warnUnread"_s); isCheck && unread >= 0) {
+        parameters->setParameterValue(unread, u"0"_s);
+    }
+    return addAction(graph, tables.all()[static_cast<size_t>(index)].file, **reader);
 }
 
 /// Takes the values of a column until one is missing or repeated.
@@ -199,7 +206,7 @@ CommandResult<QVector<bool>> findKeys(const Tables &tables, const ActionRegistry
         if (table.table.key.isEmpty() || !tables.hasChildren(i)) {
             continue;
         }
-        if (const auto added = addReader(tables, i, areKeys, &graph); !added) {
+        if (const auto added = addReader(tables, i, areKeys, &graph, true); !added) {
             return added.fault();
         }
         checks.emplace_back(i, std::make_unique<KeyCheck>(table.table.key));
@@ -245,9 +252,8 @@ CommandResult<void> prepareFolder(const CommandLine &line, const Tables &tables)
 {
     const QString &folder = line.arguments.last();
     for (const Table &table : tables.all()) {
-        if (line.has(u"--no-clobber"_s) && QFileInfo::exists(targetOf(line, table))) {
-            return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(
-                                      targetOf(line, table))};
+        if (auto checked = checkClobber(line, targetOf(line, table)); !checked) {
+            return checked;
         }
     }
     if (!QDir().mkpath(folder)) {
@@ -325,7 +331,7 @@ CommandResult<void> convertTables(const CommandLine &line, const ActionRegistry 
         return graph.fault();
     }
     if (line.has(u"--print-graph"_s)) {
-        std::fputs(graph->toXml().constData(), stdout);
+        printBytes(graph->toXml());
         return {};
     }
     const QStringList created = missingFolders(line.arguments.last());

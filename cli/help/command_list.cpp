@@ -21,11 +21,28 @@ constexpr char kFileStatus[] =
 
 constexpr Command kCommands[] = {
     {"run", runOptions, runCommand, "run a graph", "run GRAPH [options]",
-     "Runs the graph file GRAPH, or the graph from standard input if GRAPH is -.",
-     "run orders.graph --set year=2026 --tap table:0=seen.csv",
+     "Runs the graph file GRAPH, or the graph from standard input if GRAPH is -.\n\n"
+     "With --inputs it runs once for each of many files. A journal keeps what is done, so that the "
+     "same command continues after a failure or a kill. The exit status is that of the worst run.",
+     "run orders.graph --set year=2026 --tap table:0=seen.csv\n"
+     "run orders.graph --inputs 'in/*.json' --shard 2/10",
      "0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph; 129, 130, 131 or 143 "
      "ended by SIGHUP, SIGINT (Ctrl-C), SIGQUIT or SIGTERM. These signals stop the run cleanly; a "
      "second Ctrl-C ends the program immediately.",
+     false},
+    {"batch", batchOptions, batchCommand, "run a graph for many inputs, on a scheduler",
+     "batch GRAPH --inputs LIST [options]\nbatch --status FOLDER [--json]",
+     "Runs GRAPH once for each file of LIST, in tasks of several inputs: local processes, a Slurm "
+     "job array, or GNU parallel. Waits and prints the inputs that failed as a table: input, "
+     "cause, line of the log, command that repeats it.\n\n"
+     "The same command again runs what is missing: inputs that failed, have changed, or are new. "
+     "A changed graph runs again for all.",
+     "batch orders.graph --inputs 'in/*.json' --out-dir out\n"
+     "batch orders.graph --inputs list.txt --backend slurm --per-task 50 --retries 2 --max-running "
+     "100 --detach\n"
+     "batch --status out/orders.batch",
+     "the worst one of all runs: 0 done, 1 failed, 2 bad usage or an invalid graph; 129, 130, 131 "
+     "or 143 ended by SIGHUP, SIGINT (Ctrl-C), SIGQUIT or SIGTERM, which end the tasks, too.",
      false},
     {"check", checkOptions, checkCommand, "validate a graph without running it",
      "check GRAPH [options]\ncheck --template FILE [--json]",
@@ -44,6 +61,18 @@ constexpr Command kCommands[] = {
      "convert '2026-*.csv' year.parquet --add-file-name\n"
      "convert dump.json tables/",
      kFileStatus, true},
+    {"merge", mergeOptions, mergeCommand, "join files of one format",
+     "merge OUTPUT INPUT... [--union] [options]",
+     "Joins the files INPUT, in this order, to the file OUTPUT of the same format: Parquet files "
+     "by their row groups, which are not decoded, texts with separators (csv, tsv) with one "
+     "header, and JSON by its lines (jsonl) or arrays (json). The columns must be equal, or "
+     "--union joins them by name. If OUTPUT is a workbook (xlsx), it gets a sheet for each INPUT, "
+     "of any format.",
+     "merge year.parquet '2026-*.parquet'\n"
+     "merge all.csv.gz north.csv south.csv --union\n"
+     "merge --parts-from list.txt all.jsonl\n"
+     "merge months.xlsx january.csv february.csv",
+     kFileStatus, false},
     {"head", headOptions, headCommand, "print the first rows of a file as a table",
      "head INPUT [-n ROWS] [--json] [--all] [options]",
      "Prints the first ROWS rows as a table. A missing cell is blank, an empty text is \"\". On a "

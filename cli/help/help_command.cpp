@@ -11,12 +11,11 @@
 
 #include "base/mapped.h"
 #include "cli/file_types.h"
+#include "cli/print/output.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -116,12 +115,12 @@ QString helpText(const Command &command)
 
 void printCommands()
 {
-    std::puts("corvanta runs data-flow graphs that read and write files.\n\nCommands");
+    printBytes("corvanta runs data-flow graphs that read and write files.\n\nCommands\n");
     for (const Command &command : allCommands()) {
-        std::printf("  %-10s %s\n", command.name, command.summary);
+        printBytes("  " + QByteArray(command.name).leftJustified(11) + command.summary + '\n');
     }
-    std::puts("  help       this text, or \"corvanta help COMMAND\"\n\n\"corvanta --version\" "
-              "prints the version.");
+    printBytes("  help       this text, or \"corvanta help COMMAND\"\n\n\"corvanta --version\" "
+               "prints the version.\n");
 }
 
 /// The value is empty for a flag and for a form of arguments.
@@ -146,7 +145,7 @@ QJsonArray linesJson(const char *text)
     return QJsonArray::fromStringList(QString::fromUtf8(text).split(u'\n', Qt::SkipEmptyParts));
 }
 
-/// What docs/reference/generate.py makes the manual page and the completions of the command from.
+/// What docs/generate/generate.py makes the manual page and the completions of the command from.
 QJsonObject commandJson(const Command &command)
 {
     return {{u"name"_s, QString::fromUtf8(command.name)},
@@ -160,7 +159,7 @@ QJsonObject commandJson(const Command &command)
 }
 
 /// All commands, and the extensions of the files that they handle.
-void printJson()
+void printHelpAsJson()
 {
     ActionRegistry registry;
     registry.loadAll();
@@ -175,7 +174,7 @@ void printJson()
                           {u"commands"_s, commands},
                           {u"reads"_s, extensions(FileFormat::Read)},
                           {u"writes"_s, extensions(FileFormat::Write)}};
-    std::fputs(QJsonDocument(all).toJson().constData(), stdout);
+    printJson(QJsonDocument(all));
 }
 
 } // namespace
@@ -188,7 +187,7 @@ bool isHelp(const QString &word)
 CommandResult<void> help(const QStringList &words)
 {
     if (words.contains(u"--json"_s)) {
-        printJson();
+        printHelpAsJson();
         return {};
     }
     if (words.isEmpty() || isHelp(words[0])) {
@@ -199,6 +198,6 @@ CommandResult<void> help(const QStringList &words)
     if (command == nullptr) {
         return unknownCommand(words[0]);
     }
-    std::fputs(helpText(*command).toUtf8().constData(), stdout);
+    printText(helpText(*command));
     return {};
 }

@@ -8,9 +8,11 @@
 // Rows are formatted in memory and written in blocks.
 #include "cli/print/json_rows.h"
 
+#include "base/text/json_number.h"
+#include "cli/print/output.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QRegularExpression>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -26,20 +28,13 @@ QByteArray quoted(const QString &text)
     return array.mid(1, array.size() - 2);
 }
 
-/// Whether a text is a number of JSON (RFC 8259, section 6).
-bool isJsonNumber(const QString &text)
-{
-    static const QRegularExpression kNumber(u"^-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][-+]?[0-9]+)?$"_s);
-    return kNumber.match(text).hasMatch();
-}
-
 /// Whether a value of that kind is written without quotes.
 bool isBare(ValueKind kind, const QString &text)
 {
     switch (kind) {
     case ValueKind::Integer:
     case ValueKind::Decimal:
-        return isJsonNumber(text);
+        return corvanta::isJsonNumber(std::u16string_view(text.toStdU16String()));
     case ValueKind::Boolean:
         return text == u"true" || text == u"false";
     default:
@@ -49,8 +44,7 @@ bool isBare(ValueKind kind, const QString &text)
 
 } // namespace
 
-JsonRows::JsonRows(const TableSchema &columns, const QVector<ColumnKind> &kinds, std::FILE *out)
-    : m_out(out)
+JsonRows::JsonRows(const TableSchema &columns, const QVector<ColumnKind> &kinds)
 {
     for (const ColumnKind &kind : kinds) {
         m_kinds.push_back(kind.kind);
@@ -94,6 +88,6 @@ void JsonRows::finish()
 /// Rows are collected, because a write per row would cost more than the row.
 void JsonRows::flush()
 {
-    std::fwrite(m_text.constData(), 1, static_cast<size_t>(m_text.size()), m_out);
+    printBytes(m_text);
     m_text.clear();
 }

@@ -5,7 +5,6 @@
 
 #include <QByteArray>
 
-#include <cstdio>
 #include <vector>
 
 /// Prints an array with an object per row, whose members are the columns in their order. Values of
@@ -15,8 +14,7 @@
 class JsonRows
 {
 public:
-    /// `out` is not closed.
-    JsonRows(const TableSchema &columns, const QVector<ColumnKind> &kinds, std::FILE *out);
+    JsonRows(const TableSchema &columns, const QVector<ColumnKind> &kinds);
 
     void add(const OneRow &row);
     /// Print the rest. Without this call a table of up to 1 MiB prints nothing.
@@ -25,7 +23,6 @@ public:
 private:
     void flush();
 
-    std::FILE *m_out;
     std::vector<QByteArray> m_members; ///< "NAME": of each column
     std::vector<ValueKind> m_kinds;
     QByteArray m_text = "[";

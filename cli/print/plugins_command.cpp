@@ -1,5 +1,6 @@
 // plugins: print the modules that were found, and why some of them are not used.
 #include "cli/commands.h"
+#include "cli/print/output.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/main_ui.h"
 
@@ -8,8 +9,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -88,16 +87,14 @@ CommandResult<void> pluginsCommand(const CommandLine &line)
         const LogScope scope({&silent, {}});
         registry.loadAll();
     }
-    QString text;
-    if (line.has(u"--json"_s)) {
-        QJsonArray entries;
-        for (const Module &module : registry.modules()) {
-            entries << moduleEntry(module);
-        }
-        text = QString::fromUtf8(QJsonDocument(entries).toJson());
-    } else {
-        text = listText(registry.modules());
+    if (!line.has(u"--json"_s)) {
+        printText(listText(registry.modules()));
+        return {};
     }
-    std::fputs(text.toUtf8().constData(), stdout);
+    QJsonArray entries;
+    for (const Module &module : registry.modules()) {
+        entries << moduleEntry(module);
+    }
+    printJson(QJsonDocument(entries));
     return {};
 }

@@ -7,6 +7,7 @@
 #include "base/stats/column_stats.h"
 #include "cli/commands.h"
 #include "cli/input_rows.h"
+#include "cli/print/output.h"
 #include "cli/table_printer.h"
 
 #include <QJsonArray>
@@ -244,7 +245,7 @@ void TableStats::print(bool isJson) const
     for (const ColumnSummary &column : columns) {
         all << jsonOf(column);
     }
-    std::fputs(QJsonDocument(all).toJson().constData(), stdout);
+    printJson(QJsonDocument(all));
 }
 
 void TableStats::printTable(const QVector<ColumnSummary> &columns) const
@@ -256,7 +257,7 @@ void TableStats::printTable(const QVector<ColumnSummary> &columns) const
         schema.names << name;
         schema.types << MetaInfo(isText ? cell::Type::Text : cell::Type::Double);
     }
-    TablePrinter printer(schema, stdout);
+    TablePrinter printer(schema);
     for (const ColumnSummary &column : columns) {
         const QString distinct = QString::number(column.distinct);
         printer.add({column.name, column.type, QString::number(column.rows),
