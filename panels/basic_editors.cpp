@@ -84,7 +84,7 @@ void ignoreWheelWithoutFocus(QWidget *control)
 
 // ---- A line
 
-LineEditor::LineEditor(const FieldContext &context)
+LineEditor::LineEditor(const FieldContext &context, const QString &hint)
     : FieldEditor(context)
     , m_line(new QLineEdit(this))
 {
@@ -93,7 +93,7 @@ LineEditor::LineEditor(const FieldContext &context)
     if (!context.info.unit.isEmpty()) {
         row->addWidget(new QLabel(unitText(context.info.unit, 2)));
     }
-    m_line->setPlaceholderText(context.info.defaultValue);
+    m_line->setPlaceholderText(hint.isEmpty() ? context.info.defaultValue : hint);
     setMainControl(m_line);
     connect(m_line, &QLineEdit::textEdited, this,
             [this](const QString &text) { report(text, Edit::Typing); });
@@ -146,13 +146,14 @@ ParameterProblem FloatFormatEditor::problem() const
 
 // ---- A number
 
-NumberEditor::NumberEditor(const FieldContext &context)
+NumberEditor::NumberEditor(const FieldContext &context, const QString &lowest)
     : FieldEditor(context)
     , m_box(new QSpinBox(this))
 {
     const ParameterInfo &info = context.info;
     m_box->setRange(static_cast<int>(info.low), static_cast<int>(info.high));
     m_box->setLocale(QLocale::c()); // files have no digit groups
+    m_box->setSpecialValueText(lowest);
     showUnit();
     auto *const row = plainLayout<QHBoxLayout>(this);
     row->addWidget(m_box);

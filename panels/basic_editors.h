@@ -18,11 +18,11 @@ namespace corvanta {
 class NoteLabel;
 
 /// One line of text. Also for real numbers, which any locale writes with a point.
-/// The default is shown as a placeholder.
+/// The default is shown as a placeholder, or `hint` where an empty text needs one.
 class LineEditor : public FieldEditor
 {
 public:
-    explicit LineEditor(const FieldContext &context);
+    explicit LineEditor(const FieldContext &context, const QString &hint = {});
 
 protected:
     void setValue(const QString &value) override;
@@ -54,7 +54,8 @@ private:
 class NumberEditor final : public FieldEditor
 {
 public:
-    explicit NumberEditor(const FieldContext &context);
+    /// `lowest` is shown for the smallest value, if it has a meaning of its own.
+    explicit NumberEditor(const FieldContext &context, const QString &lowest = {});
 
 protected:
     void setValue(const QString &value) override;

@@ -91,23 +91,21 @@ ParameterProblem ColumnField::problem() const
 
 // ---- A list of texts
 
-ListEditor::ListEditor(const FieldContext &context)
+ListEditor::ListEditor(const FieldContext &context, QString hint)
     : FieldEditor(context)
+    , m_hint(std::move(hint))
     , m_search(new QLineEdit(this))
     , m_left(new QListWidget(this))
     , m_list(new QListWidget(this))
 {
-    auto *const toRight = makeButton(Glyph::ToRight, tr("Add the selected columns"), [this] {
-        QStringList texts;
-        for (const QListWidgetItem *item : m_left->selectedItems()) {
-            texts << item->text();
-        }
-        add(texts);
-    });
-    auto *const toLeft =
-        makeButton(Glyph::ToLeft, tr("Remove the selected columns"), [this] { removeSelected(); });
-    m_removeLine =
-        makeButton(Glyph::Remove, tr("Remove the selected lines"), [this] { removeSelected(); });
+    auto *const toRight = makeButton(
+        Glyph::ToRight, tr("Add the selected columns"), [this] { addSelected(); }, Qt::Key_Return);
+    auto *const toLeft = makeButton(
+        Glyph::ToLeft, tr("Remove the selected columns"), [this] { removeSelected(); },
+        Qt::Key_Delete);
+    m_removeLine = makeButton(
+        Glyph::Remove, tr("Remove the selected lines"), [this] { removeSelected(); },
+        Qt::Key_Delete);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_search);
@@ -122,8 +120,12 @@ ListEditor::ListEditor(const FieldContext &context)
     row->addWidget(between);
     row->addWidget(columnOf({chosenTitle, m_list}), 1);
     row->addWidget(columnOf(
-        {m_removeLine, makeButton(Glyph::Up, tr("Move the line up"), [this] { moveCurrent(-1); }),
-         makeButton(Glyph::Down, tr("Move the line down"), [this] { moveCurrent(1); })}));
+        {m_removeLine,
+         makeButton(
+             Glyph::Up, tr("Move the line up"), [this] { moveCurrent(-1); }, Qt::CTRL | Qt::Key_Up),
+         makeButton(
+             Glyph::Down, tr("Move the line down"), [this] { moveCurrent(1); },
+             Qt::CTRL | Qt::Key_Down)}));
     setUpLists();
     setOffered({});
 }
@@ -190,7 +192,7 @@ void ListEditor::setOffered(const QStringList &texts)
         widget->setVisible(!texts.isEmpty());
     }
     m_removeLine->setVisible(texts.isEmpty());
-    m_search->setPlaceholderText(texts.isEmpty() ? tr("Type a name and press Enter to add it")
+    m_search->setPlaceholderText(texts.isEmpty() ? m_hint
                                                  : tr("Search, or type a name and press Enter"));
     showOffered();
     markUnknown();
@@ -266,6 +268,15 @@ void ListEditor::editCurrent(qsizetype start)
     }
 }
 
+void ListEditor::addSelected()
+{
+    const QList<QListWidgetItem *> items = m_left->selectedItems();
+    if (items.isEmpty()) {
+        return;
+    }
+    add(mapped<QStringList>(items, [](const QListWidgetItem *item) { return item->text(); }));
+}
+
 void ListEditor::addTyped()
 {
     // A user who searches sees the only match, and means it.
@@ -311,8 +322,8 @@ bool ListEditor::eventFilter(QObject *watched, QEvent *event)
     const bool isControl = key->modifiers().testFlag(Qt::ControlModifier);
     if (watched == m_search && isEnter) {
         addTyped();
-    } else if (watched == m_left && isEnter && m_left->currentItem() != nullptr) {
-        add({m_left->currentItem()->text()});
+    } else if (watched == m_left && isEnter) {
+        addSelected();
     } else if (watched == m_list && key->key() == Qt::Key_Delete) {
         removeSelected();
     } else if (watched == m_list && isControl && key->key() == Qt::Key_Up) {
@@ -328,7 +339,7 @@ bool ListEditor::eventFilter(QObject *watched, QEvent *event)
 // ---- A list of columns
 
 ColumnPicker::ColumnPicker(const FieldContext &context)
-    : ListEditor(context)
+    : ListEditor(context, tr("Type a name and press Enter to add it"))
 {
     refreshContext();
 }

@@ -38,7 +38,9 @@ class ListEditor : public FieldEditor
     Q_DECLARE_TR_FUNCTIONS(corvanta::ListEditor)
 
 public:
-    explicit ListEditor(const FieldContext &context);
+    /// `hint` says in the empty line what to type.
+    explicit ListEditor(const FieldContext &context,
+                        QString hint = tr("Type a text and press Enter to add it"));
     bool isWide() const override { return true; }
 
 protected:
@@ -68,6 +70,8 @@ private:
     void add(const QStringList &texts);
     /// Open an editor in the current line, with everything from `start` selected.
     void editCurrent(qsizetype start);
+    /// Add the selected texts of the left list.
+    void addSelected();
     /// Add the text of the search line, or the only offered text that matches it.
     void addTyped();
     void removeSelected();
@@ -77,6 +81,7 @@ private:
     /// equal value.
     void reportList();
 
+    QString m_hint;
     QStringList m_offered;
     QLineEdit *m_search;
     QListWidget *m_left;                  // offered and not in the list

@@ -75,13 +75,16 @@ void FieldEditor::nameControl(QWidget *control, const QString &name, const QStri
 }
 
 QToolButton *FieldEditor::makeButton(Glyph glyph, const QString &name,
-                                     std::function<void()> clicked)
+                                     std::function<void()> clicked, const QKeySequence &key)
 {
     auto *const button = new QToolButton(this);
     button->setIcon(glyphIcon(glyph, palette().color(QPalette::ButtonText)));
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::StrongFocus); // tool buttons are skipped by Tab otherwise
     nameControl(button, name);
+    if (!key.isEmpty()) {
+        button->setToolTip(u"%1 (%2)"_s.arg(name, key.toString(QKeySequence::NativeText)));
+    }
     connect(button, &QToolButton::clicked, this, std::move(clicked));
     return button;
 }

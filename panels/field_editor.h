@@ -7,6 +7,7 @@
 #include "corvanta/action_parameters.h"
 #include "corvanta/meta_info.h"
 
+#include <QKeySequence>
 #include <QWidget>
 
 #include <functional>
@@ -52,6 +53,8 @@ public:
     /// The action has other values than before. Called a moment after an edit of any field, and
     /// when the panel opens.
     virtual void actionChanged() {}
+    /// The user has edited a parameter of the action in this panel. Not called for undo and redo.
+    virtual void parameterEdited(const QString & /*name*/) {}
     /// Whether the editor needs the whole width of the panel, with its label above it.
     virtual bool isWide() const { return false; }
     /// Whether the editor shows the label itself, next to a check box. Then it implements
@@ -73,8 +76,10 @@ protected:
     void setMainControl(QWidget *control);
     /// Give any other control its accessible name and its tool tip.
     void nameControl(QWidget *control, const QString &name, const QString &toolTip = {});
-    /// A button with a picture. `name` is its accessible name and tool tip.
-    QToolButton *makeButton(Glyph glyph, const QString &name, std::function<void()> clicked);
+    /// A button with a picture. `name` is its accessible name and tool tip; `key` does the same in
+    /// the main control, which handles it, and is part of the tool tip.
+    QToolButton *makeButton(Glyph glyph, const QString &name, std::function<void()> clicked,
+                            const QKeySequence &key = {});
     /// The value of any parameter of the action.
     QString parameter(const QString &name) const;
     /// The columns of input pin 0, as far as the host knows them.

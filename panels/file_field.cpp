@@ -10,6 +10,7 @@
 #include "panels/glyphs.h"
 
 #include <QAction>
+#include <QDesktopServices>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -17,6 +18,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QToolButton>
+#include <QToolTip>
 #include <QUrl>
 
 #include <algorithm>
@@ -26,6 +28,8 @@ using namespace Qt::StringLiterals;
 namespace corvanta {
 
 namespace {
+
+constexpr int kNameCharacters = 18; // at least visible, also with long labels and a large font
 
 /// The filter of a file dialog. Extensions come without a dot.
 QString fileFilter(const QStringList &extensions)
@@ -52,6 +56,18 @@ QStringList variableNames()
     return own + QStringList{u"graphDir"_s, u"outDir"_s, u"workingDir"_s};
 }
 
+/// A document, or the folder of any other file: the system would run a program, and who has made
+/// the graph chose the name and the content.
+QUrl urlToOpen(const QFileInfo &file)
+{
+    static const QStringList documents{u"csv"_s,  u"docm"_s,     u"docx"_s,    u"gz"_s,
+                                       u"json"_s, u"jsonl"_s,    u"parquet"_s, u"pptm"_s,
+                                       u"pptx"_s, u"sas7bdat"_s, u"tsv"_s,     u"txt"_s,
+                                       u"xlsm"_s, u"xlsx"_s,     u"xml"_s,     u"xpt"_s};
+    const bool isDocument = documents.contains(file.suffix(), Qt::CaseInsensitive);
+    return QUrl::fromLocalFile(isDocument ? file.absoluteFilePath() : file.absolutePath());
+}
+
 } // namespace
 
 FileField::FileField(const FieldContext &context)
@@ -63,7 +79,13 @@ FileField::FileField(const FieldContext &context)
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_line);
     row->addWidget(makeMenuButton());
+    if (!isInput()) {
+        m_open = makeButton(Glyph::Open, tr("Open the written file"), [this] { open(); });
+        m_open->setObjectName(u"open"_s);
+        row->addWidget(m_open);
+    }
     m_line->installEventFilter(this); // for dropped files
+    m_line->setMinimumWidth(fontMetrics().averageCharWidth() * kNameCharacters);
     setMainControl(m_line);
     m_mark->setVisible(false);
     connect(m_line, &QLineEdit::textEdited, this,
@@ -135,6 +157,19 @@ void FileField::take(const QString &name)
     report(m_line->text());
 }
 
+/// Looked up again, because the last run may have written it.
+void FileField::open()
+{
+    lookUp([this] {
+        if (m_state == State::Exists) {
+            QDesktopServices::openUrl(urlToOpen(QFileInfo(fullName())));
+        } else {
+            QToolTip::showText(m_open->mapToGlobal(QPoint(0, m_open->height())),
+                               tr("The file does not exist yet"), m_open);
+        }
+    });
+}
+
 void FileField::setValue(const QString &value)
 {
     // Setting an equal text would move the cursor while the user types.
@@ -151,27 +186,41 @@ void FileField::showProblem(const ParameterProblem &problem)
     showMark();
 }
 
-void FileField::lookUp()
+QString FileField::fullName() const
 {
     // An unknown variable or an included template (">name") is not a file that can be looked up.
     const QString text = m_line->text();
     const QString name = isInput() ? context().action->expandFile(text)
                                    : context().action->expandOutputFile(text, QString());
-    if (text.isEmpty() || name.contains("${"_L1) || text.startsWith(u'>')) {
+    const bool isKnown = !text.isEmpty() && !name.contains("${"_L1) && !text.startsWith(u'>');
+    return isKnown ? name : QString();
+}
+
+void FileField::lookUp(std::function<void()> shown)
+{
+    const QString name = fullName();
+    if (m_open != nullptr) {
+        m_open->setEnabled(!name.isNull());
+    }
+    if (name.isNull()) {
         m_worker.stop();
         setState(State::Unknown, 0);
         return;
     }
     m_worker.start(
-        [this, name, isInput = isInput()](const std::stop_token &) -> Worker::Show {
+        [this, name, shown = std::move(shown),
+         isInput = isInput()](const std::stop_token &) -> Worker::Show {
             QStringList files{name};
             if (isInput) {
                 listFiles(name, &files);
             }
             const QString first = files.value(0);
             const bool exists = QFileInfo::exists(isInput ? fileOfInput(first) : first);
-            return [this, exists, count = static_cast<int>(files.size())] {
+            return [this, shown, exists, count = static_cast<int>(files.size())] {
                 setState(exists ? State::Exists : State::Missing, count);
+                if (shown) {
+                    shown();
+                }
             };
         },
         [this](const QString &) { setState(State::Unknown, 0); });

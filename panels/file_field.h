@@ -1,4 +1,5 @@
-// Edits the name of a file: a line with a mark, a button for the file dialog, and a menu.
+// Edits the name of a file: a line with a mark, a button for the file dialog, and a menu. A written
+// file has a button that opens it.
 //
 // The mark shows whether the file exists, and nothing while that is not known. The menu chooses a
 // member of an archive and inserts variables of the graph. A file that is dropped on the field
@@ -14,6 +15,7 @@ class QAction;
 class QLineEdit;
 class QMenu;
 class QMimeData;
+class QToolButton;
 
 namespace corvanta {
 
@@ -42,16 +44,21 @@ private:
     void insertVariable(const QString &name);
     /// Make the file `name`, as a dialog returns it, the value. Ignores a null name.
     void take(const QString &name);
+    /// Show the file in the program that the desktop has for it, if it exists.
+    void open();
     /// What is known about the file.
     enum class State { Unknown, Exists, Missing };
 
-    /// Look the file up in the background, then show the mark.
-    void lookUp();
+    /// The name to open; null if it is not known before a run.
+    QString fullName() const;
+    /// Look the file up in the background, then show the mark and call `shown`.
+    void lookUp(std::function<void()> shown = {});
     void setState(State state, int files);
     void showMark();
 
     QLineEdit *m_line;
-    QAction *m_mark; // at the end of the line
+    QAction *m_mark;               // at the end of the line
+    QToolButton *m_open = nullptr; // only for a file that is written
     Worker m_worker;
     State m_state = State::Unknown;
     int m_files = 0;           // that have such a name

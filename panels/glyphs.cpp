@@ -84,6 +84,11 @@ QPainterPath pathOf(Glyph glyph)
         line(path, {{8, 7}, {8, 11}});
         line(path, {{6, 9}, {10, 9}});
         break;
+    case Glyph::Open:
+        line(path, {{7, 3}, {3, 3}, {3, 13}, {13, 13}, {13, 9}});
+        line(path, {{7, 9}, {13.5, 2.5}});
+        line(path, {{9.5, 2.5}, {13.5, 2.5}, {13.5, 6.5}});
+        break;
     case Glyph::Reset:
         arrowBack(path);
         break;

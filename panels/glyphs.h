@@ -23,6 +23,7 @@ enum class Glyph {
     Cross,   ///< something is missing
     Warning, ///< something needs attention
     New,     ///< something will be created
+    Open,    ///< another program shows it
     Reset,   ///< the default comes back
 };
 

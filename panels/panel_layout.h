@@ -70,7 +70,7 @@ struct PanelGroup
     const char *title; ///< in English; translated in the context "Panels"
     std::vector<PanelField> fields;
     Fold fold = Fold::Open;    ///< when the panel opens
-    MakeExtra extra = nullptr; ///< makes a widget below the fields; null: none
+    MakeExtra extra = nullptr; ///< makes a widget above the fields; null: none
 };
 
 using PanelLayout = std::vector<PanelGroup>;

@@ -12,6 +12,7 @@
 #include "panels/glyphs.h"
 #include "panels/mnemonics.h"
 #include "panels/note_label.h"
+#include "panels/outline_style.h"
 
 #include <QAction>
 #include <QApplication>
@@ -230,12 +231,12 @@ void PropertyPanel::addGroup(const PanelGroup &group, Mnemonics &mnemonics)
         updateStatus(index);
         updateMinimumWidth();
     });
-    for (const PanelField &field : group.fields) {
-        addField(field, mnemonics);
-    }
     if (group.extra != nullptr) {
         m_extras.push_back(group.extra(this));
         m_groups.back()->addWidget(m_extras.back());
+    }
+    for (const PanelField &field : group.fields) {
+        addField(field, mnemonics);
     }
     m_groups.back()->setFolded(group.fold == PanelGroup::Fold::Folded);
 }
@@ -278,6 +279,7 @@ void PropertyPanel::addReset(Row &row, size_t position)
     row.reset = new QAction(
         isShort ? tr("Reset to the default: %1").arg(value) : tr("Reset to the default"), this);
     row.resetButton = new QToolButton;
+    showOutline(row.resetButton);
     row.resetButton->setIcon(glyphIcon(Glyph::Reset, palette().color(QPalette::ButtonText)));
     row.resetButton->setAutoRaise(true);
     row.resetButton->setFocusPolicy(Qt::StrongFocus); // tool buttons are skipped by Tab otherwise
@@ -287,8 +289,7 @@ void PropertyPanel::addReset(Row &row, size_t position)
     row.resetButton->setAccessibleDescription(row.reset->text());
     connect(row.resetButton, &QToolButton::clicked, row.reset, &QAction::trigger);
     connect(row.reset, &QAction::triggered, this, [this, position] { reset(m_rows[position]); });
-    for (QWidget *const target :
-         {static_cast<QWidget *>(row.label), static_cast<QWidget *>(row.editor)}) {
+    for (QWidget *const target : std::initializer_list<QWidget *>{row.label, row.editor}) {
         if (target != nullptr) {
             target->addAction(row.reset);
             target->setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -410,6 +411,9 @@ void PropertyPanel::edit(Row &row, const QString &value, FieldEditor::Edit kind)
         m_series = m_series == 0 ? ++lastSeries : m_series;
         MainUI::parameterWasEdited(
             action(), {info.name, value, kind == FieldEditor::Edit::Typing ? m_series : 0});
+        for (const Row &other : m_rows) {
+            other.editor->parameterEdited(info.name);
+        }
     }
     showProblems(); // those that need no file; the others follow
     m_validation.start();

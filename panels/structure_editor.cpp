@@ -2,6 +2,7 @@
 // children of the item and not of the element.
 #include "panels/structure_editor.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "panels/glyphs.h"
 #include "panels/structures/element_item.h"
 
@@ -60,16 +61,20 @@ StructureEditor::StructureEditor(const FieldContext &context, Lists lists, const
 void StructureEditor::addButtons(QVBoxLayout *buttons, const AddTexts &texts)
 {
     buttons->setSpacing(2);
-    buttons->addWidget(makeButton(Glyph::Add, texts.after, [this] { add(Where::After); }));
+    buttons->addWidget(makeButton(
+        Glyph::Add, texts.after, [this] { add(Where::After); }, Qt::Key_Insert));
     if (m_tree->rootIsDecorated()) {
-        buttons->addWidget(
-            makeButton(Glyph::ToRight, texts.inside, [this] { add(Where::Inside); }));
+        buttons->addWidget(makeButton(
+            Glyph::ToRight, texts.inside, [this] { add(Where::Inside); },
+            Qt::CTRL | Qt::Key_Insert));
     }
-    buttons->addWidget(
-        makeButton(Glyph::Remove, tr("Remove the element"), [this] { removeCurrent(); }));
-    buttons->addWidget(
-        makeButton(Glyph::Up, tr("Move the element up"), [this] { moveCurrent(-1); }));
-    m_lastButton = makeButton(Glyph::Down, tr("Move the element down"), [this] { moveCurrent(1); });
+    buttons->addWidget(makeButton(
+        Glyph::Remove, tr("Remove the element"), [this] { removeCurrent(); }, Qt::Key_Delete));
+    buttons->addWidget(makeButton(
+        Glyph::Up, tr("Move the element up"), [this] { moveCurrent(-1); }, Qt::CTRL | Qt::Key_Up));
+    m_lastButton = makeButton(
+        Glyph::Down, tr("Move the element down"), [this] { moveCurrent(1); },
+        Qt::CTRL | Qt::Key_Down);
     buttons->addWidget(m_lastButton);
     buttons->addStretch(1);
 }
@@ -160,7 +165,7 @@ void StructureEditor::updateItem(ElementItem *item)
         item->parent() != nullptr ? item->parent() : m_tree->invisibleRootItem();
     const QString remark = this->remark(item->element, item->info);
     item->setText(0, summary(item->element, item->info, parent->indexOfChild(item)));
-    item->setToolTip(0, remark.isEmpty() ? item->text(0) : remark); // long texts are cut
+    item->setToolTip(0, plainToolTip(remark.isEmpty() ? item->text(0) : remark)); // may be cut
     item->setIcon(0, remark.isEmpty() ? QIcon() : warningMark(palette()));
     for (int i = 0; i < item->childCount(); ++i) {
         updateItem(static_cast<ElementItem *>(item->child(i)));

@@ -36,7 +36,9 @@ ActionCopy withAllColumns(const FieldContext &context)
 } // namespace
 
 FileColumnPicker::FileColumnPicker(const FieldContext &context)
-    : ListEditor(context)
+    : ListEditor(context, context.info.isRequired
+                              ? tr("Type a name and press Enter to add it")
+                              : tr("Type a name and press Enter; without one, all are read"))
     , m_row(new TaskRow(tr("List the columns of the file"),
                         tr("Reads the names of the columns from the file, to choose among them"),
                         [this] { read(); }))

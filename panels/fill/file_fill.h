@@ -7,7 +7,7 @@
 
 namespace corvanta {
 
-/// Why the file of an action cannot be looked at before a run, for example because it comes from an
+/// Why the file of an action cannot be examined before a run, for example because it comes from an
 /// input pin; an empty text: it can.
 QString noFileReason(const ActionParameters &parameters);
 

@@ -1,4 +1,4 @@
-// A line of bytes, with those that are no ASCII characters as points:
+// A line of bytes, with those that are not ASCII characters as points:
 //
 //     00000010  50 4b 03 04 14 00 06 00  PK......
 #include "panels/preview/raw_text.h"

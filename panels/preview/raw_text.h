@@ -1,6 +1,6 @@
 // The beginning of a file as a person reads it: as text, or as bytes in hexadecimal digits.
 //
-// Packed files are unpacked, and members of archives are read as readers read them.
+// Compressed files are decompressed, and members of archives are read as readers read them.
 #pragma once
 #include <QString>
 

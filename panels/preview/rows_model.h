@@ -1,19 +1,16 @@
-// The rows of a preview, for a table view.
+// The rows of a preview, for a table view; at most EngineRunner::kPreviewRows, as texts.
 //
 // Threads: the GUI thread.
 #pragma once
 #include "corvanta/meta_info.h"
 
 #include <QAbstractTableModel>
-#include <QCoreApplication>
 #include <QStringList>
 
 namespace corvanta {
 
 class RowsModel final : public QAbstractTableModel
 {
-    Q_DECLARE_TR_FUNCTIONS(corvanta::RowsModel)
-
 public:
     using QAbstractTableModel::QAbstractTableModel;
 

@@ -57,7 +57,19 @@ void ChartEditor::actionChanged()
             m_marks = found;
             updateItems();
             elementsShown();
+            if (m_chosen == m_template && !missingNames().isEmpty()) {
+                addMissing();
+            }
         });
+    }
+}
+
+/// A template that the user chooses brings its charts. One that undo brings back does not: the
+/// charts are then those of that time.
+void ChartEditor::parameterEdited(const QString &name)
+{
+    if (name == kTemplate) {
+        m_chosen = parameter(kTemplate);
     }
 }
 

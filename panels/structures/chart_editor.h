@@ -32,6 +32,7 @@ public:
     using FindMarks = Marks (*)(ActionItem &copy);
     ChartEditor(const FieldContext &context, FindMarks findMarks);
     void actionChanged() override;
+    void parameterEdited(const QString &name) override;
 
 protected:
     FieldEditor *makeMember(const FieldContext &context) override;
@@ -51,6 +52,7 @@ private:
     FindMarks m_findMarks;
     Worker m_worker;
     QString m_template; // of m_marks
+    QString m_chosen;   // the template that the user has chosen last
     Marks m_marks;      // nothing: not known
     NoteLabel *m_note;
     QPushButton *m_add;

@@ -11,25 +11,28 @@ namespace corvanta {
 namespace {
 
 constexpr auto kMarker = "markerName"_L1;
+constexpr auto kStyle = "styleID"_L1;
 constexpr auto kDocument = "template"_L1;
 constexpr auto kJoinRuns = "joinRuns"_L1;
 
 } // namespace
 
-DocTablesEditor::DocTablesEditor(const FieldContext &context, FindMarkers findMarkers)
+DocTablesEditor::DocTablesEditor(const FieldContext &context, FindOffers findOffers)
     : ElementTable(context, {tr("Add an input pin and its table"),
                              tr("Remove the last input pin and its table")})
-    , m_findMarkers(findMarkers)
+    , m_findOffers(findOffers)
 {
     showRowNumbers(tr("Pin %1"));
     setSuggestions([this](const ParameterInfo &member) {
-        return member.name == kMarker ? m_markers.value_or(QStringList()) : QStringList();
+        return member.name == kMarker  ? m_offers.markers.value_or(QStringList())
+               : member.name == kStyle ? m_offers.styles.value_or(QStringList())
+                                       : QStringList();
     });
     setRemark([this](const Element &table, const ParameterInfo &member) {
         const QString marker = memberValue(table, member);
         // Nothing is missing before the template is read.
         const bool isMissing =
-            member.name == kMarker && m_markers.has_value() && !m_markers->contains(marker);
+            member.name == kMarker && m_offers.markers && !m_offers.markers->contains(marker);
         return isMissing ? tr("the template has no marker '%%1%'").arg(marker) : QString();
     });
 }
@@ -44,11 +47,11 @@ void DocTablesEditor::actionChanged()
     m_template = name;
     m_joins = joins;
     // Remarks on the old template would be wrong until the new one is read.
-    m_markers.reset();
+    m_offers = {};
     m_worker.stop();
     if (!name.isEmpty()) {
-        ask<Markers>(m_worker, *context().action, m_findMarkers, [this](const Markers &found) {
-            m_markers = found;
+        ask<Offers>(m_worker, *context().action, m_findOffers, [this](const Offers &found) {
+            m_offers = found;
             updateCells();
         });
     }

@@ -15,11 +15,15 @@ class DocTablesEditor final : public ElementTable
     Q_DECLARE_TR_FUNCTIONS(corvanta::DocTablesEditor)
 
 public:
-    /// Names of markers, without percent signs; nothing if the template cannot be read.
-    using Markers = std::optional<QStringList>;
+    /// What a template offers; nothing of what cannot be read.
+    struct Offers
+    {
+        std::optional<QStringList> markers; ///< names, without percent signs
+        std::optional<QStringList> styles;  ///< ids of table styles
+    };
     /// Reads the action's template; called on a worker thread.
-    using FindMarkers = Markers (*)(ActionItem &copy);
-    DocTablesEditor(const FieldContext &context, FindMarkers findMarkers);
+    using FindOffers = Offers (*)(ActionItem &copy);
+    DocTablesEditor(const FieldContext &context, FindOffers findOffers);
     void actionChanged() override;
 
 protected:
@@ -27,11 +31,11 @@ protected:
     void removeRow() override;
 
 private:
-    FindMarkers m_findMarkers;
+    FindOffers m_findOffers;
     Worker m_worker;
-    QString m_template; // of m_markers
+    QString m_template; // of m_offers
     QString m_joins;    // the same: the value of joinRuns
-    Markers m_markers;  // nothing: not known
+    Offers m_offers;
 };
 
 } // namespace corvanta

@@ -1,6 +1,8 @@
 #include "panels/structures/element_table.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "panels/glyphs.h"
+#include "panels/note_label.h"
 #include "panels/structures/cell_delegate.h"
 
 #include <QHBoxLayout>
@@ -38,17 +40,25 @@ ElementTable::ElementTable(const FieldContext &context, const Texts &texts)
     : FieldEditor(context)
     , m_table(new QTableWidget(this))
     , m_delegate(new CellDelegate(this->context().info.members, this))
+    , m_meaning(new NoteLabel(this))
 {
-    auto *const row = new QHBoxLayout(this);
+    auto *const column = new QVBoxLayout(this);
+    auto *const row = new QHBoxLayout;
     auto *const buttons = new QVBoxLayout;
-    row->setContentsMargins(0, 0, 0, 0);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addLayout(row);
+    column->addWidget(m_meaning);
     row->addWidget(m_table);
     row->addLayout(buttons);
     buttons->setSpacing(2);
-    buttons->addWidget(makeButton(Glyph::Add, texts.add, [this] { addRow(); }));
-    buttons->addWidget(makeButton(Glyph::Remove, texts.remove, [this] { removeRow(); }));
-    buttons->addWidget(makeButton(Glyph::Up, tr("Move the row up"), [this] { moveRow(-1); }));
-    buttons->addWidget(makeButton(Glyph::Down, tr("Move the row down"), [this] { moveRow(1); }));
+    buttons->addWidget(makeButton(
+        Glyph::Add, texts.add, [this] { addRow(); }, Qt::Key_Insert));
+    buttons->addWidget(makeButton(
+        Glyph::Remove, texts.remove, [this] { removeRow(); }, Qt::Key_Delete));
+    buttons->addWidget(makeButton(
+        Glyph::Up, tr("Move the row up"), [this] { moveRow(-1); }, Qt::CTRL | Qt::Key_Up));
+    buttons->addWidget(makeButton(
+        Glyph::Down, tr("Move the row down"), [this] { moveRow(1); }, Qt::CTRL | Qt::Key_Down));
     buttons->addStretch(1);
     setUpTable();
     setUpHeader();
@@ -70,6 +80,14 @@ void ElementTable::setUpTable()
     setMainControl(m_table);
     connect(m_table, &QTableWidget::itemChanged, this,
             [this](const QTableWidgetItem *cell) { take(*cell); });
+    connect(m_table, &QTableWidget::currentCellChanged, this, [this] { showMeaning(); });
+}
+
+/// The titles of the columns are short, and a tool tip needs a mouse.
+void ElementTable::showMeaning()
+{
+    const int column = m_table->currentRow() < 0 ? -1 : m_table->currentColumn();
+    m_meaning->setNote(NoteLabel::Kind::Remark, context().info.members.value(column).meaning);
 }
 
 /// Only texts stretch. The other columns need no more room than their titles and values.
@@ -168,6 +186,7 @@ void ElementTable::showElements(std::vector<Element> elements)
         m_table->setVerticalHeaderItem(i, new QTableWidgetItem(m_rowFormat.arg(i)));
     }
     m_table->setCurrentCell(qBound(-1, row, rows - 1), column);
+    showMeaning();
     updateCells();
 }
 
@@ -196,7 +215,7 @@ void ElementTable::updateCell(int row, int column)
     }
     const QString remark = m_remark(element, member);
     cell->setIcon(remark.isEmpty() ? QIcon() : warningMark(palette()));
-    cell->setToolTip(remark.isEmpty() ? value : remark);
+    cell->setToolTip(plainToolTip(remark.isEmpty() ? value : remark));
 }
 
 /// The first remark is enough: every cell shows its own.

@@ -17,6 +17,7 @@ class QTableWidgetItem;
 namespace corvanta {
 
 class CellDelegate;
+class NoteLabel;
 
 class ElementTable : public FieldEditor
 {
@@ -75,6 +76,8 @@ private:
     void setUpTable();
     void setUpHeader();
     void updateMinimumWidth();
+    /// Show what the values of the current column mean.
+    void showMeaning();
     void updateCell(int row, int column);
     /// Take the text that the user has entered.
     void take(const QTableWidgetItem &cell);
@@ -85,6 +88,7 @@ private:
     Element m_wrapper;               // of the value
     QTableWidget *m_table;
     CellDelegate *m_delegate;
+    NoteLabel *m_meaning;
     QString m_rowFormat; // empty: rows have no titles
     Remark m_remark = [](const Element &, const ParameterInfo &) { return QString(); };
 };

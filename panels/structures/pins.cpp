@@ -48,7 +48,7 @@ PinCountField::PinCountField(const FieldContext &context)
 {
     m_box->setRange(static_cast<int>(context.info.low), static_cast<int>(context.info.high));
     m_box->setButtonSymbols(QAbstractSpinBox::NoButtons);
-    m_box->setKeyboardTracking(false); // each number on the way would add and remove pins
+    m_box->setKeyboardTracking(false); // each number typed would add and remove pins
     auto *const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_box);

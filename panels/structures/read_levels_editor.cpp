@@ -34,10 +34,10 @@ void ReadLevelsEditor::actionChanged()
             values << context().parameters->parameterValue(i);
         }
     }
-    if (values == m_asked) {
+    if (values == m_sampleKey) {
         return;
     }
-    m_asked = values;
+    m_sampleKey = values;
     ask<SampledLevels>(m_worker, *context().action, m_findLevels,
                        [this](const SampledLevels &found) {
                            m_sample = found;

@@ -33,8 +33,8 @@ private:
 
     FindLevels m_findLevels;
     Worker m_worker;
-    QStringList m_asked;    // the values that the sample depends on
-    SampledLevels m_sample; // empty: not known
+    QStringList m_sampleKey; // the values that the sample depends on
+    SampledLevels m_sample;  // empty: not known
 };
 
 } // namespace corvanta

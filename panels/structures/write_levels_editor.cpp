@@ -44,7 +44,7 @@ bool uses(const Element &item, const ParameterInfo &list, const QString &member)
     return isUsed(item, list, *memberOf(list, member));
 }
 
-/// What an item writes, besides its type.
+/// What an item writes, apart from its type.
 QString detailOf(const Element &item, const ParameterInfo &list)
 {
     for (const auto member : {kText, kCalled, kLevelColumns}) {
@@ -233,11 +233,11 @@ void WriteLevelsEditor::updateRows()
     CorvantaGraph sources = request.graph;
     sources.actions.removeIf(
         [&](const CorvantaGraph::Action &action) { return action.id == request.action; });
-    const QByteArray asked = sources.actions.isEmpty() ? QByteArray() : sources.toXml();
-    if (asked == m_asked) {
+    const QByteArray graph = sources.actions.isEmpty() ? QByteArray() : sources.toXml();
+    if (graph == m_rowsGraph) {
         return;
     }
-    m_asked = asked;
+    m_rowsGraph = graph;
     m_rows = {};
     m_worker.start(
         [this, request](const std::stop_token &stop) -> Worker::Show {

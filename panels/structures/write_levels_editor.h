@@ -61,10 +61,10 @@ private:
 
     LevelWriting m_writing;
     QPlainTextEdit *m_text;
-    NoteLabel *m_source;  // where the rows come from
-    NoteLabel *m_problem; // why there is no text
-    QByteArray m_asked;   // the graph that m_rows are from, without the action itself
-    PreviewRows m_rows;   // of the input; none: sample values are shown
+    NoteLabel *m_source;    // where the rows come from
+    NoteLabel *m_problem;   // why there is no text
+    QByteArray m_rowsGraph; // the graph that m_rows are from, without the action itself
+    PreviewRows m_rows;     // of the input; none: sample values are shown
     Worker m_worker;
 };
 
