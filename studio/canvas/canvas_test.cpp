@@ -7,15 +7,19 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 #include <QXmlStreamReader>
 
@@ -124,6 +128,22 @@ TEST_F(Canvas, ImpossibleTargetsSayWhy)
     key(Qt::Key_Escape);
     EXPECT_EQ(m_document.undoStack()->count(), steps);
     EXPECT_FALSE(scene().linkDrag().isActive());
+}
+
+TEST_F(Canvas, ALinkDroppedOnALinkedPinReplacesItsLink)
+{
+    const QString other = m_document.addAction(u"readJSON"_s, {0, 160});
+    m_document.addLink({m_in, 0}, {m_sort, 0});
+    drag(output(other), center(m_sort)); // not on the pin
+    EXPECT_TRUE(isLinked(m_in, m_sort));
+    EXPECT_TRUE(m_message.contains("already has a link"_L1)) << m_message.toStdString();
+    const int steps = m_document.undoStack()->count();
+    drag(output(other), input(m_sort));
+    EXPECT_TRUE(isLinked(other, m_sort) && !isLinked(m_in, m_sort));
+    EXPECT_TRUE(m_message.contains("replaces the link from"_L1)) << m_message.toStdString();
+    EXPECT_EQ(m_document.undoStack()->count(), steps + 1);
+    drag(output(m_sort), input(m_sort));
+    EXPECT_TRUE(isLinked(other, m_sort));
 }
 
 TEST_F(Canvas, LinksAreReroutedAtBothEnds)
@@ -268,6 +288,14 @@ TEST_F(Canvas, DroppedActionsAndFilesAreAdded)
     EXPECT_EQ(m_document.type(u"data"_s), "readCSV"_L1);
     EXPECT_EQ(m_view.selectedIds(), QStringList{u"data"_s});
     EXPECT_EQ(graphs.count(), 1);
+    // On an action, its rows go there, unless the input has others.
+    files.setUrls({QUrl::fromLocalFile(file.fileName())});
+    m_document.move({{m_sort, {512, 192}}});
+    drop(&files, center(m_sort));
+    EXPECT_TRUE(isLinked(u"data2"_s, m_sort));
+    drop(&files, center(m_sort));
+    EXPECT_TRUE(m_document.contains(u"data3"_s) && m_document.linksTo({m_sort, 0}).size() == 1);
+    EXPECT_TRUE(m_message.contains("already has a link"_L1)) << m_message.toStdString();
 }
 
 TEST_F(Canvas, ExportsTheGraphInThreeFormats)
@@ -299,7 +327,7 @@ TEST_F(Canvas, ScreenReadersFindTheNodes)
     m_document.addLink({m_in, 0}, {m_sort, 0});
     m_document.setRunState(m_sort, {NodeState::Done, {12}, 12, 1});
     QAccessibleInterface *const canvas = QAccessible::queryAccessibleInterface(&m_view);
-    ASSERT_EQ(canvas->childCount(), 3);
+    ASSERT_EQ(canvas->childCount(), 4);
     QAccessibleInterface *const node = canvas->child(1);
     EXPECT_EQ(node->text(QAccessible::Name), m_sort);
     EXPECT_EQ(node->text(QAccessible::Description), "sort, sort, done, gets rows from readCSV"_L1);
@@ -308,6 +336,68 @@ TEST_F(Canvas, ScreenReadersFindTheNodes)
     node->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
     EXPECT_TRUE(node->state().focused);
     EXPECT_EQ(canvas->focusChild(), node);
+    QAccessibleInterface *const link = canvas->child(3);
+    EXPECT_EQ(link->text(QAccessible::Name), u"Link from “readCSV” to “sort”"_s);
+    EXPECT_EQ(link->text(QAccessible::Description), "output 0 to input 0"_L1);
+    link->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_EQ(canvas->focusChild(), link);
+    EXPECT_EQ(m_view.selectedLinks().size(), 1);
+    m_document.remove({m_sort});
+    EXPECT_EQ(canvas->childCount(), 2);
+}
+
+TEST_F(Canvas, NotesAreWrittenMovedAndRemoved)
+{
+    const auto type = [this](const QString &text) {
+        QTimer::singleShot(0, &m_view, [text] {
+            QWidget *const dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            dialog->findChild<QPlainTextEdit *>()->setPlainText(text);
+            QTest::keyClick(dialog, Qt::Key_Tab); // the edit takes Enter
+            dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
+        });
+    };
+    type(u"Prices of\n2026 & ?>"_s);
+    m_view.addNote();
+    ASSERT_EQ(scene().notes().size(), 1);
+    const NoteItem *const note = scene().notes()[0];
+    EXPECT_EQ(m_view.graphScene().selectedNotes(), QVector<int>{note->key()});
+    QAccessibleInterface *const canvas = QAccessible::queryAccessibleInterface(&m_view);
+    EXPECT_EQ(canvas->child(canvas->childCount() - 1)->text(QAccessible::Name), note->text());
+    // With an action, by the mouse, as one step.
+    m_document.moveNotes({{note->key(), {0, 160}}});
+    m_view.select({m_in});
+    scene().notes()[0]->setSelected(true);
+    const int steps = m_document.undoStack()->count();
+    drag(center(m_in), center(m_in) + QPointF(32, 16));
+    EXPECT_EQ(m_document.notes()[0].position, QPointF(32, 176));
+    EXPECT_EQ(m_document.position(m_in), QPointF(32, 16));
+    EXPECT_EQ(m_document.undoStack()->count(), steps + 1);
+    // By keys: to the note, edit, move, remove.
+    m_view.scene()->clearSelection();
+    key(Qt::Key_N);
+    type(u"second"_s);
+    key(Qt::Key_Return);
+    EXPECT_EQ(note->text(), u"second"_s);
+    key(Qt::Key_Down);
+    EXPECT_EQ(note->pos(), QPointF(32, 192));
+    key(Qt::Key_Delete);
+    EXPECT_TRUE(scene().notes().isEmpty() && m_document.contains(m_in));
+}
+
+TEST_F(Canvas, TheCanvasGrowsWithTheTextsOfTheWindow)
+{
+    const QFont font = QApplication::font();
+    const double width = m_view.mapFromScene(scene().itemsRect()).boundingRect().width();
+    QFont large = font;
+    large.setPointSizeF(font.pointSizeF() * 3);
+    QApplication::setFont(large);
+    QApplication::processEvents();
+    EXPECT_NEAR(m_view.zoom(), 1, 1e-9);
+    EXPECT_GT(m_view.mapFromScene(scene().itemsRect()).boundingRect().width(), 2 * width);
+    QApplication::setFont(font);
+    QApplication::processEvents();
+    EXPECT_NEAR(m_view.mapFromScene(scene().itemsRect()).boundingRect().width(), width, 2);
 }
 
 TEST_F(Canvas, ZoomsAndShowsAnOverview)

@@ -1,4 +1,4 @@
-// Keys, wheel and drops. What the mouse does to nodes and links is in GraphScene and LinkDrag.
+// Keys and wheel. What the mouse does to nodes and links is in GraphScene and LinkDrag.
 #include "studio/canvas/canvas_view.h"
 
 #include "studio/canvas/canvas_access.h"
@@ -10,12 +10,10 @@
 #include "studio/document/layered_layout.h"
 
 #include <QApplication>
-#include <QDragEnterEvent>
+#include <QInputDialog>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
-#include <QUrl>
 #include <QtMath>
 
 #include <algorithm>
@@ -31,7 +29,6 @@ constexpr double kMinZoom = 0.05;
 constexpr double kMaxZoom = 4;
 constexpr double kSceneMargin = 2000; // to drag nodes away from the others
 constexpr int kOverviewMargin = 10;
-constexpr QPointF kNodeCenter(NodeItem::kWidth / 2, NodeItem::kGrid * 2);
 
 /// The unit vector of an arrow key; null for any other.
 QPointF directionOf(int key)
@@ -57,23 +54,6 @@ bool isNear(QPointF one, QPointF other)
     return qAbs(distance.x()) < kLayerStep.width() && qAbs(distance.y()) < kLayerStep.height();
 }
 
-/// The files of a drop; other URLs are ignored.
-QStringList localFiles(const QMimeData *data)
-{
-    QStringList files;
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile()) {
-            files << url.toLocalFile();
-        }
-    }
-    return files;
-}
-
-bool isGraphFile(const QString &file)
-{
-    return file.endsWith(".graph"_L1, Qt::CaseInsensitive);
-}
-
 } // namespace
 
 // The scene does the work with the mouse; its signals are those of the view.
@@ -83,13 +63,15 @@ CanvasView::CanvasView(GraphDocument &document, QWidget *parent)
     , m_scene(new GraphScene(document, this))
     , m_overview(new Overview(*this))
     , m_quickAdd(new QuickAdd(document.registry(), this))
+    , m_scale(canvasScale())
 {
     installCanvasAccess();
     setScene(m_scene);
     setObjectName(u"canvas"_s);
     setAccessibleName(tr("Graph"));
     setAccessibleDescription(tr("Tab goes from action to action, arrows move them, Alt+arrows "
-                                "follow links, L draws a link, K goes from link to link."));
+                                "follow links, L draws a link, K goes from link to link, N from "
+                                "note to note."));
     setDragMode(RubberBandDrag);
     setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -98,11 +80,13 @@ CanvasView::CanvasView(GraphDocument &document, QWidget *parent)
     setFrameShape(NoFrame);
     connect(m_scene, &GraphScene::selectionMoved, this, [this] {
         --m_moveSeries;
+        reportFocus(this);
         Q_EMIT selectionChanged();
     });
     connect(m_scene, &GraphScene::message, this, &CanvasView::message);
     connect(m_scene, &GraphScene::activated, this, &CanvasView::activated);
     connect(m_scene, &GraphScene::actionWanted, this, &CanvasView::askForAction);
+    connect(m_scene, &GraphScene::noteActivated, this, &CanvasView::editNote);
     connect(m_scene, &GraphScene::insertionWanted, this, &CanvasView::askForInsertion);
     for (const auto signal : {&GraphDocument::actionAdded, &GraphDocument::moved}) {
         connect(&document, signal, this, &CanvasView::growScene);
@@ -133,7 +117,7 @@ void CanvasView::showAction(const QString &id)
 QPointF CanvasView::freePosition() const
 {
     const QPointF center = mapToScene(viewport()->rect().center());
-    QPointF place = m_scene->snapped(center - kNodeCenter);
+    QPointF place = m_scene->snapped(center - NodeItem::kCenter);
     const auto isTaken = [&](const NodePtr &node) { return isNear(node->position, place); };
     while (std::ranges::any_of(m_document.content().nodes, isTaken)) {
         place.ry() += NodeItem::kGrid * 2;
@@ -151,16 +135,17 @@ void CanvasView::zoomBy(double factor)
 // About the middle of the view, where nothing moves away.
 void CanvasView::zoomReset()
 {
-    setTransform({});
+    setTransform(QTransform::fromScale(m_scale, m_scale));
 }
 
 // Graphs that fit are not enlarged: all graphs have nodes of one size then.
 void CanvasView::zoomFit()
 {
     constexpr double kMargin = 40;
-    setTransform({});
+    zoomReset();
     const QRectF graph = m_scene->itemsRect().adjusted(-kMargin, -kMargin, kMargin, kMargin);
-    if (graph.width() > viewport()->width() || graph.height() > viewport()->height()) {
+    const QSizeF size = graph.size() * m_scale;
+    if (size.width() > viewport()->width() || size.height() > viewport()->height()) {
         fitInView(graph, Qt::KeepAspectRatio);
     } else {
         centerOn(graph.center());
@@ -191,7 +176,51 @@ bool CanvasView::exportTo(const QString &file, QString *why)
 // All of the selection is one undo step.
 void CanvasView::removeSelection()
 {
-    m_document.remove(m_scene->selectedIds(), m_scene->selectedLinks());
+    m_document.remove(m_scene->selectedIds(), m_scene->selectedLinks(), m_scene->selectedNotes());
+}
+
+// Where a new action would be, too.
+void CanvasView::addNote()
+{
+    const QPointF place = freePosition();
+    const QString text = QInputDialog::getMultiLineText(this, tr("Note"), tr("Text:"));
+    if (!text.isEmpty()) {
+        m_document.addNote(place, text);
+        showNote(m_scene->notes().last());
+    }
+}
+
+void CanvasView::editNote(int key)
+{
+    bool isAccepted = false;
+    const QString text = QInputDialog::getMultiLineText(this, tr("Note"), tr("Text:"),
+                                                        m_document.noteText(key), &isAccepted);
+    if (isAccepted) {
+        m_document.setNoteText(key, text);
+    }
+}
+
+void CanvasView::showNote(NoteItem *note)
+{
+    m_scene->clearSelection();
+    note->setSelected(true);
+    m_scene->setFocusItem(note);
+    ensureVisible(note);
+    Q_EMIT message(note->text());
+}
+
+/// Keys that concern the current note.
+bool CanvasView::keyOfNote(const QKeyEvent *event)
+{
+    const auto *const note = qgraphicsitem_cast<NoteItem *>(m_scene->focusItem());
+    if (note == nullptr || !note->isSelected() || event->modifiers() != Qt::NoModifier) {
+        return false;
+    }
+    const bool isEdit = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEdit) {
+        editNote(note->key());
+    }
+    return isEdit;
 }
 
 /// Keys while a link is drawn; no other key has an effect then.
@@ -272,7 +301,7 @@ bool CanvasView::keyOfCurrent(const QKeyEvent *event)
 // Commands with shortcuts, such as copy, belong to the window.
 void CanvasView::keyPressEvent(QKeyEvent *event)
 {
-    if (keyOfLinkDrag(event) || keyOfCurrent(event) || keyOfLink(event)) {
+    if (keyOfLinkDrag(event) || keyOfCurrent(event) || keyOfLink(event) || keyOfNote(event)) {
         return;
     }
     const bool isArrow = !directionOf(event->key()).isNull();
@@ -280,10 +309,13 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
         removeSelection();
     } else if (isArrow && event->modifiers().testFlag(Qt::AltModifier)) {
         goToNeighbour(event->key());
-    } else if (isArrow && !m_scene->selectedIds().isEmpty()) {
+    } else if (isArrow &&
+               (!m_scene->selectedIds().isEmpty() || !m_scene->selectedNotes().isEmpty())) {
         moveSelection(event->key());
     } else if (event->key() == Qt::Key_K && event->modifiers() == Qt::NoModifier) {
-        goToNextLink();
+        goToNext(m_scene->links(), &CanvasView::showLink);
+    } else if (event->key() == Qt::Key_N && event->modifiers() == Qt::NoModifier) {
+        goToNext(m_scene->notes(), &CanvasView::showNote);
     } else if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
         const QString id = m_scene->currentId();
         const bool hasOutput = !id.isEmpty() && m_document.outputCount(id) > 0;
@@ -304,7 +336,14 @@ void CanvasView::moveSelection(int key)
     for (const QString &id : m_scene->selectedIds()) {
         positions.insert(id, m_document.position(id) + directionOf(key) * NodeItem::kGrid);
     }
+    QMap<int, QPointF> notes;
+    for (const NoteItem *const note : m_scene->notes()) {
+        if (note->isSelected()) {
+            notes.insert(note->key(), note->pos() + directionOf(key) * NodeItem::kGrid);
+        }
+    }
     m_document.move(positions, m_moveSeries);
+    m_document.moveNotes(notes, m_moveSeries);
 }
 
 /// Make the nearest node in the direction of an arrow current, a linked one first.
@@ -333,23 +372,26 @@ bool CanvasView::goToNeighbour(int key)
     return best != nullptr;
 }
 
-/// Select the link after the selected one, in the order of the file.
-void CanvasView::goToNextLink()
+/// Select the item after the selected one, in the order of the file.
+template <class Item>
+void CanvasView::goToNext(const QVector<Item *> &items, void (CanvasView::*show)(Item *))
 {
-    const auto &links = m_scene->links();
-    if (links.isEmpty()) {
+    if (items.isEmpty()) {
         return;
     }
-    const auto selected = std::find_if(links.begin(), links.end(),
-                                       [](const LinkItem *link) { return link->isSelected(); });
-    LinkItem *const next =
-        selected == links.end() || selected + 1 == links.end() ? links.first() : *(selected + 1);
+    const auto selected = std::ranges::find_if(items, &Item::isSelected);
+    const bool isLast = selected == items.end() || selected + 1 == items.end();
+    (this->*show)(isLast ? items.first() : *(selected + 1));
+}
+
+// The message is for those who do not see which link it is.
+void CanvasView::showLink(LinkItem *link)
+{
     m_scene->clearSelection();
-    next->setSelected(true);
-    m_scene->setFocusItem(next);
-    ensureVisible(next);
-    const auto &[from, to] = next->link();
-    Q_EMIT message(tr("Link from “%1” to “%2”").arg(from.action, to.action));
+    link->setSelected(true);
+    m_scene->setFocusItem(link);
+    ensureVisible(link);
+    Q_EMIT message(link->spokenName());
 }
 
 /// Tab goes through the nodes, and leaves the canvas after the last one.
@@ -419,68 +461,6 @@ void CanvasView::mouseReleaseEvent(QMouseEvent *event)
     QGraphicsView::mouseReleaseEvent(event);
 }
 
-/// Whether something of a drop can be used.
-bool CanvasView::isAcceptable(const QMimeData *data) const
-{
-    if (data->hasFormat(actionMimeType())) {
-        return true;
-    }
-    const QStringList files = localFiles(data);
-    return std::any_of(files.begin(), files.end(), [&](const QString &file) {
-        return isGraphFile(file) || m_document.canRead(file);
-    });
-}
-
-void CanvasView::dragEnterEvent(QDragEnterEvent *event)
-{
-    event->setAccepted(isAcceptable(event->mimeData()));
-}
-
-// The link that would get the action is marked.
-void CanvasView::dragMoveEvent(QDragMoveEvent *event)
-{
-    event->setAccepted(isAcceptable(event->mimeData()));
-    const bool isAction = event->mimeData()->hasFormat(actionMimeType());
-    m_scene->markLink(isAction ? m_scene->linkAt(mapToScene(event->position().toPoint()))
-                               : nullptr);
-}
-
-void CanvasView::dragLeaveEvent(QDragLeaveEvent *event)
-{
-    m_scene->markLink(nullptr);
-    event->accept();
-}
-
-// On a link, an action is inserted into it.
-void CanvasView::dropEvent(QDropEvent *event)
-{
-    const QPointF place = mapToScene(event->position().toPoint());
-    // The middle of the new node is where the mouse is.
-    QPointF corner = m_scene->snapped(place - kNodeCenter);
-    const LinkItem *const link = m_scene->linkAt(place);
-    m_scene->markLink(nullptr);
-    event->acceptProposedAction();
-    if (event->mimeData()->hasFormat(actionMimeType())) {
-        const QString type = QString::fromUtf8(event->mimeData()->data(actionMimeType()));
-        QString why;
-        const QString inserted =
-            link == nullptr ? QString() : m_document.addActionIntoLink(type, link->link(), &why);
-        showAction(inserted.isEmpty() ? m_document.addAction(type, corner) : inserted);
-        Q_EMIT message(why);
-        return;
-    }
-    for (const QString &file : localFiles(event->mimeData())) {
-        if (isGraphFile(file)) {
-            Q_EMIT graphDropped(file);
-            continue;
-        }
-        QString why;
-        const QString id = m_document.addDataFile(file, corner, &why);
-        id.isEmpty() ? Q_EMIT message(why) : showAction(id);
-        corner.ry() += kLayerStep.height();
-    }
-}
-
 /// Show the search field at a place of the scene.
 void CanvasView::askForAction(const PinRef &from, QPointF place)
 {
@@ -545,6 +525,11 @@ void CanvasView::resizeEvent(QResizeEvent *event)
 void CanvasView::changeEvent(QEvent *event)
 {
     QGraphicsView::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        const double change = canvasScale() / m_scale;
+        scale(change, change);
+        m_scale *= change;
+    }
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
         m_scene->update();
     }

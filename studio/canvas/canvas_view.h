@@ -37,6 +37,9 @@ public:
     void select(const QStringList &ids) { m_scene->select(ids); }
     /// Select an action, scroll to it, and give it the focus.
     void showAction(const QString &id);
+    /// The same for a link and a note.
+    void showLink(LinkItem *link);
+    void showNote(NoteItem *note);
     /// A place in the visible part where a new action covers no other.
     QPointF freePosition() const;
 
@@ -47,7 +50,7 @@ public:
     /// Show the whole graph, not larger than at 100 %.
     void zoomFit();
     /// 1 is 100 %.
-    double zoom() const { return transform().m11(); }
+    double zoom() const { return transform().m11() / m_scale; }
     /// Show the whole graph in a corner; it is hidden at first.
     void setOverviewShown(bool isShown);
     /// Whether dragged nodes keep to the grid, as they do at first; Alt leaves it.
@@ -55,7 +58,10 @@ public:
     /// Write the whole graph as SVG, PNG or PDF, after the extension of `file`. Returns false with
     /// the reason.
     bool exportTo(const QString &file, QString *why);
-    /// Remove the selected actions and links.
+    /// Ask for the text of a new note; edit that of another one.
+    void addNote();
+    void editNote(int key);
+    /// Remove the selected actions, links and notes.
     void removeSelection();
 
     /// The type of an action that is dragged from a palette, in UTF-8.
@@ -96,7 +102,9 @@ private:
     bool keyOfCurrent(const QKeyEvent *event);
     bool goToNeighbour(int key);
     void moveSelection(int key);
-    void goToNextLink();
+    template <class Item>
+    void goToNext(const QVector<Item *> &items, void (CanvasView::*show)(Item *));
+    bool keyOfNote(const QKeyEvent *event);
     void askForAction(const PinRef &from, QPointF place);
     void askForInsertion(const LinkRef &link, QPointF place);
     void addAsked(const QString &type, const PinRef &from, QPointF place);
@@ -107,6 +115,7 @@ private:
     GraphScene *m_scene;  // a child
     Overview *m_overview; // a child
     QuickAdd *m_quickAdd; // a child
+    double m_scale;       // canvasScale()
     QPoint m_panStart;    // while the middle button is pressed
     bool m_isPanning = false;
     int m_moveSeries = -1000000; // of moves by keys, which are one step until the selection changes

@@ -30,6 +30,7 @@ GraphScene::GraphScene(GraphDocument &document, QObject *parent)
     connect(&document, &Document::linkRemoved, this, &GraphScene::removeLinkItem);
     connect(&document, &Document::reloaded, this, &GraphScene::rebuild);
     connect(&document, &Document::problemsChanged, this, &GraphScene::showProblems);
+    connect(&document, &Document::notesChanged, this, &GraphScene::showNotes);
     connect(&document, &Document::runStateChanged, this, [this](const QString &id) {
         if (NodeItem *const item = node(id)) {
             item->update();
@@ -61,6 +62,7 @@ void GraphScene::rebuild()
     m_marked = nullptr;
     m_nodes.clear();
     m_links.clear();
+    m_notes.clear();
     clear();
     for (const QString &id : m_document.ids()) {
         addNode(id);
@@ -69,6 +71,28 @@ void GraphScene::rebuild()
         addLinkItem(link);
     }
     showProblems();
+    showNotes();
+}
+
+// An item stays with its note, so that it keeps the selection and the focus.
+void GraphScene::showNotes()
+{
+    const QVector<NoteItem *> before = std::exchange(m_notes, {});
+    for (const Note &note : m_document.notes()) {
+        const auto found = std::ranges::find(before, note.key, &NoteItem::key);
+        if (found != before.end()) {
+            (*found)->setNote(note);
+            m_notes.append(*found);
+        } else {
+            m_notes.append(new NoteItem(note)); // owned by the scene
+            addItem(m_notes.last());
+        }
+    }
+    for (NoteItem *const item : before) {
+        if (!m_notes.contains(item)) {
+            delete item;
+        }
+    }
 }
 
 // Links are reported later, when both of their nodes exist.
@@ -170,6 +194,9 @@ QRectF GraphScene::itemsRect() const
     for (const LinkItem *const item : m_links) {
         area |= item->sceneBoundingRect();
     }
+    for (const NoteItem *const item : m_notes) {
+        area |= item->sceneBoundingRect();
+    }
     return area;
 }
 
@@ -208,6 +235,13 @@ QVector<LinkRef> GraphScene::selectedLinks() const
     QVector<LinkItem *> selected = m_links;
     selected.removeIf([](const LinkItem *item) { return !item->isSelected(); });
     return mapped<QVector<LinkRef>>(selected, [](const LinkItem *item) { return item->link(); });
+}
+
+QVector<int> GraphScene::selectedNotes() const
+{
+    QVector<NoteItem *> selected = m_notes;
+    selected.removeIf([](const NoteItem *item) { return !item->isSelected(); });
+    return mapped<QVector<int>>(selected, [](const NoteItem *item) { return item->key(); });
 }
 
 // Keys act on the focus; after a click both are the same.
@@ -252,6 +286,24 @@ LinkItem *GraphScene::linkAt(QPointF place, const NodeItem *except) const
         }
     }
     return nullptr;
+}
+
+// Without a free input the first one says why it cannot take the rows.
+PinRef GraphScene::inputFor(QPointF place) const
+{
+    for (QGraphicsItem *const item : items(place)) {
+        const auto *const node = qgraphicsitem_cast<NodeItem *>(item);
+        if (node == nullptr) {
+            continue;
+        }
+        int pin = qMax(0, node->inputAt(place));
+        while (node->inputAt(place) < 0 && pin + 1 < node->inputs() &&
+               !m_document.isFree({node->id(), pin})) {
+            ++pin;
+        }
+        return {node->id(), pin};
+    }
+    return {};
 }
 
 // At most one link is marked.
@@ -326,6 +378,10 @@ void GraphScene::commitMove(const NodeItem *dropped)
             positions.insert(item->id(), item->pos());
         }
     }
+    QMap<int, QPointF> notes;
+    for (const NoteItem *const item : std::as_const(m_notes)) {
+        notes.insert(item->key(), item->pos());
+    }
     LinkItem *const link = m_marked;
     markLink(nullptr);
     if (link != nullptr && dropped != nullptr) {
@@ -335,8 +391,19 @@ void GraphScene::commitMove(const NodeItem *dropped)
         m_document.move(positions);
         m_document.insertIntoLink(id, ends);
         m_document.undoStack()->endMacro();
-    } else if (!positions.isEmpty()) {
-        m_document.move(positions);
+        return;
+    }
+    // Nodes and notes that were moved together are one step.
+    const bool areBoth = !positions.isEmpty() && std::ranges::any_of(m_notes, [](auto *item) {
+        return item->isSelected();
+    });
+    if (areBoth) {
+        m_document.undoStack()->beginMacro(tr("Move the selection"));
+    }
+    m_document.move(positions);
+    m_document.moveNotes(notes);
+    if (areBoth) {
+        m_document.undoStack()->endMacro();
     }
 }
 
@@ -346,6 +413,10 @@ void GraphScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
     for (QGraphicsItem *const item : items(event->scenePos())) {
         if (const auto *const node = qgraphicsitem_cast<NodeItem *>(item)) {
             Q_EMIT activated(node->id());
+            return;
+        }
+        if (const auto *const note = qgraphicsitem_cast<NoteItem *>(item)) {
+            Q_EMIT noteActivated(note->key());
             return;
         }
     }

@@ -4,6 +4,7 @@
 #pragma once
 #include "studio/canvas/link_item.h"
 #include "studio/canvas/node_item.h"
+#include "studio/canvas/note_item.h"
 #include "studio/document/graph_document.h"
 
 #include <QGraphicsScene>
@@ -27,6 +28,9 @@ public:
     /// The item of a link; null if there is none.
     LinkItem *link(const LinkRef &ends) const;
     const QVector<LinkItem *> &links() const { return m_links; }
+    /// In the order of the file.
+    const QVector<NoteItem *> &notes() const { return m_notes; }
+    QVector<int> selectedNotes() const;
     /// The nodes from left to right, then from top to bottom: the order of the keyboard.
     QVector<NodeItem *> orderedNodes() const;
 
@@ -51,6 +55,9 @@ public:
 
     /// The link that an action dropped here would be inserted into; null if there is none.
     LinkItem *linkAt(QPointF place, const NodeItem *except = nullptr) const;
+    /// The input for rows that are dropped on a node: the pin there, else the first free one;
+    /// without an action if there is no node.
+    PinRef inputFor(QPointF place) const;
     /// Mark that link; null: none.
     void markLink(LinkItem *link);
     LinkDrag &linkDrag() { return *m_drag; }
@@ -65,6 +72,8 @@ Q_SIGNALS:
     void insertionWanted(const corvanta::studio::LinkRef &link, QPointF place);
     /// The user wants to edit this action.
     void activated(const QString &id);
+    /// The user wants to edit this note.
+    void noteActivated(int key);
     /// The current node or the selection is another one.
     void selectionMoved();
 
@@ -87,6 +96,7 @@ private:
     void refreshLinksOf(const NodeItem *node);
     void refreshPins(const QString &id);
     void showProblems();
+    void showNotes();
     // What the mouse has done, as a step.
 
     void commitMove(const NodeItem *dropped);
@@ -95,6 +105,7 @@ private:
     GraphDocument &m_document;
     QHash<QString, NodeItem *> m_nodes; // owned by the scene
     QVector<LinkItem *> m_links;        // owned by the scene
+    QVector<NoteItem *> m_notes;        // owned by the scene
     LinkItem *m_marked = nullptr;
     bool m_isSnapping = true;
     std::unique_ptr<LinkDrag> m_drag;

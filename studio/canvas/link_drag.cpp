@@ -103,12 +103,15 @@ void LinkDrag::offerTargets()
 {
     for (const NodeItem *const node : m_scene.orderedNodes()) {
         for (int pin = 0; pin < node->inputs(); ++pin) {
-            const Target target = judged({node->id(), pin});
+            const Target target = judged({node->id(), pin}, true);
             if (target.isPossible && target.link != m_rerouted) {
                 m_targets.append({node->id(), pin});
             }
         }
     }
+    // Free inputs first: they are what is wanted most.
+    std::stable_partition(m_targets.begin(), m_targets.end(),
+                          [this](const PinRef &pin) { return !judged(pin, true).replaced; });
     if (m_targets.isEmpty()) {
         const QString id = m_fixed->action;
         cancel();
@@ -126,17 +129,18 @@ void LinkDrag::nextTarget(int step)
     }
     m_targetIndex = (m_targetIndex + step + m_targets.size()) % m_targets.size();
     const PinRef &pin = m_targets[m_targetIndex];
-    drawTo(m_scene.node(pin.action)->inputPosition(pin.pin), judged(pin));
-    Q_EMIT m_scene.message(
-        GraphScene::tr("Link “%1” to input %2 of “%3”: Enter; another target: Tab")
-            .arg(m_fixed->action, QString::number(pin.pin), pin.action));
+    const Target target = judged(pin, true);
+    drawTo(m_scene.node(pin.action)->inputPosition(pin.pin), target);
+    const QString text = GraphScene::tr("Link “%1” to input %2 of “%3”: Enter; another target: Tab")
+                             .arg(m_fixed->action, QString::number(pin.pin), pin.action);
+    Q_EMIT m_scene.message(target.why.isEmpty() ? text : text + u' ' + target.why);
 }
 
 // Enter before a target is chosen has no effect.
 void LinkDrag::accept()
 {
     if (m_targetIndex >= 0) {
-        finish(judged(m_targets[m_targetIndex]));
+        finish(judged(m_targets[m_targetIndex], true));
     }
 }
 
@@ -152,22 +156,32 @@ PinRef LinkDrag::bestPin(const NodeItem &node) const
 {
     const int count = m_isOutput ? node.inputs() : node.outputs();
     for (int pin = 0; pin < count; ++pin) {
-        if (judged({node.id(), pin}).isPossible) {
+        if (judged({node.id(), pin}, false).isPossible) {
             return {node.id(), pin};
         }
     }
     return {node.id(), 0};
 }
 
-/// The link with a pin as its other end, and whether it is possible.
-LinkDrag::Target LinkDrag::judged(const PinRef &other) const
+/// The link with a pin as its other end, and whether it is possible; with `isReplacing` it may take
+/// the place of the link that the pin has.
+LinkDrag::Target LinkDrag::judged(const PinRef &other, bool isReplacing) const
 {
+    const GraphDocument &document = m_scene.document();
     Target target;
     target.link = m_isOutput ? LinkRef{*m_fixed, other} : LinkRef{other, *m_fixed};
-    const bool isSame = m_rerouted == target.link;
+    const auto &[from, to] = *target.link;
+    const auto present = document.linksTo(to);
+    if (isReplacing && !m_rerouted && present.size() == 1 && present.first() != target.link &&
+        document.canLink(from, to, &target.why, &present.first())) {
+        target.isPossible = true;
+        target.replaced = present.first();
+        target.why = GraphScene::tr("It replaces the link from “%1”.").arg(present[0].from.action);
+        return target;
+    }
     target.isPossible =
-        isSame || m_scene.document().canLink(target.link->from, target.link->to, &target.why,
-                                             m_rerouted ? &*m_rerouted : nullptr);
+        m_rerouted == target.link ||
+        document.canLink(from, to, &target.why, m_rerouted ? &*m_rerouted : nullptr);
     return target;
 }
 
@@ -180,7 +194,8 @@ LinkDrag::Target LinkDrag::targetAt(QPointF place) const
         return {};
     }
     const int pin = m_isOutput ? node->inputAt(place) : node->outputAt(place);
-    return judged(pin >= 0 ? PinRef{node->id(), pin} : bestPin(*node));
+    // A link is replaced only on its pin: on the body of a node it would be an accident.
+    return judged(pin >= 0 ? PinRef{node->id(), pin} : bestPin(*node), pin >= 0);
 }
 
 /// Draw the link to a place, in the colour of what would happen.
@@ -229,7 +244,7 @@ void LinkDrag::dropAt(QPointF place)
 /// Make the link, or say why it is not possible.
 void LinkDrag::finish(const Target &target)
 {
-    const auto rerouted = m_rerouted;
+    const auto rerouted = target.replaced ? target.replaced : m_rerouted;
     cancel();
     QString why = target.why;
     const bool isDone =

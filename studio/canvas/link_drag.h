@@ -50,12 +50,13 @@ private:
     /// What the link would be with the pin at a place.
     struct Target
     {
-        std::optional<LinkRef> link; ///< nothing: there is no pin and no node
+        std::optional<LinkRef> link;     ///< nothing: there is no pin and no node
+        std::optional<LinkRef> replaced; ///< the link that the input has now
         bool isPossible = false;
-        QString why;
+        QString why; ///< why not, or what else would happen
     };
     Target targetAt(QPointF place) const;
-    Target judged(const PinRef &other) const;
+    Target judged(const PinRef &other, bool isReplacing) const;
     bool beginWithLink(const LinkRef &link, bool isEndMoved);
     void begin(const PinRef &fixed, bool isOutput);
     void offerTargets();

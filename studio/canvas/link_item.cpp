@@ -52,6 +52,20 @@ void LinkItem::refresh()
     setPath(curve(m_from->outputPosition(m_link.from.pin), m_to->inputPosition(m_link.to.pin)));
 }
 
+QString LinkItem::spokenName() const
+{
+    return tr("Link from “%1” to “%2”").arg(m_link.from.action, m_link.to.action);
+}
+
+// Rows are those of the last run; before it there are none to tell.
+QString LinkItem::spokenText() const
+{
+    const QString pins = tr("output %1 to input %2")
+                             .arg(QString::number(m_link.from.pin), QString::number(m_link.to.pin));
+    const qint64 rows = m_document.runState(m_link.from.action).rows.value(m_link.from.pin, -1);
+    return rows < 0 ? pins : tr("%1, %2 rows").arg(pins, rowsText(rows));
+}
+
 // Drawn thick and in the colour of success.
 void LinkItem::setTarget(bool isTarget)
 {
@@ -118,6 +132,7 @@ void LinkItem::paintRows(QPainter *painter, const CanvasColors &colors) const
         return;
     }
     const QString text = rowsText(rows);
+    painter->setFont(canvasFont(1, false));
     const QPointF middle = path().pointAtPercent(0.5);
     const double width = qMin(kLabelWidth, painter->fontMetrics().horizontalAdvance(text) + 4.0);
     const QRectF box(middle.x() - width / 2, middle.y() - kLabelHeight / 2, width, kLabelHeight);

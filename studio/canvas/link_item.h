@@ -1,14 +1,17 @@
 // A link on the canvas: a curve from an output pin to an input pin, with the number of rows of the
-// last run. Threads: the GUI thread.
+// last run. Screen readers need the QObject. Threads: the GUI thread.
 #pragma once
 #include "studio/canvas/node_item.h"
 
 #include <QGraphicsPathItem>
+#include <QObject>
 
 namespace corvanta::studio {
 
-class LinkItem final : public QGraphicsPathItem
+class LinkItem final : public QObject, public QGraphicsPathItem
 {
+    Q_OBJECT
+
 public:
     /// Both items must outlive this one.
     LinkItem(GraphDocument &document, const LinkRef &link, NodeItem *from, NodeItem *to);
@@ -24,6 +27,9 @@ public:
     NodeItem *to() const { return m_to; }
     /// Follow the pins.
     void refresh();
+    /// For screen readers: the actions that it joins; and the pins, the rows and the state.
+    QString spokenName() const;
+    QString spokenText() const;
     /// Show that an action can be inserted here.
     void setTarget(bool isTarget);
     /// Whether a place is at the end of the link where another pin can be given to it.

@@ -34,10 +34,11 @@ public:
     void act()
     {
         static constexpr void (Monkey::*kActs[])() = {
-            &Monkey::add,    &Monkey::add,      &Monkey::remove, &Monkey::link,    &Monkey::link,
-            &Monkey::link,   &Monkey::reroute,  &Monkey::insert, &Monkey::move,    &Monkey::rename,
-            &Monkey::change, &Monkey::change,   &Monkey::note,   &Monkey::copy,    &Monkey::arrange,
-            &Monkey::undo,   &Monkey::keyboard, &Monkey::mouse,  &Monkey::variable};
+            &Monkey::add,      &Monkey::add,    &Monkey::remove,   &Monkey::link,
+            &Monkey::link,     &Monkey::link,   &Monkey::reroute,  &Monkey::insert,
+            &Monkey::move,     &Monkey::rename, &Monkey::change,   &Monkey::change,
+            &Monkey::note,     &Monkey::copy,   &Monkey::arrange,  &Monkey::undo,
+            &Monkey::keyboard, &Monkey::mouse,  &Monkey::variable, &Monkey::sheet};
         (this->*kActs[upTo(std::size(kActs))])();
     }
 
@@ -91,6 +92,22 @@ private:
     void move() { m_document.move({{anyId(), place()}, {anyId(), place()}}, -number(3)); }
     void rename() { m_document.rename(anyId(), text()); }
     void note() { m_document.setComment(anyId(), text(), -number(2)); }
+    /// Notes of the canvas; dialogs would wait for an answer.
+    void sheet()
+    {
+        const QVector<Note> notes = m_document.notes();
+        const int key = notes.isEmpty() ? -1 : notes[number(static_cast<int>(notes.size()))].key;
+        switch (number(4)) {
+        case 0:
+            return m_document.moveNotes({{key, place()}}, -number(2));
+        case 1:
+            return m_document.setNoteText(key, text());
+        case 2:
+            return m_document.remove({}, {}, {key});
+        default:
+            notes.size() < 5 ? m_document.addNote(place(), u"n"_s + text()) : 0;
+        }
+    }
     void variable() { m_document.setVariable(u"x"_s, number(2) == 0 ? QString() : text()); }
     void arrange()
     {
@@ -131,11 +148,15 @@ private:
     }
     void keyboard()
     {
-        static constexpr Qt::Key kKeys[] = {Qt::Key_Tab,   Qt::Key_Backtab, Qt::Key_L,
-                                            Qt::Key_Down,  Qt::Key_Return,  Qt::Key_K,
-                                            Qt::Key_Right, Qt::Key_Escape,  Qt::Key_Delete};
+        static constexpr Qt::Key kKeys[] = {
+            Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_L,      Qt::Key_Down,   Qt::Key_Return,
+            Qt::Key_K,   Qt::Key_Right,   Qt::Key_Escape, Qt::Key_Delete, Qt::Key_N};
         const auto modifier = number(4) == 0 ? Qt::AltModifier : Qt::NoModifier;
-        QTest::keyClick(&m_view, kKeys[upTo(std::size(kKeys))], modifier);
+        const Qt::Key key = kKeys[upTo(std::size(kKeys))];
+        // It would open a dialog for the text of a note.
+        if (key != Qt::Key_Return || m_view.graphScene().selectedNotes().isEmpty()) {
+            QTest::keyClick(&m_view, key, modifier);
+        }
     }
     void mouse()
     {
@@ -187,6 +208,11 @@ void expectShown(const GraphDocument &document, const CanvasView &view)
         ASSERT_NE(node, nullptr);
         ASSERT_EQ(node->pos(), document.position(id));
         ASSERT_EQ(node->inputs(), document.inputCount(id));
+    }
+    ASSERT_EQ(scene.notes().size(), document.notes().size());
+    for (qsizetype i = 0; i < scene.notes().size(); ++i) {
+        ASSERT_EQ(scene.notes()[i]->pos(), document.notes()[i].position);
+        ASSERT_EQ(scene.notes()[i]->text(), document.notes()[i].text);
     }
     for (const LinkItem *const link : scene.links()) {
         ASSERT_TRUE(document.links().contains(link->link()));

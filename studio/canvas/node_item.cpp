@@ -1,11 +1,13 @@
 // Draws an action. Far away only its shape and colours are drawn.
 #include "studio/canvas/node_item.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "studio/canvas/canvas_colors.h"
 #include "studio/canvas/graph_scene.h"
 
 #include <QApplication>
 #include <QCursor>
+#include <QFontMetricsF>
 #include <QGraphicsSceneHoverEvent>
 #include <QLocale>
 #include <QPainter>
@@ -25,15 +27,6 @@ constexpr double kMargin = 10;
 constexpr double kCommentHeight = 34;
 constexpr double kBadgeSize = 16;
 constexpr double kTextZoom = 0.35; // texts are not legible below
-
-/// The font of the program in another size, so that its setting counts here too.
-QFont scaledFont(double factor, bool isBold)
-{
-    QFont font = QApplication::font();
-    font.setPointSizeF(font.pointSizeF() * factor);
-    font.setBold(isBold);
-    return font;
-}
 
 /// For screen readers; empty before a run.
 QString stateText(NodeState state)
@@ -102,6 +95,21 @@ void drawBadge(QPainter *painter, NodeState state, const QRectF &box, const QCol
 
 } // namespace
 
+// Two lines of text are as high as the icon.
+double canvasScale()
+{
+    constexpr double kLineHeight = kIconSize / 2 + 2;
+    return qMax(1.0, QFontMetricsF(QApplication::font()).height() / kLineHeight);
+}
+
+QFont canvasFont(double factor, bool isBold)
+{
+    QFont font = QApplication::font();
+    font.setPointSizeF(font.pointSizeF() * factor / canvasScale());
+    font.setBold(isBold);
+    return font;
+}
+
 QString rowsText(qint64 rows)
 {
     return QLocale().toString(rows);
@@ -124,7 +132,7 @@ void NodeItem::setId(const QString &id)
     refresh();
 }
 
-// All at once: most edits change one property, and reading all of them costs little.
+// All in one call: most edits change one property, and reading all of them costs little.
 void NodeItem::refresh()
 {
     prepareGeometryChange();
@@ -147,7 +155,7 @@ QString NodeItem::tip() const
     QString text = m_id + u'\n' + (m_isKnown ? m_type : tr("%1 (unknown action)").arg(m_type));
     text += m_comment.isEmpty() ? QString() : u"\n\n"_s + m_comment;
     text += m_problems.isEmpty() ? QString() : u"\n\n"_s + m_problems;
-    return text.toHtmlEscaped().replace(u'\n', "<br>"_L1);
+    return plainToolTip(text);
 }
 
 // Called for all nodes after each check.
@@ -292,10 +300,10 @@ void NodeItem::paintTexts(QPainter *painter, const CanvasColors &colors) const
     const double left = 2 * kMargin + kIconSize - 2;
     paintIcon(painter, {kMargin, top, kIconSize, kIconSize});
     const QRectF name(left, top - 2, kWidth - left - kBadgeSize - 4, kIconSize / 2 + 2);
-    drawElided(painter, name, m_id, scaledFont(1, true), colors.text());
+    drawElided(painter, name, m_id, canvasFont(1, true), colors.text());
     const QRectF second = name.translated(0, name.height()).adjusted(0, 0, kBadgeSize, 0);
     drawElided(painter, second, m_isKnown ? m_type : tr("unknown: %1").arg(m_type),
-               scaledFont(0.85, false), m_isKnown ? colors.faintText() : colors.error());
+               canvasFont(0.85, false), m_isKnown ? colors.faintText() : colors.error());
     if (!m_comment.isEmpty()) {
         paintComment(painter, colors);
     }
@@ -316,7 +324,7 @@ void NodeItem::paintIcon(QPainter *painter, const QRectF &box) const
 void NodeItem::paintComment(QPainter *painter, const CanvasColors &colors) const
 {
     const QRectF box(0, m_size.height() + 3, kWidth, kCommentHeight);
-    painter->setFont(scaledFont(0.85, false));
+    painter->setFont(canvasFont(0.85, false));
     painter->setPen(colors.faintText());
     painter->setClipRect(box);
     painter->drawText(box, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_comment);

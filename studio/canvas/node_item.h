@@ -55,6 +55,8 @@ public:
     /// Distance of the positions to which nodes snap.
     static constexpr double kGrid = 16;
     static constexpr double kPinRadius = 5;
+    /// The middle of a node that has few pins.
+    static constexpr QPointF kCenter{kWidth / 2, kGrid * 2};
 
 Q_SIGNALS:
     /// Its place differs from before; the links must follow.
@@ -87,6 +89,11 @@ private:
     bool m_isRefreshing = false; // a change of the position is not by the user
 };
 
+/// How much larger than at 100 % the canvas is shown, so that its texts have the size of those of
+/// the window. Nodes keep their size in the scene, because the file has their places.
+double canvasScale();
+/// A font for items of the canvas, `factor` times the usual size.
+QFont canvasFont(double factor, bool isBold);
 /// 1234567 as "1,234,567", in the user's locale.
 QString rowsText(qint64 rows);
 

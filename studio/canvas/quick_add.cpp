@@ -1,6 +1,7 @@
 // Names that begin with the searched words come before those that have them elsewhere.
 #include "studio/canvas/quick_add.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
@@ -15,6 +16,12 @@ namespace corvanta::studio {
 
 namespace {
 
+/// In the language of the window.
+QString descriptionOf(const ActionItem &action)
+{
+    return QCoreApplication::translate("Parameters", action.getDescription().toUtf8());
+}
+
 /// How well an action fits the searched text: 0 best; negative: not at all.
 int rankOf(const ActionItem &action, const QString &text)
 {
@@ -26,7 +33,8 @@ int rankOf(const ActionItem &action, const QString &text)
         return 1;
     }
     const QStringList words = action.getKeywords() + action.getTags() +
-                              action.getAlternativeNames() + QStringList{action.getDescription()};
+                              action.getAlternativeNames() +
+                              QStringList{action.getDescription(), descriptionOf(action)};
     return words.join(u' ').contains(text, Qt::CaseInsensitive) ? 2 : -1;
 }
 
@@ -50,18 +58,20 @@ QuickAdd::QuickAdd(const ActionRegistry &registry, QWidget *parent)
     m_list->setObjectName(u"quickAdd.actions"_s);
     m_list->setAccessibleName(tr("Actions"));
     m_list->setFocusPolicy(Qt::NoFocus);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // long texts end with dots
     layout->addWidget(m_field);
     layout->addWidget(m_list);
     m_field->installEventFilter(this);
     connect(m_field, &QLineEdit::textChanged, this, &QuickAdd::search);
     connect(m_list, &QListWidget::itemClicked, this, &QuickAdd::accept);
-    constexpr QSize kSize(320, 300);
-    resize(kSize);
 }
 
 // The last search is forgotten: the place asks for another action.
 void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QString &)> chosen)
 {
+    constexpr QSize kLetters(64, 20);
+    resize(kLetters.width() * fontMetrics().averageCharWidth(),
+           kLetters.height() * fontMetrics().lineSpacing());
     m_needsInput = needsInput;
     m_chosen = std::move(chosen);
     m_field->clear();
@@ -89,7 +99,7 @@ void QuickAdd::search()
     m_list->clear();
     for (const auto &[rank, action] : found) {
         const QString type = QString::fromLatin1(action->getTypeName());
-        auto *const item = new QListWidgetItem(u"%1 – %2"_s.arg(type, action->getDescription()),
+        auto *const item = new QListWidgetItem(u"%1 – %2"_s.arg(type, descriptionOf(*action)),
                                                m_list); // owned by the list
         item->setData(Qt::UserRole, type);
         if (const QPixmap *const icon = action->getIcon(1)) {

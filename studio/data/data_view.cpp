@@ -124,6 +124,10 @@ void DataView::makePins()
     m_pins->setObjectName(u"dataPins"_s);
     m_pins->setAccessibleName(tr("Pin of the rows"));
     m_pins->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    // A narrow bar takes room from the search and not from the name of the pin.
+    constexpr int kMaxLetters = 40;
+    m_pins->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    m_pins->setMaximumWidth(kMaxLetters * fontMetrics().averageCharWidth());
     connect(m_pins, &QComboBox::activated, this, &DataView::choosePin);
     m_bar->addWidget(m_pins);
 }
@@ -140,12 +144,17 @@ void DataView::makeSearch()
     makeAction(this, {u"dataFind"_s, tr("Find"), QKeySequence::Find,
                       tr("Search the rows that are shown"), [this] { m_search->setFocus(); }});
     m_bar->addWidget(m_search);
-    m_bar->addAction(
+    QAction *const previous =
         makeAction(this, {u"dataFindPrevious"_s, tr("Previous"), QKeySequence::FindPrevious,
                           tr("Find the previous cell with the text"),
-                          [this] { find(RowsModel::Direction::Backward); }}));
-    m_bar->addAction(makeAction(this, {u"dataFindNext"_s, tr("Next"), QKeySequence::FindNext,
-                                       tr("Find the next cell with the text"), next}));
+                          [this] { find(RowsModel::Direction::Backward); }});
+    QAction *const following =
+        makeAction(this, {u"dataFindNext"_s, tr("Next"), QKeySequence::FindNext,
+                          tr("Find the next cell with the text"), next});
+    // The bar is narrow; the tool tips and the list of shortcuts have the words.
+    previous->setIconText(u"\u2191"_s);
+    following->setIconText(u"\u2193"_s);
+    m_bar->addActions({previous, following});
     m_bar->addWidget(m_found);
 }
 

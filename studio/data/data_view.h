@@ -72,24 +72,35 @@ private:
     {
         return m_document != nullptr && m_document->contains(m_shown.pin.action);
     }
+    /// The name of a pin in the list, such as "table: output 0".
     static QString titleOf(const ShownPin &shown);
+    /// Update the view after edits of `document`, until another one is shown.
     void follow(GraphDocument *document);
     void renameAction(const QString &oldId, const QString &id);
+    /// Show pin `index` of m_listed.
     void choosePin(int index);
+    /// List the pins of the action again, because their number may have changed.
     void updatePins();
     QVector<ShownPin> pinsOfAction() const;
+    /// Typing causes many edits; only the last one reads the rows again.
     void refreshLater() { m_delay.start(); }
+    /// Read the pin if it has changed and the view is visible.
     void refresh();
 
     // What is read.
+    /// The reader has begun with other rows.
     void showReplaced();
+    /// The reader has more rows, or has ended.
     void showChanged();
     void showNewColumns();
+    /// What the footer says: progress, the number of rows, or why there are none.
     QString noteText() const;
     /// How many rows of how many are shown.
     QString rowsText() const;
 
+    /// Select the next cell with the text of m_search, and say if there is none.
     void find(RowsModel::Direction direction);
+    /// Copy the text of one cell, or several as CSV.
     void copyCells() const;
 
     QPointer<GraphDocument> m_document;

@@ -2,76 +2,13 @@
 // first rows of the chunks, and no row is ever copied.
 #include "studio/data/rows_model.h"
 
-#include <QColor>
-#include <QFont>
-#include <QGuiApplication>
-#include <QPalette>
+#include "corvanta/edit/shown_text.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
-
-namespace {
-
-constexpr qsizetype kShownUnits = 200;    // of a cell
-constexpr qsizetype kToolTipUnits = 2000; // of a cell
-
-/// A text on one line, with signs for line ends.
-QString oneLine(QStringView text)
-{
-    QString line = text.left(kShownUnits).toString();
-    line.replace(u"\r\n"_s, u"\u21b5"_s).replace(u'\n', u'\u21b5').replace(u'\r', u'\u21b5');
-    return text.size() > kShownUnits ? line + u'\u2026' : line;
-}
-
-/// Between the colours of texts and of the background, readable on both dark and light ones.
-QColor quietColor()
-{
-    const QPalette palette = QGuiApplication::palette();
-    const QColor text = palette.color(QPalette::Text);
-    const QColor base = palette.color(QPalette::Base);
-    constexpr int kPartOfText = 7; // of 10
-    const auto mix = [](int a, int b) { return (kPartOfText * a + (10 - kPartOfText) * b) / 10; };
-    return {mix(text.red(), base.red()), mix(text.green(), base.green()),
-            mix(text.blue(), base.blue())};
-}
-
-/// A cell for people. A null view: it is missing.
-QString shownText(QStringView text)
-{
-    return text.isNull() ? RowsModel::tr("missing") : text.isEmpty() ? u"\"\""_s : oneLine(text);
-}
-
-QFont italic()
-{
-    QFont font;
-    font.setItalic(true);
-    return font;
-}
-
-/// Digits of equal value are below each other.
-QVariant alignmentOf(const MetaInfo &type)
-{
-    const bool isNumber = type.type() != MetaInfo::Unknown;
-    return QVariant((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
-}
-
-} // namespace
-
-QString typeNameOf(const MetaInfo &type)
-{
-    switch (type.type()) {
-    case MetaInfo::Float:
-        return RowsModel::tr("number");
-    case MetaInfo::Key:
-        return RowsModel::tr("key");
-    case MetaInfo::Unknown:
-        break;
-    }
-    return RowsModel::tr("text");
-}
 
 /// The model keeps the chunks, so that the reader may add others at any time.
 void RowsModel::setRows(const PinRows *rows)
@@ -132,44 +69,20 @@ int RowsModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : static_cast<int>(m_columns.names.size());
 }
 
-/// What is shown of a cell, and its font and colour, depend on whether it is missing or empty; a
-/// text that reads "missing" is upright.
 QVariant RowsModel::data(const QModelIndex &index, int role) const
 {
     const QStringView text = cell(index.row(), index.column());
-    switch (role) {
-    case Qt::DisplayRole:
-        return shownText(text);
-    case Qt::ToolTipRole:
-        // As plain text: a cell may contain what looks like markup.
-        return text.size() > kShownUnits ? text.left(kToolTipUnits).toString().toHtmlEscaped()
-                                         : QVariant();
-    case Qt::FontRole:
-        return text.isEmpty() ? italic() : QVariant();
-    case Qt::ForegroundRole:
-        return text.isEmpty() ? quietColor() : QVariant();
-    case Qt::TextAlignmentRole:
-        return alignmentOf(m_columns.types[index.column()]);
-    case kMissingRole:
-        return text.isNull();
-    default:
-        return {};
-    }
+    return role == kMissingRole ? text.isNull()
+                                : cellData(text, m_columns.types.at(index.column()), role);
 }
 
-/// Two lines: the name and the type. Rows count from 1.
 QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {
-        return {};
-    }
-    return orientation == Qt::Vertical
-               ? QVariant(section + 1)
-               : QVariant(columnName(section) + u'\n' + typeNameOf(m_columns.types[section]));
+    return corvanta::headerData(m_columns, section, orientation, role);
 }
 
 /// Cells are numbered along the rows, in the order of `columns`. A chunk without the text is
-/// skipped as a whole: most cells are never looked at.
+/// skipped as a whole: most cells are never compared.
 RowsModel::Place RowsModel::find(const QString &text, const QVector<int> &columns, Place from,
                                  Direction direction) const
 {

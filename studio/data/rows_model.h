@@ -1,5 +1,4 @@
-// The rows of a pin for a table view. A missing cell reads "missing" and an empty text is two
-// quotation marks, both in italics, so that neither looks like a text.
+// The rows of a pin for a table view. Their chunks are shared with the reader of the pin.
 //
 // Threads: the GUI thread.
 #pragma once
@@ -8,9 +7,6 @@
 #include <QAbstractTableModel>
 
 namespace corvanta::studio {
-
-/// "text", "number" or "key", in the language of the user.
-QString typeNameOf(const MetaInfo &type);
 
 class RowsModel final : public QAbstractTableModel
 {

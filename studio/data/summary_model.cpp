@@ -1,6 +1,7 @@
 // Row i of this model is the column at place i of the table, so that both have one order.
 #include "studio/data/summary_model.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "studio/data/rows_model.h"
 
 #include <QLocale>
@@ -84,7 +85,7 @@ QString SummaryModel::cellText(int column, int field) const
     case Name:
         return m_columns.names[column];
     case Type:
-        return typeNameOf(m_columns.types[column]);
+        return columnTypeText(m_columns.types[column]);
     case Missing:
         return locale.toString(summary.missing);
     case Distinct:
@@ -105,7 +106,7 @@ QVariant SummaryModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return cellText(column, index.column());
     case Qt::ToolTipRole:
-        return cellText(column, index.column()).toHtmlEscaped();
+        return plainToolTip(cellText(column, index.column()));
     case Qt::CheckStateRole:
         return index.column() == Name ? QVariant(isShown(column) ? Qt::Checked : Qt::Unchecked)
                                       : QVariant();

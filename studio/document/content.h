@@ -57,11 +57,22 @@ struct Wire
     bool operator==(const Wire &) const = default;
 };
 
+/// A text on the canvas that does not belong to an action.
+struct Note
+{
+    int key = 0;     ///< identifies the note in its document
+    int origin = -1; ///< as in Node
+    QPointF position;
+    QString text;
+    bool operator==(const Note &) const = default;
+};
+
 /// Everything that an edit can change. The orders are those of the file.
 struct Content
 {
     QVector<NodePtr> nodes;
     QVector<Wire> wires;
+    QVector<Note> notes;
     QMap<QString, QString> variables; ///< by name
 
     /// Index in `nodes`; -1 if there is no such action.

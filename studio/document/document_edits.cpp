@@ -171,7 +171,8 @@ bool GraphDocument::canRead(const QString &file) const
 }
 
 // The action is there at once; its levels and columns arrive when the file has been read.
-QString GraphDocument::addDataFile(const QString &file, QPointF position, QString *why)
+QString GraphDocument::addDataFile(const QString &file, QPointF position, QString *why,
+                                   const PinRef &to)
 {
     const auto reader = makeReader(m_registry, file, &m_global);
     const XMLNode element = reader == nullptr ? XMLNode() : savedElement(*reader);
@@ -185,7 +186,9 @@ QString GraphDocument::addDataFile(const QString &file, QPointF position, QStrin
     const QString name = QFileInfo(file).fileName().section(u'.', 0, 0);
     const Node node = newNode(name.isEmpty() ? element.getName() : name, element, position);
     const QString text = tr("Add %1").arg(node.id);
-    addNode(text, node, {}, series);
+    const bool isLinked = !to.action.isEmpty() && isFree(to, why);
+    addNode(text, node, isLinked ? QVector<Wire>{{{{node.id, 0}, to}, -1}} : QVector<Wire>(),
+            series);
     fill(node.id, text, series);
     return node.id;
 }
@@ -252,21 +255,23 @@ void GraphDocument::setElements(const QHash<QString, XMLNode> &elements, const Q
 }
 
 // Links that are left without an end go too.
-void GraphDocument::remove(const QStringList &ids, const QVector<LinkRef> &links)
+void GraphDocument::remove(const QStringList &ids, const QVector<LinkRef> &links,
+                           const QVector<int> &notes)
 {
     const QSet<QString> removed(ids.begin(), ids.end());
-    const bool isLinkOnly = ids.isEmpty();
-    if (isLinkOnly && links.isEmpty()) {
+    if (ids.isEmpty() && links.isEmpty() && notes.isEmpty()) {
         return;
     }
-    const QString text =
-        isLinkOnly ? tr("Remove link") : counted(ids, tr("Remove “%1”"), tr("Remove %1 actions"));
+    const QString text = !ids.isEmpty() ? counted(ids, tr("Remove “%1”"), tr("Remove %1 actions"))
+                         : !links.isEmpty() ? tr("Remove link")
+                                            : tr("Remove note");
     push(text, [&](Content &content) {
         content.nodes.removeIf([&](const NodePtr &node) { return removed.contains(node->id); });
         content.wires.removeIf([&](const Wire &wire) {
             return removed.contains(wire.ends.from.action) ||
                    removed.contains(wire.ends.to.action) || links.contains(wire.ends);
         });
+        content.notes.removeIf([&](const Note &note) { return notes.contains(note.key); });
     });
 }
 

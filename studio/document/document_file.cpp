@@ -115,8 +115,7 @@ void DocumentFile::scheduleRecovery()
     }
 }
 
-/// Write the state of a modified document. A failure is not reported, because it concerns no file
-/// of the user.
+// Saved or undone in the meantime, the document needs no recovery.
 void DocumentFile::writeRecovery()
 {
     if (!m_document.isModified()) {
@@ -270,8 +269,8 @@ QVector<GraphDocument::Recovery> GraphDocument::recoveries()
     return DocumentFile::recoveries();
 }
 
+// The new recovery file is complete before the old one goes: this session may be killed as well.
 GraphDocument::FileResult<std::unique_ptr<GraphDocument>>
-// The recovery file is replaced by one of this session after a short time.
 GraphDocument::recover(const Recovery &recovery, const ActionRegistry &registry)
 {
     auto document = std::make_unique<GraphDocument>(registry);
@@ -281,7 +280,7 @@ GraphDocument::recover(const Recovery &recovery, const ActionRegistry &registry)
     }
     document->m_isRecovered = true;
     document->m_file->setContent(bytesOf(recovery.original));
-    document->m_file->scheduleRecovery();
+    document->m_file->writeRecovery();
     discard(recovery);
     return document;
 }

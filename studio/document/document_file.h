@@ -27,6 +27,8 @@ public:
 
     /// Write the recovery file soon, if the document is modified then.
     void scheduleRecovery();
+    /// Write it now. A failure is not reported, because it concerns no file of the user.
+    void writeRecovery();
     /// Also when nothing has been written.
     void removeRecovery();
 
@@ -42,7 +44,6 @@ public:
 private:
     void watch();
     void noticeChange();
-    void writeRecovery();
 
     GraphDocument &m_document;
     QByteArray m_content; // of the file when it was opened or saved

@@ -2,6 +2,7 @@
 // cannot be undone.
 #include "corvanta/action_parameters.h"
 #include "studio/document/document_file.h"
+#include "studio/document/element_comments.h"
 #include "studio/document/graph_document.h"
 #include "studio/document/layered_layout.h"
 #include "tests/support/graph_folder.h"
@@ -132,6 +133,53 @@ TEST_F(StudioDocument, AnEditChangesOnlyItsOwnText)
               replaced(u"'in'"_s, u"'orders'"_s).replace("'in:0'"_L1, "'orders:0'"_L1));
 }
 
+TEST_F(StudioDocument, CommentsInsideEditedParametersSurvive)
+{
+    const auto document = open("<graph>\r\n"
+                               "  <action id='in'>\r\n"
+                               "    <readJSON fileName='a.json' odd='1'><!-- of the file -->\r\n"
+                               "      <!-- orders -->\r\n"
+                               "      <Level initialPath='orders'>\r\n"
+                               "        <e name='id' path='id'/> <!-- a number -->\r\n"
+                               "      </Level>\r\n"
+                               "    </readJSON>\r\n"
+                               "  </action>\r\n"
+                               "</graph>\r\n");
+    ASSERT_TRUE(document->setParameter({u"in"_s}, u"outputSubTags"_s, u"1"_s));
+    const QByteArray text = document->toXml();
+    EXPECT_TRUE(text.contains("<!-- of the file -->")) << text.toStdString();
+    EXPECT_TRUE(text.contains("      <!-- orders -->\r\n      <Level ")) << text.toStdString();
+    EXPECT_TRUE(text.contains("/> <!-- a number -->\r\n")) << text.toStdString();
+    EXPECT_EQ(text.count('\n'), text.count("\r\n"));
+    EXPECT_TRUE(CorvantaGraph::parse(text, u"a.graph"_s));
+}
+
+TEST(ElementComments, StayWithTheElementsNextToThem)
+{
+    const struct
+    {
+        QString before, after, expected;
+    } cases[] = {
+        // Moved, changed and removed elements.
+        {u"<a><!--1--><e p='1'/><!--2-->\n<e p=\"2\"></e> <!--3--></a>"_s,
+         u"<a>\n <e p='2'/>\n <e p='1'/>\n</a>"_s,
+         u"<a>\n <e p='2'/> <!--3-->\n <!--1-->\n <e p='1'/> <!--2-->\n</a>"_s},
+        {u"<a>\n<!--1-->\n<e p='1'/>\n<!--2-->\n<f/></a>"_s, u"<a>\n <e p='9'/>\n</a>"_s,
+         u"<a>\n <!--1-->\n <e p='9'/>\n <!--2-->\n</a>"_s},
+        {u"<a><e><!--1--></e><!--2--></a>"_s, u"<a>\n <f/>\n</a>"_s, u"<a>\n <f/>\n<!--2--></a>"_s},
+        // Elements without content, and texts, where spaces count.
+        {u"<a><!--1--><!--2--></a>"_s, u"<a x='1'/>"_s, u"<a x='1'><!--1--><!--2--></a>"_s},
+        {u"<a><s>x<!--1--> y</s></a>"_s, u"<a><s>x y</s></a>"_s, u"<a><s>x y<!--1--></s></a>"_s},
+        {u"<a><s><![CDATA[<!--1--><b>]]></s></a>"_s, u"<a><s>x</s></a>"_s, u"<a><s>x</s></a>"_s},
+        {u"<a><?hint x?><e p='>'/></a>"_s, u"<a><e p='&gt;'/></a>"_s,
+         u"<a><?hint x?><e p='&gt;'/></a>"_s},
+    };
+    for (const auto &each : cases) {
+        EXPECT_EQ(withComments(each.before, each.after), each.expected)
+            << each.before.toStdString();
+    }
+}
+
 TEST_F(StudioDocument, NewElementsFollowThoseOfTheirKind)
 {
     const auto document = open(kGraph);
@@ -148,6 +196,34 @@ TEST_F(StudioDocument, NewElementsFollowThoseOfTheirKind)
     EXPECT_EQ(lines[13], "  <link from='sort:0' to='out:0'/>"_L1);
     // An action without a position gets one, because the others now have one.
     EXPECT_TRUE(lines[10].startsWith("  <action id='out' x='"_L1)) << lines[10].toStdString();
+}
+
+TEST_F(StudioDocument, NotesAreInstructionsThatTheHostIgnores)
+{
+    const QString all = replaced(u"  <!-- end -->"_s, u"  <?note y=\"8\" x='3.6' text='old'?>\n"
+                                                      "  <?note of another program?>"_s);
+    const auto document = open(all.toUtf8());
+    ASSERT_EQ(document->notes().size(), 1);
+    EXPECT_EQ(document->notes()[0].position, QPointF(4, 8));
+    EXPECT_EQ(document->noteText(document->notes()[0].key), u"old"_s);
+    EXPECT_EQ(QString::fromUtf8(document->toXml()), all);
+    const QString text = u"a\nb ?> <!-- 'c' & \"d\""_s;
+    document->addNote({16.4, 32}, text);
+    const int key = document->notes()[0].key;
+    document->setNoteText(key, u"new"_s);
+    document->moveNotes({{key, {5, 8}}});
+    const QByteArray saved = document->toXml();
+    EXPECT_TRUE(saved.contains("  <?note x='5' y='8' text='new'?>\n")) << saved.toStdString();
+    EXPECT_TRUE(saved.contains("  <?note of another program?>\n")) << saved.toStdString();
+    EXPECT_TRUE(CorvantaGraph::parse(
+        QByteArray(saved).replace("<future", "<!--").replace("</future>", "-->"), {}));
+    const auto again = open(saved);
+    ASSERT_EQ(again->notes().size(), 2);
+    EXPECT_EQ(again->notes()[1].text, text);
+    document->setNoteText(key, {});
+    EXPECT_EQ(document->notes().size(), 1);
+    document->undoStack()->setIndex(0);
+    EXPECT_EQ(QString::fromUtf8(document->toXml()), all);
 }
 
 TEST_F(StudioDocument, ANewGraphIsTheSameTextAsTheHostWrites)
@@ -211,7 +287,7 @@ TEST_F(StudioDocument, ImpossibleLinksAreRejectedWithTheReason)
     document.remove({}, {{{in, 0}, {sort, 0}}});
     EXPECT_FALSE(document.canLink({last, 0}, {sort, 0}, &reason));
     EXPECT_TRUE(reason.contains("loop"_L1)) << reason.toStdString();
-    // A link may give way to itself.
+    // A link may replace itself.
     ASSERT_TRUE(document.addLink({in, 0}, {sort, 0}));
     EXPECT_TRUE(document.reroute({{in, 0}, {sort, 0}}, {{other, 0}, {sort, 0}}));
     EXPECT_EQ(document.linksTo({sort, 0}).value(0).from.action, other);

@@ -179,6 +179,10 @@ Content GraphDocument::contentOf(const CorvantaGraph &graph, const SourceText &s
         const auto &[from, to, line] = graph.links[i];
         content.wires.append({{{from.action, from.pin}, {to.action, to.pin}}, isKept ? i : -1});
     }
+    content.notes = source.notes();
+    for (Note &note : content.notes) {
+        note.key = m_nextKey++;
+    }
     placeForDisplay(&content);
     return content;
 }
@@ -255,6 +259,9 @@ void GraphDocument::apply(const Content &next)
     reportLinks(previous);
     if (previous.variables != m_content.variables) {
         Q_EMIT variablesChanged();
+    }
+    if (previous.notes != m_content.notes) {
+        Q_EMIT notesChanged();
     }
     reportUpstream(previous);
     m_problems->schedule();

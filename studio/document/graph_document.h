@@ -103,6 +103,10 @@ public:
     QString comment(const QString &id) const;
     QPointF position(const QString &id) const;
     /// In the order of the file.
+    const QVector<Note> &notes() const { return m_content.notes; }
+    /// Empty for an unknown key.
+    QString noteText(int key) const;
+    /// In the order of the file.
     QVector<LinkRef> links() const;
     /// The link into an input pin, or those from an output pin.
     QVector<LinkRef> linksTo(const PinRef &input) const;
@@ -130,12 +134,17 @@ public:
     /// unknown type.
     QString addAction(const QString &type, QPointF position);
     /// Add the reader of a data file, and fill in its levels and columns in the background, as part
-    /// of the same step. Returns its id; empty, with the reason, if no action reads such files.
-    QString addDataFile(const QString &file, QPointF position, QString *why = nullptr);
+    /// of the same step. Its rows go to the input `to`, if that is free; else `why` gets the
+    /// reason. Returns its id; empty, with the reason, if no action reads such files.
+    QString addDataFile(const QString &file, QPointF position, QString *why = nullptr,
+                        const PinRef &to = {});
     /// Whether an action reads files of this name.
     bool canRead(const QString &file) const;
-    /// Remove actions with their links, and links.
-    void remove(const QStringList &ids, const QVector<LinkRef> &links = {});
+    /// Remove actions with their links, links, and notes by their keys.
+    void remove(const QStringList &ids, const QVector<LinkRef> &links = {},
+                const QVector<int> &notes = {});
+    /// Whether an input pin exists and is free; if not, `why` gets a sentence for the user.
+    bool isFree(const PinRef &to, QString *why = nullptr, const LinkRef *replaced = nullptr) const;
     /// Whether the link is possible; if not, `why` gets a sentence for the user. `replaced` is a
     /// link that would be removed at the same time.
     bool canLink(const PinRef &from, const PinRef &to, QString *why = nullptr,
@@ -158,6 +167,11 @@ public:
     bool rename(const QString &id, const QString &name, QString *why = nullptr);
     /// An empty comment removes it.
     void setComment(const QString &id, const QString &comment, int series = 0);
+    /// Add a note, which belongs to no action. Returns its key.
+    int addNote(QPointF position, const QString &text);
+    /// An empty text removes the note.
+    void setNoteText(int key, const QString &text);
+    void moveNotes(const QMap<int, QPointF> &positions, int series = 0);
     /// A null value removes the variable.
     void setVariable(const QString &name, const QString &value, int series = 0);
     /// Set one parameter of several actions of one type.
@@ -201,6 +215,7 @@ Q_SIGNALS:
     void linkRemoved(const corvanta::studio::LinkRef &link);
     void moved(const QString &id);
     void variablesChanged();
+    void notesChanged();
     void modifiedChanged(bool isModified);
     void fileNameChanged();
     void changedOnDisk();
@@ -233,7 +248,6 @@ private:
     XMLNode newElement(const QString &type) const;
     QString addNode(const QString &text, const Node &node, const QVector<Wire> &wires,
                     int series = 0);
-    bool havePins(const LinkRef &link, QString *why) const;
     void fill(const QString &id, const QString &text, int series);
     void finishFill(int key, int revision, const XMLNode &filled, const QString &text, int series,
                     const QString &reason);

@@ -18,25 +18,23 @@ bool refuse(QString *why, const QString &reason)
 
 } // namespace
 
-/// Whether both pins exist.
-bool GraphDocument::havePins(const LinkRef &link, QString *why) const
+// The link that is replaced does not count.
+bool GraphDocument::isFree(const PinRef &to, QString *why, const LinkRef *replaced) const
 {
-    const auto &[from, to] = link;
-    if (!contains(from.action) || !contains(to.action)) {
+    if (!contains(to.action)) {
         return refuse(why, tr("There is no such action."));
-    }
-    const int outputs = outputCount(from.action);
-    if (from.pin < 0 || from.pin >= outputs) {
-        const QString none = tr("“%1” has no output.").arg(from.action);
-        const QString other =
-            tr("“%1” has no output %2.").arg(from.action, QString::number(from.pin));
-        return refuse(why, outputs == 0 ? none : other);
     }
     const int inputs = maxInputs(to.action);
     if (to.pin < 0 || to.pin >= inputs) {
         const QString none = tr("“%1” has no input.").arg(to.action);
         const QString other = tr("“%1” has no input %2.").arg(to.action, QString::number(to.pin));
         return refuse(why, inputs == 0 ? none : other);
+    }
+    for (const LinkRef &link : linksTo(to)) {
+        if (replaced == nullptr || link != *replaced) {
+            return refuse(why, tr("The input already has a link from “%1”; an input takes one.")
+                                   .arg(link.from.action));
+        }
     }
     return true;
 }
@@ -48,14 +46,18 @@ bool GraphDocument::canLink(const PinRef &from, const PinRef &to, QString *why,
     if (from.action == to.action && contains(to.action)) {
         return refuse(why, tr("An action cannot get its own rows."));
     }
-    if (!havePins({from, to}, why)) {
-        return false;
+    if (!contains(from.action)) {
+        return refuse(why, tr("There is no such action."));
     }
-    for (const LinkRef &link : linksTo(to)) {
-        if (replaced == nullptr || link != *replaced) {
-            return refuse(why, tr("The input already has a link from “%1”; an input takes one.")
-                                   .arg(link.from.action));
-        }
+    const int outputs = outputCount(from.action);
+    if (from.pin < 0 || from.pin >= outputs) {
+        const QString none = tr("“%1” has no output.").arg(from.action);
+        const QString other =
+            tr("“%1” has no output %2.").arg(from.action, QString::number(from.pin));
+        return refuse(why, outputs == 0 ? none : other);
+    }
+    if (!isFree(to, why, replaced)) {
+        return false;
     }
     // A link that is re-routed keeps one end. If it is part of the way back, its other end decides,
     // and that way is gone.

@@ -42,6 +42,13 @@ GraphProblem problemOf(const CorvantaGraph &graph, const CorvantaGraph::Problem 
             found.action = actionAtLine(graph, match.captured(1).toInt());
         }
     }
+    // The list has a column for the action, and texts of a translated window are not mixed then.
+    const int index = graph.indexOf(found.action);
+    if (index >= 0) {
+        const QString type = graph.actions[index].parameters.getName();
+        const QString before = u"the action '%1' (%2): "_s.arg(found.action, type);
+        found.text.remove(0, found.text.startsWith(before) ? before.size() : 0);
+    }
     return found;
 }
 

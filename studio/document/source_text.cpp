@@ -4,9 +4,13 @@
 //
 //     begin   "<?xml ...?> ... <graph ...>"
 //     before  white space, comments, processing instructions
-//     element "<action ...>...</action>", "<link .../>", "<variable .../>", or an unknown one
+//     element "<action ...>...</action>", "<link .../>", "<variable .../>", "<?note ...?>", or an
+//             unknown one
 //     end     what follows the last element, "</graph>" and the rest of the file
 #include "studio/document/source_text.h"
+
+#include "studio/document/element_comments.h"
+#include "studio/document/markup_scan.h"
 
 #include <QHash>
 #include <QLocale>
@@ -15,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -33,95 +38,21 @@ QString attributeText(const QString &name, const QString &value)
     return u" %1='%2'"_s.arg(name, escaped(value));
 }
 
-/// The index after the tag, comment or other markup that begins at `at`.
-qsizetype endOfMarkup(const QString &text, qsizetype at)
-{
-    const auto after = [&](QLatin1StringView mark) {
-        const qsizetype end = text.indexOf(mark, at);
-        return end < 0 ? text.size() : end + mark.size();
-    };
-    const QStringView rest = QStringView(text).mid(at);
-    if (rest.startsWith("<!--"_L1)) {
-        return after("-->"_L1);
-    }
-    if (rest.startsWith("<![CDATA["_L1)) {
-        return after("]]>"_L1);
-    }
-    if (rest.startsWith("<?"_L1)) {
-        return after("?>"_L1);
-    }
-    QChar quote;
-    int brackets = 0; // of a document type
-    for (qsizetype i = at; i < text.size(); ++i) {
-        const QChar c = text[i];
-        if (!quote.isNull()) {
-            quote = c == quote ? QChar() : quote;
-        } else if (c == u'"' || c == u'\'') {
-            quote = c;
-        } else if (c == u'[' || c == u']') {
-            brackets += c == u'[' ? 1 : -1;
-        } else if (c == u'>' && brackets == 0) {
-            return i + 1;
-        }
-    }
-    return text.size();
-}
+constexpr auto kNoteBegin = "<?note "_L1;
+constexpr auto kNoteEnd = "?>"_L1;
 
-enum class Markup { Start, End, Empty, Other };
-
-/// What a piece of markup does to the depth of elements.
-Markup kindOf(QStringView markup)
-{
-    return markup.startsWith("<!"_L1) || markup.startsWith("<?"_L1) ? Markup::Other
-           : markup.startsWith("</"_L1)                             ? Markup::End
-           : markup.endsWith("/>"_L1)                               ? Markup::Empty
-                                                                    : Markup::Start;
-}
-
-/// A piece of markup of a text.
-struct MarkupRange
-{
-    qsizetype begin = -1; ///< negative: there is none
-    qsizetype end = -1;
-    Markup kind = Markup::Other;
-};
-
-/// The first markup from an index on.
-MarkupRange nextMarkup(const QString &text, qsizetype from)
-{
-    const qsizetype begin = text.indexOf(u'<', from);
-    if (begin < 0) {
-        return {};
-    }
-    const qsizetype end = endOfMarkup(text, begin);
-    return {begin, end, kindOf(QStringView(text).mid(begin, end - begin))};
-}
-
-/// The index after the element that begins with `start`.
-qsizetype endOfElement(const QString &text, MarkupRange start)
-{
-    int depth = 0;
-    for (; start.begin >= 0; start = nextMarkup(text, start.end)) {
-        depth += start.kind == Markup::Start ? 1 : start.kind == Markup::End ? -1 : 0;
-        if (depth == 0 && start.kind != Markup::Other) {
-            return start.end;
-        }
-    }
-    return text.size();
-}
-
-/// The first element of the text from an index on; begin is negative if there is none before the
-/// next end tag.
-MarkupRange firstElement(const QString &text, qsizetype from)
+/// The first element or note of the text from an index on; begin is negative if there is none
+/// before the next end tag.
+MarkupRange firstElementOrNote(const QString &text, qsizetype from)
 {
     MarkupRange markup = nextMarkup(text, from);
     while (markup.begin >= 0 && markup.kind == Markup::Other) {
+        if (QStringView(text).mid(markup.begin).startsWith(kNoteBegin)) {
+            return markup;
+        }
         markup = nextMarkup(text, markup.end);
     }
-    if (markup.begin < 0 || markup.kind == Markup::End) {
-        return {};
-    }
-    return {markup.begin, endOfElement(text, markup), markup.kind};
+    return markup.begin < 0 ? markup : firstElement(text, markup.begin);
 }
 
 /// Give an attribute of the start tag another value; a null value removes it.
@@ -207,6 +138,14 @@ QString newLink(const LinkRef &link)
            attributeText(u"to"_s, pinText(link.to)) + u"/>"_s;
 }
 
+// The name is followed by the attributes, as in an element.
+QString newNote(const Note &note)
+{
+    return QString(kNoteBegin).chopped(1) + attributeText(u"x"_s, numberText(note.position.x())) +
+           attributeText(u"y"_s, numberText(note.position.y())) +
+           attributeText(u"text"_s, note.text) + kNoteEnd;
+}
+
 QString newVariable(const QString &name, const QString &value)
 {
     return u"<variable"_s + attributeText(u"name"_s, name) + attributeText(u"value"_s, value) +
@@ -236,9 +175,9 @@ bool SourceText::split(const QByteArray &document)
         return false;
     }
     m_begin = m_text.left(at);
-    std::array<int, 4> numbers{};
-    for (MarkupRange element = firstElement(m_text, at); element.begin >= 0;
-         element = firstElement(m_text, at)) {
+    std::array<int, kKinds> numbers{};
+    for (MarkupRange element = firstElementOrNote(m_text, at); element.begin >= 0;
+         element = firstElementOrNote(m_text, at)) {
         Element next = elementAt(element.begin, element.end);
         next.before = m_text.mid(at, element.begin - at);
         next.number = numbers[static_cast<size_t>(next.kind)]++;
@@ -254,20 +193,35 @@ SourceText::Element SourceText::elementAt(qsizetype begin, qsizetype end) const
 {
     Element element;
     element.text = m_text.mid(begin, end - begin);
-    QXmlStreamReader reader(element.text);
-    reader.setNamespaceProcessing(false); // prefixes are declared outside
-    reader.readNextStartElement();
-    const QString name = reader.qualifiedName().toString();
+    QString name;
+    if (element.text.startsWith(kNoteBegin)) {
+        const QString inside = element.text.mid(1, element.text.size() - kNoteEnd.size() - 1);
+        element.attributes = attributesOf(u'<' + inside.mid(1) + u"/>"_s, &name);
+        // Another program may give the name another meaning.
+        element.kind = element.attributes.contains(u"text"_s) ? Kind::Note : Kind::Other;
+        return element;
+    }
+    element.attributes = attributesOf(element.text, &name);
     element.kind = name == "action"_L1     ? Kind::Action
                    : name == "link"_L1     ? Kind::Link
                    : name == "variable"_L1 ? Kind::Variable
                                            : Kind::Other;
+    return element;
+}
+
+/// Of the first tag of a text, which may be incomplete after it.
+QMap<QString, QString> SourceText::attributesOf(const QString &element, QString *name)
+{
+    QXmlStreamReader reader(element);
+    reader.setNamespaceProcessing(false); // prefixes are declared outside
+    reader.readNextStartElement();
+    *name = reader.qualifiedName().toString();
+    QMap<QString, QString> values;
     const QXmlStreamAttributes attributes = reader.attributes();
     for (const QXmlStreamAttribute &attribute : attributes) {
-        element.attributes.insert(attribute.qualifiedName().toString(),
-                                  attribute.value().toString());
+        values.insert(attribute.qualifiedName().toString(), attribute.value().toString());
     }
-    return element;
+    return values;
 }
 
 // For the host's reader, not for a file.
@@ -284,6 +238,19 @@ QByteArray SourceText::knownPart() const
         text += QString(element.text.count(u'\n'), u'\n');
     }
     return (text + m_end).toUtf8();
+}
+
+QVector<Note> SourceText::notes() const
+{
+    QVector<Note> all;
+    for (const Element &element : m_elements) {
+        if (element.kind == Kind::Note) {
+            const QPointF place(std::round(element.attributes.value(u"x"_s).toDouble()),
+                                std::round(element.attributes.value(u"y"_s).toDouble()));
+            all.append({0, element.number, place, element.attributes.value(u"text"_s)});
+        }
+    }
+    return all;
 }
 
 bool SourceText::hasPosition(int index) const
@@ -309,6 +276,9 @@ public:
         }
         for (const Wire &wire : content.wires) {
             m_wires.insert(wire.origin, &wire);
+        }
+        for (const Note &note : content.notes) {
+            m_notes.insert(note.origin, &note);
         }
         for (const Element &element : source.m_elements) {
             ++m_left[static_cast<size_t>(element.kind)];
@@ -381,6 +351,12 @@ private:
                     addLine(newLink(wire.ends));
                 }
             }
+        } else if (kind == Kind::Note) {
+            for (const Note &note : m_content.notes) {
+                if (note.origin < 0) {
+                    addLine(newNote(note));
+                }
+            }
         }
     }
 
@@ -433,6 +409,10 @@ private:
                        : QString();
         case Kind::Variable:
             return currentVariable(element);
+        case Kind::Note:
+            return m_notes.contains(element.number)
+                       ? currentNote(element, *m_notes.value(element.number))
+                       : QString();
         case Kind::Other:
             break;
         }
@@ -440,12 +420,17 @@ private:
     }
 
     /// The element of an action, with only the differences replaced.
-    static QString currentAction(const Element &element, const Node &node)
+    QString currentAction(const Element &element, const Node &node) const
     {
         QString text = element.text;
         if (node.isElementEdited) {
             const MarkupRange old = firstElement(text, endOfMarkup(text, 0));
-            text.replace(old.begin, old.end - old.begin, writtenElement(node.element).trimmed());
+            QString written = withComments(text.mid(old.begin, old.end - old.begin),
+                                           writtenElement(node.element).trimmed());
+            if (m_lineEnd != "\n"_L1) {
+                written.replace("\r\n"_L1, "\n"_L1).replace(u'\n', m_lineEnd);
+            }
+            text.replace(old.begin, old.end - old.begin, written);
         }
         const auto update = [&](const QString &name, const QString &value) {
             if (element.attributes.value(name) != value) {
@@ -484,6 +469,14 @@ private:
         return text;
     }
 
+    /// Unchanged byte for byte.
+    static QString currentNote(const Element &element, const Note &note)
+    {
+        const bool isSame =
+            isAt(element, note.position) && element.attributes.value(u"text"_s) == note.text;
+        return isSame ? element.text : newNote(note);
+    }
+
     /// The element of a variable; empty if it has been removed.
     QString currentVariable(const Element &element) const
     {
@@ -505,13 +498,14 @@ private:
     const Content &m_content;
     QString m_lineEnd;
     QString m_text;
-    QString m_next;                      // the text between the present element and the next one
-    qsizetype m_written = 0;             // how much of it is written
-    QHash<int, NodePtr> m_nodes;         // by origin
-    QHash<int, const Wire *> m_wires;    // by origin
-    QHash<QString, int> m_lastVariables; // number of the last element, by name
-    std::array<int, 4> m_left{};         // elements that follow, by kind
-    std::array<bool, 4> m_isAdded{};     // whether the new elements of the kind are written
+    QString m_next;                       // the text between the present element and the next one
+    qsizetype m_written = 0;              // how much of it is written
+    QHash<int, NodePtr> m_nodes;          // by origin
+    QHash<int, const Wire *> m_wires;     // by origin
+    QHash<int, const Note *> m_notes;     // by origin
+    QHash<QString, int> m_lastVariables;  // number of the last element, by name
+    std::array<int, kKinds> m_left{};     // elements that follow, by kind
+    std::array<bool, kKinds> m_isAdded{}; // whether the new elements of the kind are written
 };
 
 // A new graph is composed like a file with nothing in it.

@@ -3,6 +3,11 @@
 // The text is split into the elements inside <graph> and what is between them. An element that is
 // unchanged is written byte for byte, of a changed one only the attributes and the parameters that
 // differ. Comments, unknown elements and the order of the file survive.
+//
+// A note is a processing instruction, which other programs ignore:
+//
+//     <?note x='96' y='32' text='Prices of 2026'?>
+//
 // Threads: one at a time.
 #pragma once
 #include "studio/document/content.h"
@@ -24,6 +29,8 @@ public:
     /// The document with unknown elements replaced by blanks. The host rejects such elements, but
     /// the editor keeps them.
     QByteArray knownPart() const;
+    /// The notes of the document, without keys.
+    QVector<Note> notes() const;
     /// Whether action number `index` of the document has a position.
     bool hasPosition(int index) const;
     /// The document for a state whose origins are numbers of this document's elements. `version` is
@@ -31,8 +38,9 @@ public:
     QByteArray compose(const Content &content, double version) const;
 
 private:
-    enum class Kind { Variable, Action, Link, Other };
-    /// An element directly inside <graph>.
+    enum class Kind { Variable, Action, Link, Note, Other };
+    static constexpr size_t kKinds = 5;
+    /// An element or a note directly inside <graph>.
     struct Element
     {
         Kind kind = Kind::Other;
@@ -46,6 +54,7 @@ private:
     /// Whether there is no text to keep.
     bool isNew() const { return m_end.isEmpty(); }
     Element elementAt(qsizetype begin, qsizetype end) const;
+    static QMap<QString, QString> attributesOf(const QString &element, QString *name);
 
     QString m_text;
     QString m_begin; // up to the end of <graph>

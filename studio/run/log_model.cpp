@@ -2,6 +2,7 @@
 // ones are kept.
 #include "studio/run/log_model.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "corvanta/main_ui.h"
 
 #include <QApplication>
@@ -112,9 +113,7 @@ QVariant LogModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return cellText(entry, index.column());
     case Qt::ToolTipRole:
-        // As plain text: a message may contain what looks like markup.
-        return index.column() == Text ? entry.message.text.toHtmlEscaped().replace(u'\n', "<br>"_L1)
-                                      : QString();
+        return index.column() == Text ? plainToolTip(entry.message.text) : QString();
     case Qt::DecorationRole:
         return index.column() == Severity ? iconOf(entry.message.level) : QVariant();
     case LevelRole:

@@ -1,13 +1,15 @@
 // The table of all commands, and the menus and tool bar that are made from it.
 //
-// A line of the table is all that a new command needs, besides the function that it starts.
+// A line of the table is all that a new command needs, apart from the function that it starts.
 #include "studio/shell/commands.h"
 
 #include "studio/shell/command_icons.h"
 #include "studio/shell/preferences/settings.h"
+#include "studio/widgets/part_action.h"
 
 #include <QCoreApplication>
 #include <QMenuBar>
+#include <QSet>
 #include <QToolBar>
 #include <QWidget>
 
@@ -20,7 +22,7 @@ namespace corvanta::studio {
 
 namespace {
 
-/// What a command is besides its text.
+/// What a command is, apart from its text.
 enum Flag : unsigned {
     kPlain = 0,
     kCheckable = 1,
@@ -168,6 +170,8 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP(
          "Commands",
          "Link the selected action to another one, or two selected actions to each other")},
+    {"graph", "graph.note", QT_TRANSLATE_NOOP("Commands", "Add &Note..."), "Ctrl+Alt+N",
+     QT_TRANSLATE_NOOP("Commands", "Write a note on the canvas that belongs to no action")},
     {"graph", "graph.insert", QT_TRANSLATE_NOOP("Commands", "&Insert into Link"), "Ctrl+I",
      QT_TRANSLATE_NOOP("Commands", "Insert the selected action into the selected link"),
      kSeparatorAfter},
@@ -214,7 +218,9 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP("Commands", "Version and modules")},
 };
 
-constexpr char kDefaultKeys[] = "defaultShortcut"; // property of a QAction
+// Properties of a QAction.
+constexpr char kDefaultKeys[] = "defaultShortcut";
+constexpr char kPart[] = "partOfWindow";
 
 /// The table is constant, so its texts are only marked there and translated here.
 QString translated(const char *text)
@@ -250,12 +256,11 @@ QAction *makeAction(const CommandInfo &info, QWidget *window)
     return action;
 }
 
-/// Text without the mnemonic, and the shortcut.
+/// Text without the mnemonic, or the meaning of a button of a part, and the shortcut.
 void updateToolTip(QAction *action)
 {
-    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
-    const QString text = action->text().remove(u'&');
-    action->setToolTip(keys.isEmpty() ? text : u"%1 (%2)"_s.arg(text, keys));
+    const bool isOfPart = action->property(kPart).isValid();
+    showShortcut(action, isOfPart ? action->statusTip() : action->text().remove(u'&'));
 }
 
 } // namespace
@@ -357,9 +362,9 @@ void Commands::fillContextMenu(QMenu *menu) const
 {
     // An empty name is a separator. Only what depends on the item that was clicked is here.
     for (const char *const name :
-         {"graph.add", "graph.link", "graph.insert", "", "run.here", "run.data", "", "edit.rename",
-          "edit.comment", "", "edit.cut", "edit.copy", "edit.paste", "edit.duplicate",
-          "edit.delete", "", "help.action"}) {
+         {"graph.add", "graph.note", "graph.link", "graph.insert", "", "run.here", "run.data", "",
+          "edit.rename", "edit.comment", "", "edit.cut", "edit.copy", "edit.paste",
+          "edit.duplicate", "edit.delete", "", "help.action"}) {
         if (*name == 0) {
             menu->addSeparator();
         } else {
@@ -374,6 +379,42 @@ QMenu *Commands::menu(const QString &name) const
     return found == m_menus.end() ? nullptr : found->second;
 }
 
+void Commands::adopt(const QWidget &part, const QString &title)
+{
+    // Those that Qt makes, for example to clear a field, have no status tip.
+    for (QAction *const action : part.findChildren<QAction *>()) {
+        if (action->statusTip().isEmpty()) {
+            continue;
+        }
+        action->setProperty(kDefaultKeys, QVariant::fromValue(action->shortcut()));
+        action->setProperty(kPart, title);
+        if (const auto keys = m_settings.shortcut(action->objectName())) {
+            action->setShortcut(*keys);
+            updateToolTip(action);
+        }
+        m_ofParts.push_back(action);
+    }
+}
+
+QVector<QAction *> Commands::ofParts() const
+{
+    QVector<QAction *> all;
+    QSet<QString> names;
+    for (const QPointer<QAction> &action : m_ofParts) {
+        // Graphs that were closed have taken their parts with them.
+        if (action != nullptr && !names.contains(action->objectName())) {
+            names.insert(action->objectName());
+            all.push_back(action);
+        }
+    }
+    return all;
+}
+
+QString Commands::partOf(const QAction &action)
+{
+    return action.property(kPart).toString();
+}
+
 QKeySequence Commands::defaultShortcut(const QAction &action)
 {
     // Not from the table, whose texts would have to be parsed again.
@@ -382,24 +423,32 @@ QKeySequence Commands::defaultShortcut(const QAction &action)
 
 void Commands::setShortcut(QAction *action, const QKeySequence &keys)
 {
+    const bool isDefault = keys == defaultShortcut(*action);
     // A later version may have another default, which the user then gets.
-    if (keys == defaultShortcut(*action)) {
-        action->setShortcuts(sequences(infoOf(*action).keys));
-        m_settings.setShortcut(action->objectName(), std::nullopt);
-    } else {
-        action->setShortcut(keys);
-        m_settings.setShortcut(action->objectName(), keys);
+    m_settings.setShortcut(action->objectName(), isDefault ? std::nullopt : std::optional(keys));
+    if (partOf(*action).isEmpty()) {
+        // Some commands of the table have a second default.
+        action->setShortcuts(isDefault ? sequences(infoOf(*action).keys) : QList{keys});
+        updateToolTip(action);
+        return;
     }
-    updateToolTip(action);
+    for (const QPointer<QAction> &same : std::as_const(m_ofParts)) {
+        if (same != nullptr && same->objectName() == action->objectName()) {
+            same->setShortcut(keys);
+            updateToolTip(same);
+        }
+    }
 }
 
 QAction *Commands::findConflict(const QAction *action, const QKeySequence &keys) const
 {
-    const auto found = std::find_if(m_actions.begin(), m_actions.end(), [&](const QAction *other) {
+    const QVector<QAction *> others = partOf(*action).isEmpty() ? m_actions : ofParts();
+    const auto found = std::find_if(others.begin(), others.end(), [&](const QAction *other) {
         // Many commands have no keys, which is not a conflict.
-        return other != action && !keys.isEmpty() && other->shortcuts().contains(keys);
+        return other->objectName() != action->objectName() && !keys.isEmpty() &&
+               partOf(*other) == partOf(*action) && other->shortcuts().contains(keys);
     });
-    return found == m_actions.end() ? nullptr : *found;
+    return found == others.end() ? nullptr : *found;
 }
 
 } // namespace corvanta::studio

@@ -5,6 +5,7 @@
 #pragma once
 #include <QAction>
 #include <QObject>
+#include <QPointer>
 #include <QVector>
 
 #include <functional>
@@ -33,6 +34,14 @@ public:
     QAction *operator[](const QString &name) const;
     /// In the order of the menus.
     const QVector<QAction *> &all() const { return m_actions; }
+    /// Give the actions of a part of the window (makeAction()) the shortcuts of the user. They work
+    /// while the part has the focus. Several parts may have actions of the same names, as the logs
+    /// of two graphs do. `title` names the part for the user.
+    void adopt(const QWidget &part, const QString &title);
+    /// One action of each name of the parts.
+    QVector<QAction *> ofParts() const;
+    /// The title of its part; empty for a command of the window.
+    static QString partOf(const QAction &action);
     /// Call `function`, a member of `context` or a functor, when the user starts a command.
     template <class Context, class Function>
     void onTrigger(const char *name, Context *context, Function function)
@@ -58,7 +67,8 @@ public:
     static QKeySequence defaultShortcut(const QAction &action);
     /// Set and save a shortcut; the default is not saved.
     void setShortcut(QAction *action, const QKeySequence &keys);
-    /// The other command that has the shortcut; null if there is none.
+    /// The other command of the window, or of the same part, that has the shortcut; null if there
+    /// is none.
     QAction *findConflict(const QAction *action, const QKeySequence &keys) const;
 
 private:
@@ -67,6 +77,7 @@ private:
 
     Settings &m_settings;
     QVector<QAction *> m_actions;
+    QVector<QPointer<QAction>> m_ofParts;
     std::map<QString, QAction *> m_byName;
     std::map<QString, QMenu *> m_menus;
 };

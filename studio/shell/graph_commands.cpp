@@ -126,9 +126,9 @@ void GraphCommands::connectEdits()
     m_commands.onTrigger("edit.paste", this, [this] { paste(); });
     m_commands.onTrigger("edit.duplicate", this,
                          [this] { select(document()->duplicate(selectedIds())); });
-    m_commands.onTrigger("edit.delete", this,
-                         [this] { document()->remove(selectedIds(), selectedLinks()); });
+    onCanvas("edit.delete", &CanvasView::removeSelection);
     m_commands.onTrigger("edit.selectAll", this, [this] { select(document()->ids()); });
+    onCanvas("graph.note", &CanvasView::addNote);
     m_commands.onTrigger("graph.layout", this, [this] {
         // A single action has nothing to be arranged with.
         const QStringList ids = selectedIds();
@@ -229,9 +229,10 @@ void GraphCommands::update()
     enable({"edit.undo"}, hasGraph && document()->undoStack()->canUndo());
     enable({"edit.redo"}, hasGraph && document()->undoStack()->canRedo());
     enable({"edit.cut", "edit.copy", "edit.duplicate"}, count > 0);
-    enable({"edit.delete"}, count + links > 0);
+    const bool hasNote = hasGraph && !canvas()->graphScene().selectedNotes().isEmpty();
+    enable({"edit.delete"}, count + links > 0 || hasNote);
     enable({"edit.paste", "edit.selectAll", "view.zoomIn", "view.zoomOut", "view.zoomReset",
-            "view.zoomFit", "graph.layout", "export.svg", "export.png", "export.pdf",
+            "view.zoomFit", "graph.note", "graph.layout", "export.svg", "export.png", "export.pdf",
             "export.command", "export.script"},
            hasGraph);
     enable({"edit.rename", "edit.comment", "run.data"}, count == 1);

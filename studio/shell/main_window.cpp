@@ -135,7 +135,7 @@ void MainWindow::makeDocks()
     problems->raise();
     // In letters and lines, so that the panels fit to any text size.
     const int letter = fontMetrics().averageCharWidth();
-    resizeDocks({palette, properties}, {letter * 36, letter * 60}, Qt::Horizontal);
+    resizeDocks({palette, properties}, {letter * 42, letter * 60}, Qt::Horizontal);
     const int line = fontMetrics().lineSpacing();
     resizeDocks({problems}, {line * 15}, Qt::Vertical);
     resizeDocks({palette, outline}, {line * 30, line * 11}, Qt::Vertical);
@@ -268,6 +268,8 @@ void MainWindow::connectPanels()
     connect(m_help, &HelpView::pageOpened, this, [this] { raise(m_help); });
     // The tree has the same actions and links as the canvas, so the same keys work there.
     m_commands->addGraphShortcuts(m_outline);
+    m_commands->adopt(*m_data, tr("Data"));
+    m_commands->adopt(*m_variables, tr("Variables"));
     connect(m_outline, &Outline::selectionChosen, m_graphCommands, &GraphCommands::select);
     connect(m_outline, &Outline::shown, m_graphCommands, &GraphCommands::showAction);
     // Enough to read a sentence; then the tips of the commands have the place again.
@@ -293,6 +295,7 @@ void MainWindow::connectTab(DocumentTab *tab)
 {
     // The tab deletes it, which also removes it from here.
     m_logs->addWidget(tab->log());
+    m_commands->adopt(*tab->log(), tr("Log"));
     connectCanvas(tab->canvas());
     // Runs continue in tabs that are not shown.
     const auto ifShown = [this, tab](auto function) {

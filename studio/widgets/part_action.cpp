@@ -15,12 +15,16 @@ QAction *makeAction(QWidget *part, const ActionSpec &spec)
     action->setShortcut(spec.keys);
     action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     action->setStatusTip(spec.tip);
-    // A button shows its keys nowhere else.
-    const QString keys = spec.keys.toString(QKeySequence::NativeText);
-    action->setToolTip(keys.isEmpty() ? spec.tip : u"%1 (%2)"_s.arg(spec.tip, keys));
+    showShortcut(action, spec.tip);
     QObject::connect(action, &QAction::triggered, part, spec.onTriggered);
     part->addAction(action);
     return action;
+}
+
+void showShortcut(QAction *action, const QString &text)
+{
+    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+    action->setToolTip(keys.isEmpty() ? text : u"%1 (%2)"_s.arg(text, keys));
 }
 
 } // namespace corvanta::studio

@@ -1,6 +1,5 @@
 // Makes the actions of a part of the window.
 //
-//
 // Threads: the GUI thread.
 #pragma once
 #include <QKeySequence>
@@ -25,5 +24,7 @@ struct ActionSpec
 /// Make the action and add it to `part`, which owns it. Its keys work while the part has the focus
 /// (with LocalKeys).
 QAction *makeAction(QWidget *part, const ActionSpec &spec);
+/// Make a tool tip of a text and the shortcut: a button shows its keys nowhere else.
+void showShortcut(QAction *action, const QString &text);
 
 } // namespace corvanta::studio

@@ -54,6 +54,8 @@ void Palette::makeTree()
     m_tree->setAccessibleName(tr("Actions"));
     m_tree->setModel(m_model);
     m_tree->setHeaderHidden(true);
+    // A narrow column ends with dots; one that is wider than the view is cut without a sign.
+    m_tree->header()->setMinimumSectionSize(fontMetrics().averageCharWidth());
     m_tree->setDragEnabled(true);
     const int size = fontMetrics().height() * 4 / 3;
     m_tree->setIconSize({size, size});

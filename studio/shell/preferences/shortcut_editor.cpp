@@ -29,10 +29,13 @@ bool contains(const QTreeWidgetItem &item, const QString &text)
            item.text(Meaning).contains(text, Qt::CaseInsensitive);
 }
 
-/// The text of a menu without its mnemonic and without the dots that announce a dialog.
+/// The text of a menu without its mnemonic and without the dots that announce a dialog, after the
+/// part of the window that it belongs to.
 QString plainText(const QAction &action)
 {
-    return action.text().remove(u'&').remove(u"..."_s);
+    const QString text = action.text().remove(u'&').remove(u"..."_s);
+    const QString part = Commands::partOf(action);
+    return part.isEmpty() ? text : part + u": "_s + text;
 }
 
 QString keyTexts(const QAction &action)
@@ -80,12 +83,11 @@ void ShortcutEditor::makeTree()
     m_tree->setAccessibleName(tr("Commands and their shortcuts"));
     m_tree->setHeaderLabels({tr("Command"), tr("Shortcut"), tr("Meaning")});
     m_tree->setRootIsDecorated(false);
-    for (QAction *const action : m_commands.all()) {
+    for (QAction *const action : m_commands.all() + m_commands.ofParts()) {
         auto *const item = new QTreeWidgetItem(m_tree); // the tree owns it
         item->setText(Name, plainText(*action));
         item->setText(Meaning, action->statusTip());
-        // The texts are translated; the name is not.
-        item->setData(Name, Qt::UserRole, action->objectName());
+        item->setData(Name, Qt::UserRole, QVariant::fromValue(action));
         showKeys(item);
     }
     m_tree->header()->resizeSections(QHeaderView::ResizeToContents);
@@ -129,7 +131,7 @@ void ShortcutEditor::filter(const QString &text)
 QAction *ShortcutEditor::currentAction() const
 {
     const QTreeWidgetItem *const item = m_tree->currentItem();
-    return item != nullptr ? m_commands[item->data(Name, Qt::UserRole).toString()] : nullptr;
+    return item != nullptr ? item->data(Name, Qt::UserRole).value<QAction *>() : nullptr;
 }
 
 void ShortcutEditor::showCurrent()
@@ -143,7 +145,7 @@ void ShortcutEditor::showCurrent()
 
 void ShortcutEditor::showKeys(QTreeWidgetItem *item)
 {
-    item->setText(Keys, keyTexts(*m_commands[item->data(Name, Qt::UserRole).toString()]));
+    item->setText(Keys, keyTexts(*item->data(Name, Qt::UserRole).value<QAction *>()));
 }
 
 void ShortcutEditor::setKeys(const QKeySequence &keys)

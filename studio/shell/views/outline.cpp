@@ -49,6 +49,7 @@ void Outline::setDocument(GraphDocument *document)
         connect(document, &GraphDocument::actionChanged, this, update);
         connect(document, &GraphDocument::linkAdded, this, update);
         connect(document, &GraphDocument::linkRemoved, this, update);
+        connect(document, &GraphDocument::notesChanged, this, update);
         connect(document, &GraphDocument::reloaded, this, update);
     }
     fill();
@@ -57,12 +58,28 @@ void Outline::setDocument(GraphDocument *document)
 void Outline::fill()
 {
     const QSignalBlocker blocker(this);
+    QSet<QString> open;
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        if (topLevelItem(i)->isExpanded()) {
+            open.insert(idOf(*topLevelItem(i)));
+        }
+    }
+    const QString current = currentItem() == nullptr ? QString() : currentItem()->text(0);
     clear();
     if (m_document == nullptr) {
         return;
     }
     for (const QString &id : m_document->ids()) {
         addAction(id);
+        topLevelItem(topLevelItemCount() - 1)->setExpanded(open.contains(id));
+    }
+    for (const Note &note : m_document->notes()) {
+        new QTreeWidgetItem(this, {tr("Note"), {}, note.text.simplified()}); // the tree owns it
+    }
+    // An edit must not take the place of a user who reads the tree.
+    if (const auto same = findItems(current, Qt::MatchExactly | Qt::MatchRecursive);
+        !same.isEmpty()) {
+        setCurrentItem(same.first(), 0, QItemSelectionModel::NoUpdate);
     }
     for (int i = 0; i < columnCount(); ++i) {
         resizeColumnToContents(i);
@@ -131,6 +148,7 @@ void Outline::reportSelection()
         // A link has its action as the parent.
         ids << idOf(item->parent() != nullptr ? *item->parent() : *item);
     }
+    ids.removeAll(QString()); // of notes
     // An action may be selected together with its links.
     ids.removeDuplicates();
     m_selected = ids;

@@ -1,6 +1,7 @@
 // The document finds the problems in the background; this list only shows them.
 #include "studio/shell/views/problem_list.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "studio/document/graph_document.h"
 
 #include <QStyle>
@@ -73,8 +74,7 @@ void ProblemList::fill()
         auto *const item = new QTreeWidgetItem(this, {problem.action, problem.text});
         item->setIcon(0, style()->standardIcon(iconOf(problem.kind)));
         item->setData(0, kActionRole, problem.action);
-        // A tool tip shows a text with "<" as HTML.
-        item->setToolTip(1, problem.text.toHtmlEscaped());
+        item->setToolTip(1, plainToolTip(problem.text));
     }
     resizeColumnToContents(0);
     Q_EMIT countChanged(static_cast<int>(problems.size()));

@@ -164,8 +164,8 @@ void PropertyView::refresh()
         return;
     }
     const QString &id = m_ids.first();
-    // A name that is being typed stays.
-    if (!m_name->isModified()) {
+    // A name that is being typed stays, and so does the selection of one that is going to be.
+    if (!m_name->isModified() && m_name->text() != id) {
         m_name->setText(id);
     }
     if (const QString comment = m_document->comment(id); comment != m_comment->toPlainText()) {

@@ -1,6 +1,7 @@
 // Both lists are opened by Enter or a double click; tool tips have the full names of the files.
 #include "studio/shell/views/start_page.h"
 
+#include "corvanta/edit/shown_text.h"
 #include "studio/shell/preferences/settings.h"
 #include "studio/shell/views/examples.h"
 
@@ -26,7 +27,7 @@ QListWidgetItem *addItem(QListWidget *list, const QString &file, const QString &
     const QString text = remark.isEmpty() ? title : title + u'\n' + remark;
     auto *const item = new QListWidgetItem(text, list); // the list owns it
     item->setData(kFileRole, file);
-    item->setToolTip(QDir::toNativeSeparators(file));
+    item->setToolTip(plainToolTip(QDir::toNativeSeparators(file)));
     return item;
 }
 

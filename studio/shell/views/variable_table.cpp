@@ -39,6 +39,7 @@ VariableTable::VariableTable(QWidget *parent)
     // Also in the context menu, for users who do not know the key.
     auto *const remove = new QAction(tr("Remove the variable"), m_table);
     remove->setObjectName(u"removeVariable"_s);
+    remove->setStatusTip(tr("Remove the selected variable of the graph"));
     remove->setShortcut(QKeySequence::Delete);
     // In the editor of a cell the key deletes letters.
     remove->setShortcutContext(Qt::WidgetShortcut);
