@@ -30,7 +30,7 @@ std::optional<bool> evaluate(const QString &text)
     }
     std::vector<const uchar *> row;
     std::vector<MetaInfo> types;
-    std::vector<bool> hasNumbers;
+    std::vector<TextOrder> orders;
     for (qsizetype i = 0; i < parsed->columns.size(); ++i) {
         const uchar *const choices[] = {cells.ab + 1, cells.seven + 1, cell::missingTextCell(),
                                         reinterpret_cast<const uchar *>(&cells.key),
@@ -39,10 +39,11 @@ std::optional<bool> evaluate(const QString &text)
         row.push_back(choices[choice]);
         types.push_back(choice < 3 ? MetaInfo()
                                    : MetaInfo(choice == 3 ? cell::Type::Key : cell::Type::Double));
-        hasNumbers.push_back(choice == 1);
+        orders.push_back(choice == 1 ? TextOrder::Numbers
+                                     : static_cast<TextOrder>(2 * (i / 5 % 2)));
     }
     const RowView view{row.data(), parsed->columns.constData(), types.data(), int(row.size())};
-    auto bound = Condition::bind(*parsed, view, hasNumbers);
+    auto bound = Condition::bind(*parsed, view, orders);
     if (!bound) {
         return std::nullopt;
     }
