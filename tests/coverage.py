@@ -33,7 +33,7 @@ MAX_CORPUS_BYTES = 100_000
 
 
 def targets():
-    return sorted(path.name.removesuffix("_fuzz.cpp") for path in (ROOT / "fuzz").glob("*_fuzz.cpp"))
+    return sorted(path.name.removesuffix("_fuzz.cpp") for path in (ROOT / "fuzz").rglob("*_fuzz.cpp"))
 
 
 def build():

@@ -406,6 +406,8 @@ class CommandLine(Case):
                 "head in.csv my": "one file is required, and 'my' is one too many",
                 "convert in.csv .": "'.' is a folder, not a file; './' writes a CSV file per table into it",
                 "convert in.pdf o.csv": "no action reads files with the extension of 'in.pdf' (supported: csv ",
+                "convert in.csv report": "no action writes files with the extension of 'report' (supported: csv txt tsv tab json jsonl ndjson xml parquet "
+                                         "xlsx sas7bdat xpt; --to FORMAT names the format of a file with another name)",
                 "describe readXSV": "unknown action 'readXSV'; the nearest known name is 'readCSV' (\"corvanta actions\" lists all actions)"}.items():
             self.assertIn(f": {text}", self.corvanta(*words.split(" ") if words else (), status=2).stderr)
 

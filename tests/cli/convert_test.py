@@ -210,6 +210,10 @@ class Levels(Case):
         self.put("case.json", '[{"A":1,"A":2,"a":3,"b":{"c":4,"C":5,"C":6}}]')
         self.convert("case.json", "out.csv")
         self.assertEqual(self.rows_of("out.csv"), [["A[0]", "A[1]", "a", "c", "C[0]", "C[1]"], ["1", "2", "3", "4", "5", "6"]])
+        # So have attributes, which no index can distinguish, also in records that lack some of them.
+        self.put("case.xml", '<r><o A="1" a="2"/><o a="3"/><o b="4" A="5"/></r>')
+        self.convert_cleanly("case.xml", "out.csv")
+        self.assertEqual(self.rows_of("out.csv"), [["A", "a", "b"], ["1", "2", ""], ["", "3", ""], ["5", "", "4"]])
 
     def test_text_and_values_next_to_the_records_are_not_records(self):
         error = "\nInternal Server Error 500\n"

@@ -273,7 +273,12 @@ class Rows(Case):
                             (("--rename", "a"), "--rename 'a' is not of the form OLD=NEW")):
             self.convert("in.csv", "out.csv", *words, status=2)
             self.assertIn(text, self.said)
-        for words in (("--where", "nope > 1"), ("--where", "a >"), ("--sort", "nope"), ("--select", "nope")):
+        self.convert("none.csv", "out.csv", "--where", "a >", status=2)
+        self.assertIn("--where 'a >': invalid expression at character 4: expected a column", self.said)
+        self.convert("in.csv", "out.csv", "--where", "a is null or a = bob", status=1)
+        self.assertIn("the input has no column 'bob'", self.said)
+        self.assertIn("; a text is put in single quotes ('bob')", self.said)
+        for words in (("--where", "nope > 1"), ("--sort", "nope"), ("--select", "nope")):
             self.convert("in.csv", "out.csv", *words, status=1)
         self.assertEqual(self.names(), ["in.csv", "t.json"])
 
@@ -356,6 +361,23 @@ class Folders(Case):
         self.assertEqual(self.rows_of("out/orders.csv"), [["id", "city"], ["1", "Oslo"], ["2", "Rome"], ["3", "Bonn"]])
         self.assertEqual(self.rows_of("out/lines.csv"), [["orders_id", "p", "n"], ["1", "pen", "2"], ["1", "ink", "1"], ["3", "cap", "7"]])
         self.assertEqual(self.rows_of("out/notes.csv"), [["orders_id", "t"], ["1", "a"], ["1", "b"]])
+
+    def test_parts_that_no_table_reads_are_reported_once(self):
+        text = json.dumps({**self.DOCUMENT, "version": 3, "more": {"note": "x", "places": [{"z": 1}, {"z": 2}], "dates": [{"y": 1}, {"y": 2}]}})
+        self.put("dump.json", text)
+        self.convert("dump.json", "out/")
+        self.assertEqual([name for name in self.names() if "/" in name],
+                         [f"out/{name}.csv" for name in ("dates", "lines", "notes", "orders", "people", "places")])
+        self.assertEqual(self.said.count("not read"), 2, self.said)
+        for part in ("(count: 1, first 'version' at", "(count: 1, first 'note' at"):
+            self.assertIn(part, self.said)
+        self.put("dump.json", json.dumps(self.DOCUMENT))
+        self.convert("dump.json", "out/")
+        self.assertEqual(self.said, "")
+        self.put("shop.xml", "<s><i>x</i><as><a n='1'><b>1</b><b>2</b></a><a n='2'><b>1</b></a></as><cs><c>1</c><c>2</c></cs></s>")
+        self.convert("shop.xml", "xml/")
+        self.assertEqual(self.said.count("not read"), 1, self.said)
+        self.assertIn("(count: 2, first 'i' at", self.said)  # few values without others inside are not a table
 
     def test_nothing_is_left_of_an_input_that_cannot_be_read(self):
         self.put("bad.json", '{"a":[1,2')

@@ -65,7 +65,7 @@ class Signals(unittest.TestCase):
                 process.kill()
                 self.fail(f"{what}: not ended by signal {number}")
         is_complete = target is not None and target in self.files()
-        # An interrupted run says what it has kept, and schema that it looked at the first rows only.
+        # An interrupted run says what it has kept, and schema that it examined only the first rows.
         messages = "".join(line for line in messages.splitlines(True)
                            if not line.startswith("Warning: interrupted; ") and not line.startswith("Info: The types of the columns are"))
         self.assertIn((process.returncode, messages), [(128 + number, ""), (0, "")][:1 + is_complete], what)

@@ -143,6 +143,40 @@ class Found(Case):
         self.assertEqual(self.read("out.csv").splitlines()[2], ",2,13,,,2026-01-31,1,1")
         self.assertIn("null", self.corvanta("head", "in.json", "--reader", "nullIsMissing=0").stdout)
 
+    def test_json_values_are_copied_as_they_are(self):
+        values = ['1', '"x"', '""', 'null', 'true', '1.50', '"12"', '"null"', '1e3', '-0', '12345678901234567890', '"q\\u0001\\"\\\\\\/\\n"', '"\u00e9\U0001f600"']
+        self.put("in.json", "[" + ",".join(f'{{"m":{value},"k":{i}}}' for i, value in enumerate(values)) + "]")
+        self.put("more.jsonl", '{"k":-1,"m":"y","z":[false,"2"]}\n')
+        wanted = [json.loads(value) for value in values]
+        for words in (("in.json", "out.jsonl"), ("in.json", "out.jsonl", "--sort", "-k", "--rename", "m=n"), ("in.json", "out.jsonl", "--where", "k >= 0"),
+                      ("in.json", "more.jsonl", "out.jsonl", "--union", "--add-file-name", "--limit", "13")):
+            self.corvanta("convert", *words)
+            found = [list(json.loads(line).values())[0] for line in self.read("out.jsonl").splitlines()]
+            self.assertEqual([repr(value) for value in found], [repr(value) for value in (wanted[::-1] if "--sort" in words else wanted)], words)
+        self.assertIn('"in.json"', self.read("out.jsonl").replace(str(self.folder.resolve()) + "/", ""))
+        self.assertIn('{"m":1.50,"k":5}', self.corvanta("convert", "in.json", "-", "--to", "jsonl").stdout)
+        # Compared as texts, and not JSON.
+        self.put("odd.json", '[{"m":"b"},{"m":7},{"m":NaN},{"m":012},{"m":"t\tb"}]')
+        self.assertEqual(self.corvanta("convert", "odd.json", "-", "--to", "jsonl").stdout, '{"m":"b"}\n{"m":7}\n{"m":"NaN"}\n{"m":"012"}\n{"m":"t\\tb"}\n')
+        self.assertEqual(self.corvanta("convert", "odd.json", "-", "--to", "jsonl", "--where", "\"m\" = 'b'").stdout, '{"m":"b"}\n')
+        self.put("float.json", '[{"a":1.256}]')
+        self.assertEqual(self.corvanta("convert", "float.json", "-", "--to", "jsonl", "--writer", "floatToString=%.2f").stdout, '{"a":1.26}\n')
+        self.assertEqual(self.corvanta("convert", "in.json", "-", "--to", "jsonl", "--types", "text", "--limit", "1").stdout, '{"m":"1","k":"0"}\n')
+
+    def test_numbers_of_records_have_types(self):
+        self.put("in.json", '{"a":{"x":[{"n":1},{"n":2}],"y":[{"n":3}]}}')
+        graph = ("<graph><action id='in'><readJSON fileName='in.json' outputSubTags='1' types='%s'><Level initialPath='a'><e path='' number='1' name='i'/>"
+                 "</Level><Level initialPath=''><e path='' number='1' name='j'/><e path='n' name='n'/></Level></readJSON></action>"
+                 "<action id='out'><writeCSV fileName='out.csv'/></action><link from='in:0' to='out:0'/></graph>")
+        for letters in ("", "U,K,U,F,K", "J,J,J,U,J"):
+            self.put("g.graph", graph % letters)
+            self.corvanta("run", "g.graph")
+            name, none = ('"""%s"""', '""""""') if "J" in letters else ("%s", '""')
+            self.assertEqual(self.read("out.csv").splitlines()[1:], [f"{name % parent},{number},{none},{n},{n}" for parent, number, n in
+                                                                     (("x", 1, 1), ("x", 1, 2), ("y", 2, 3))], letters)
+        self.put("g.graph", graph % "K")
+        self.assertIn("'x' is not of type K", self.corvanta("run", "g.graph", status=1).stderr)
+
     def test_levels_in_levels(self):
         self.put("in.json", '{"orders":[{"id":1,"lines":[{"s":2.5},{"s":3}]},{"id":2,"lines":[{"s":4}]}]}')
         self.assertEqual([text.split("=")[1] for text in self.types("in.json")], ["integer K", "decimal F"])
@@ -171,9 +205,22 @@ class Found(Case):
         self.put("cut.dbf", header[:20])
         self.assertIn("The columns of 'cut.dbf' are texts: the file could not be examined",
                       self.corvanta("convert", "cut.dbf", "cut.xlsx", status=1).stderr)
+        self.put("cut.xls", b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1" + bytes(600))
+        self.assertIn("Dates and booleans of 'cut.xls' are texts or numbers: the file could not be examined",
+                      self.corvanta("convert", "cut.xls", "cut.xlsx", status=1).stderr)
         self.assertEqual(self.read("out.csv"), "C,N,D,L,T\n2.5,7.25,20260131,1,20260131 04:30:05\n1,12,00000000,0,\n")
         self.assertIn("record 1, column 'N': '7.25' is not of type K",
                       self.corvanta("convert", "in.dbf", "out.csv", "--reader", "types=F,K", status=1).stderr)
+
+    def test_encodings_of_dbase(self):
+        header = struct.pack("<BxxxIHH20x", 3, 1, 65, 5) + struct.pack("<11sc4xB15x", b"T", b"C", 4) + b"\r"
+        self.put("in.dbf", header + b" " + "\u043c\u0438\u0440".encode("cp866") + b" ")
+        for name in ("cp866", "IBM866"):
+            self.assertEqual(self.corvanta("convert", "in.dbf", "-", "--to", "csv", "--encoding", name).stdout, "T\n\u043c\u0438\u0440\n")
+        said = self.corvanta("convert", "in.dbf", "-", "--to", "csv", "--encoding", "cp866", "--print-graph")
+        self.assertIn("The graph needs the option --system-encoding cp866", said.stderr)
+        self.assertIn("encoding='1'", said.stdout)
+        self.assertIn("--encoding: the encoding 'nope' is unknown", self.corvanta("head", "in.dbf", "--encoding", "nope", status=2).stderr)
 
     def test_a_sample_is_marked_and_all_rows_can_be_examined(self):
         self.put("in.csv", "a\n" + "1\n" * 200000 + "x\n")
@@ -227,7 +274,7 @@ class Given(Case):
         self.assertEqual(self.read("out.csv"), 'a,b\n1,2.5\n,""\n,7\n')
         self.assertIn("only a column of texts (type U) can have this value",
                       self.corvanta("convert", "in.json", "out.csv", "--reader", "types=K,F", status=1).stderr)
-        for types, text in (("K,Q", "Error: readJSON: 'Q' is not a column type (K, F, U)"), ("K,U,U", "Error: readJSON: 3 column types for 2 columns"),
+        for types, text in (("K,Q", "Error: readJSON: 'Q' is not a column type (K, F, U, J)"), ("K,U,U", "Error: readJSON: 3 column types for 2 columns"),
                             ("K,F", "line 1, column 'b': '' is not of type F"), ("U,U,F,1", "is not a column type")):
             self.assertIn(text, self.corvanta("convert", "in.json", "out.csv", "--reader", f"types={types}", status=1).stderr)
         self.put("big.json", '[{"a":4294967294},{"a":1e400}]')

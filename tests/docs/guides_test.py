@@ -15,7 +15,7 @@ import unittest
 
 CORVANTA = pathlib.Path(sys.argv.pop(1)).resolve()
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-PAGES = [pathlib.Path(name) for name in sys.argv[1:]] or [*sorted((ROOT / "docs/cookbook").glob("*.md")), ROOT / "docs/guide/start.md"]
+PAGES = [pathlib.Path(name) for name in sys.argv[1:]] or [*sorted((ROOT / "docs/cookbook").glob("*.md")), ROOT / "docs/guide/start.md", ROOT / "docs/guide/batch.md"]
 BLOCK = re.compile(r"^<!-- copy (?P<copy>\S+)(?: as (?P<name>\S+))? -->$|(?P<before>[^\n]*)\n+```(?P<language>\w*)\n(?P<text>.*?)^```$", re.MULTILINE | re.DOTALL)
 
 

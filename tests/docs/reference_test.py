@@ -107,6 +107,14 @@ class Manual(unittest.TestCase):
             page = (SHARE / f"man/man7/corvanta-{action['type']}.7").read_text(encoding="utf-8")
             self.assertEqual([name for name in names_of(action["parameters"]) if f".SS {name.replace('.', '/')}\n" not in page], [], action["type"])
 
+    def test_editor_has_a_page(self):
+        editor = pathlib.Path(CORVANTA).parent / "corvanta-studio"
+        if not editor.exists():
+            self.skipTest("no editor")
+        page = (SHARE / "man/man1/corvanta-studio.1").read_text(encoding="utf-8").replace("\\-", "-")
+        text = subprocess.run([editor, "--help"], check=True, capture_output=True, text=True).stdout
+        self.assertEqual([name for name in re.findall(r"(?<!\S)--?[a-z]+", text) if name not in page], [])
+
     @unittest.skipUnless(shutil.which("groff"), "no groff")
     def test_pages_are_valid(self):
         files = sorted(str(file) for file in (SHARE / "man").rglob("*.[157]"))
@@ -132,10 +140,16 @@ class Log(unittest.TestCase):
         self.assertEqual([name for name in sorted(found) if f"`{name}`" not in page], [])
 
 
+WITH_PROGRAM = {**os.environ, "PATH": f"{pathlib.Path(CORVANTA).parent}:{os.environ['PATH']}"}
+# The names of the columns of a file that completions open.
+ELEMENTS = (ROOT / "examples/elements.csv").read_text(encoding="utf-8").splitlines()[0].split(",")
+
+
 class Completions(unittest.TestCase):
     def bash(self, line, folder=ROOT / "examples"):
         script = f'source "{BASH}"; COMP_LINE=$1 COMP_POINT=${{#1}}; _corvanta; printf "%s\\n" "${{COMPREPLY[@]}}"'
-        done = subprocess.run(["bash", "-c", script, "bash", line], cwd=folder, capture_output=True, text=True, check=True)
+        done = subprocess.run(["bash", "-c", script, "bash", line], cwd=folder, capture_output=True, text=True, check=True,
+                              env=WITH_PROGRAM)
         self.assertEqual(done.stderr, "")
         return done.stdout.split()
 
@@ -153,7 +167,11 @@ class Completions(unittest.TestCase):
         self.assertEqual(self.bash("corvanta convert elements.csv.gz out.xlsx --reader nullV"), ["nullValues="])
         self.assertEqual(self.bash("corvanta convert elements.csv out --to parq"), ["parquet"])
         self.assertEqual(self.bash("corvanta run main.graph --out-dir doc"), ["documents"])
+        self.assertEqual(self.bash("corvanta run main.graph --inputs elem"), ["elements.csv"])
         self.assertEqual(self.bash("corvanta frobnicate x"), [])
+        self.assertEqual(self.bash("corvanta convert elements.csv out.xlsx --select "), ELEMENTS)
+        self.assertEqual(self.bash(f"corvanta convert elements.csv out.xlsx --sort {ELEMENTS[0]},-{ELEMENTS[1][:3]}"), [f"{ELEMENTS[0]},-{ELEMENTS[1]}"])
+        self.assertEqual(self.bash("corvanta convert none.csv out.xlsx --select "), [])
 
     def test_all_options_in_the_other_shells(self):
         zsh, fish = ZSH.read_text(encoding="utf-8"), FISH.read_text(encoding="utf-8")
@@ -171,17 +189,19 @@ class Completions(unittest.TestCase):
     @unittest.skipUnless(shutil.which("zsh"), "no zsh")
     def test_zsh(self):
         for line, offered in (("corvanta con", "convert"), ("corvanta convert elements.csv out.xlsx --writer sheetN", "sheetName"),
-                              ("corvanta run m", "main.graph"), ("corvanta describe writeE", "writeExcel")):
+                              ("corvanta run m", "main.graph"), ("corvanta describe writeE", "writeExcel"),
+                              (f"corvanta convert elements.csv out.xlsx --select {ELEMENTS[1][:3]}", ELEMENTS[1])):
             done = subprocess.run(["zsh", "-f", "-c", ZPTY, "zsh", str(ZSH.parent), line], cwd=ROOT / "examples", capture_output=True, text=True,
-                                  check=True, timeout=60)
+                                  check=True, timeout=60, env=WITH_PROGRAM)
             self.assertIn(offered, done.stdout.rpartition(line[-9:] + "\t")[2] or done.stdout, line)
 
     @unittest.skipUnless(shutil.which("fish"), "no fish")
     def test_fish(self):
         for line, first in (("corvanta conv", "convert"), ("corvanta describe writeE", "writeExcel"), ("corvanta run m", "main.graph"),
-                            ("corvanta convert elements.csv out.xlsx --writer sheetN", "sheetName=")):
+                            ("corvanta convert elements.csv out.xlsx --writer sheetN", "sheetName="),
+                            ("corvanta convert elements.csv out.xlsx --select x,num", "x,number")):
             with tempfile.TemporaryDirectory() as home:
-                environment = {**os.environ, "PATH": f"{pathlib.Path(CORVANTA).parent}:{os.environ['PATH']}", "HOME": home}
+                environment = {**WITH_PROGRAM, "HOME": home}
                 done = subprocess.run(["fish", "--no-config", "-c", f"source {FISH}; complete -C '{line}'"], cwd=ROOT / "examples", env=environment,
                                       capture_output=True, text=True, check=True)
             self.assertEqual(done.stdout.partition("\t")[0].split()[:1], [first], line)
@@ -195,14 +215,14 @@ class Dependencies(unittest.TestCase):
         known = tuple(name + "." for entry in self.listed for name in entry["libraries"]) + tuple(
             name + "-" for entry in self.listed for name in entry["libraries"])
         build = pathlib.Path(CORVANTA).parents[1]
-        files = [CORVANTA, *build.glob("lib/*.so"), *build.glob("lib/corvanta/plugins/*.so")]
+        files = [CORVANTA, *build.glob("bin/corvanta-studio"), *build.glob("lib/*.so"), *build.glob("lib/corvanta/plugins/*.so")]
         text = "".join(subprocess.run(["readelf", "-d", str(file)], capture_output=True, text=True, check=True).stdout for file in files)
         needed = set(re.findall(r"NEEDED.*\[(.*)\]", text))
         self.assertGreater(len(needed), 10)
         self.assertEqual([name for name in needed if not name.startswith((*known, "libCorvanta", "libasan", "libubsan", "libtsan"))], [])
 
     def test_list_agrees_with_the_build(self):
-        files = [ROOT / "CMakeLists.txt", *(file for folder in ("base", "codecs", "host", "io", "panels", "actions", "plugin", "cli")
+        files = [ROOT / "CMakeLists.txt", *(file for folder in ("base", "codecs", "host", "io", "panels", "actions", "plugin", "cli", "studio")
                                             for file in (ROOT / folder).rglob("CMakeLists.txt"))]
         text = "".join(file.read_text(encoding="utf-8") for file in files)
         found = set(re.findall(r"find_package\((\w+)", text)) | set(re.findall(r"find_library\((\w+?)_(?:\w+_)?LIBRARY", text))

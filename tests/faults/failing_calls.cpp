@@ -18,8 +18,8 @@
 
 namespace {
 
-constexpr int kMostFiles = 1024;
-std::array<std::atomic<bool>, kMostFiles> g_isOurs; // by descriptor: a file below the folder
+constexpr int kMaxFiles = 1024;
+std::array<std::atomic<bool>, kMaxFiles> g_isOurs; // by descriptor: a file below the folder
 std::atomic<long> g_count = 0;
 
 const char *variable(const char *name)
@@ -53,13 +53,13 @@ bool isOurs(const char *path)
 
 bool isOurs(int file)
 {
-    return file >= 0 && file < kMostFiles && g_isOurs[static_cast<size_t>(file)];
+    return file >= 0 && file < kMaxFiles && g_isOurs[static_cast<size_t>(file)];
 }
 
 /// Remember the new descriptor `file`.
 int opened(int file, bool ours)
 {
-    if (file >= 0 && file < kMostFiles) {
+    if (file >= 0 && file < kMaxFiles) {
         g_isOurs[static_cast<size_t>(file)] = ours;
     }
     return file;

@@ -66,6 +66,10 @@ CASES = [
     Case("join", ["run", "join.graph"], ["join.csv"],
          join(CSV, CSV, "<join type='2'><keys><s>k</s></keys></join>", "<writeCSV fileName='join.csv'/>")),
     Case("union", ["run", "union.graph"], ["union.csv"], join(CSV, "<readCSV fileName='in.csv'/>", "<union/>", "<writeCSV fileName='union.csv'/>")),
+    Case("merge", ["merge", "merged.parquet", "in.parquet"], ["merged.parquet"]),
+    Case("merge_csv", ["merge", "merged.csv", "in.csv", "--union"], ["merged.csv"]),
+    Case("merge_json", ["merge", "merged.json", "in.json"], ["merged.json"]),
+    Case("merge_book", ["merge", "merged.xlsx", "in.csv", "part.parquet"], ["merged.xlsx"]),
     Case("from_parquet", ["convert", "in.parquet", "out.csv"], ["out.csv"]),
     Case("from_json", ["convert", "in.json", "out.parquet"], ["out.parquet"], leaves="*_TMP"),
     Case("from_xml", ["convert", "in.xml", "out.json"], ["out.json"]),
@@ -109,6 +113,7 @@ class Folder:
         shutil.copy(SPSS, self.path / "in.sav")
         for name in ("in.parquet", "in.json", "in.xml", "book.xlsx"):
             subprocess.run(self.command(["convert", "in.csv", name]), check=True, cwd=self.path, stderr=subprocess.DEVNULL)
+        shutil.copy(self.path / "in.parquet", self.path / "part.parquet")
         for case in CASES:
             if case.graph:
                 (self.path / f"{case.name}.graph").write_text(case.graph)

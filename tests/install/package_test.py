@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """The Debian packages are complete, and the archive runs wherever it is unpacked: package_test.py CPACK BUILD
 
-Packing is tested without installing anything: the packages are unpacked into an empty root. Skips what needs tools
-that are missing.
+dpkg installs the packages into an empty root with a database of its own, and removes them. Skips what needs tools that
+are missing.
 """
 import os
 import pathlib
@@ -37,6 +37,16 @@ class Packages(unittest.TestCase):
     def tearDownClass(cls):
         cls.temporary.cleanup()
 
+    def dpkg(self, *words):
+        """With the root "root", as if it were the whole system. ldconfig would change this one."""
+        for folder in ("root/var/lib/dpkg/info", "root/var/lib/dpkg/updates", "bin"):
+            (self.folder / folder).mkdir(parents=True, exist_ok=True)
+        (self.folder / "root/var/lib/dpkg/status").touch()
+        (self.folder / "bin/ldconfig").write_text("#!/bin/sh\n", encoding="utf-8")
+        (self.folder / "bin/ldconfig").chmod(0o755)
+        return run("fakeroot", "dpkg", f"--root={self.folder / 'root'}", "--log=/dev/null", "--force-script-chrootless", "--force-depends", "--force-not-root",
+                   *words, env={"PATH": f"{self.folder / 'bin'}:{os.environ['PATH']}:/usr/sbin:/sbin"})
+
     def test_archive_runs_where_it_is_unpacked(self):
         [archive] = self.folder.glob("*.tar.gz")
         target = self.folder / "any where"
@@ -54,8 +64,9 @@ class Packages(unittest.TestCase):
             self.assertIn(library, depends)
         self.assertRegex(run("dpkg-deb", "-f", packages["corvanta-dev"], "Depends"), r"corvanta \(= [0-9.]+\), qt6-base-dev")
         root = self.folder / "root"
-        for name, package in packages.items():
-            run("dpkg-deb", "-x", package, root)
+        self.dpkg("-i", *packages.values())
+        self.assertEqual(self.dpkg("--audit"), "")
+        for name in packages:
             self.assertTrue((root / "usr/share/doc" / name / "copyright").is_file())
         program = root / "usr/bin/corvanta"
         for binary in [program, *root.glob("usr/lib/**/*.so*")]:
@@ -64,6 +75,13 @@ class Packages(unittest.TestCase):
         run(program, "run", root / "usr/share/corvanta/examples/main.graph", "--out-dir", self.folder / "out", env=env)
         self.assertTrue((self.folder / "out/elements.xlsx").is_file())
         self.assertTrue((root / "usr/include/corvanta/run.h").is_file())
+        # Where programs of Debian look for them; the folder of zsh is its own.
+        for name in ("man/man1/corvanta.1.gz", "man/man7/corvanta-readCSV.7.gz", "zsh/vendor-completions/_corvanta",
+                     "bash-completion/completions/corvanta", "fish/vendor_completions.d/corvanta.fish"):
+            self.assertTrue((root / "usr/share" / name).is_file(), name)
+        self.assertEqual(list(root.glob("usr/share/man/**/*.[157]")), [])
+        self.dpkg("--purge", *packages)
+        self.assertEqual(os.listdir(root), ["var"])
         if shutil.which("lintian"):
             run("lintian", "--fail-on", "error", "--allow-root", *packages.values())
 

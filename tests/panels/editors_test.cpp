@@ -11,7 +11,9 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QDropEvent>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -21,7 +23,10 @@
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBrowser>
+#include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -119,6 +124,11 @@ TEST(Editors, ANumberHasItsRangeAndUnit)
     box->selectAll();
     QTest::keyClicks(box, u"1200"_s);
     EXPECT_EQ(editor.last(), u"120"_s) << "1200 is out of range";
+    const Editor limit(
+        info, [](const FieldContext &context) { return new NumberEditor(context, u"all rows"_s); });
+    EXPECT_EQ(limit.find<QSpinBox>()->text(), u"all rows"_s);
+    QTest::keyClick(limit.find<QSpinBox>(), Qt::Key_Up);
+    EXPECT_EQ(limit.last(), u"1"_s);
 }
 
 TEST(Editors, TheWheelChangesOnlyTheFieldWithTheFocus)
@@ -344,6 +354,58 @@ TEST(Editors, AFileIsMarkedDroppedAndMadeRelative)
     Q_EMIT menu->aboutToShow();
     menu->actions().last()->menu()->actions().first()->trigger();
     EXPECT_EQ(editor.last(), u"${graphDir}"_s + name);
+}
+
+TEST(Editors, AMemberOfAnArchiveIsChosenFromItsList)
+{
+    const QTemporaryDir folder;
+    const QString archive = folder.filePath(u"a.zip"_s); // as every Office document
+    ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTA_SOURCE_DIR "/examples/documents/report.docx"),
+                            archive));
+    ParameterInfo info = infoOf(Type::Text);
+    info.file = ParameterInfo::File::Input;
+    const Editor editor = editorOf(info);
+    editor->showValue(archive + u"@old.xml"_s);
+    QMenu *const menu = editor.find<QToolButton>(u"browse"_s)->menu();
+    Q_EMIT menu->aboutToShow();
+    QStringList offered;
+    QTimer::singleShot(0, [&] {
+        auto *const dialog = qobject_cast<QInputDialog *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        offered = dialog->comboBoxItems();
+        dialog->setTextValue(u"word/document.xml"_s);
+        dialog->accept();
+    });
+    menu->actions()[1]->trigger();
+    EXPECT_TRUE(offered.contains(u"word/document.xml"_s));
+    EXPECT_EQ(editor.last(), archive + u"@word/document.xml"_s);
+}
+
+TEST(Editors, AWrittenFileIsOpenedAndNeverRun)
+{
+    const QTemporaryDir folder;
+    QTextBrowser desktop; // takes the place of the program that the desktop would start
+    QDesktopServices::setUrlHandler(u"file"_s, &desktop, "setSource");
+    ParameterInfo info = infoOf(Type::Text);
+    info.file = ParameterInfo::File::Output;
+    const Editor editor = editorOf(info);
+    auto *const open = editor.find<QToolButton>(u"open"_s);
+    editor->showValue(u"${unknown}.json"_s);
+    EXPECT_FALSE(open->isEnabled());
+    for (const QString &name : {u"a.json"_s, u"a.sh"_s}) {
+        const QString file = folder.filePath(name);
+        editor->showValue(file);
+        QTest::mouseClick(open, Qt::LeftButton);
+        QTRY_COMPARE_WITH_TIMEOUT(QToolTip::text(), u"The file does not exist yet"_s, 10000);
+        QToolTip::hideText();
+        QFile written(file);
+        ASSERT_TRUE(written.open(QIODevice::WriteOnly) && written.write("[]") == 2);
+        written.close();
+        QTest::mouseClick(open, Qt::LeftButton); // as after a run
+        const QString opened = name.endsWith("json"_L1) ? file : folder.path();
+        QTRY_COMPARE_WITH_TIMEOUT(desktop.source(), QUrl::fromLocalFile(opened), 10000);
+    }
+    QDesktopServices::unsetUrlHandler(u"file"_s);
 }
 
 TEST(Editors, AStructureIsEditedInATreeAndKeepsWhatItDoesNotKnow)

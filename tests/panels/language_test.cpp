@@ -1,4 +1,5 @@
 // Panels in another language: every text comes from the catalogue.
+#include "panels/preview/preview_run.h"
 #include "tests/panels/panel_support.h"
 
 #include <QAbstractButton>
@@ -141,6 +142,8 @@ TEST(Languages, ProblemsOfValuesAreTranslated)
         {1, "<filter where='a = &quot;b'/>"},
         {1, "<filter where='a = ?'/>"},
         {2, "<readStat fileName='a' fileFormat='9' encoding='none'/>"},
+        {1, "<mergeFiles fileName='a.xml'/>"},
+        {1, "<mergeFiles fileName='a.csv'><parts><s>b.json</s></parts></mergeFiles>"},
         {1, "<readXML fileName='a' encoding='none'/>"},
         {1, "<readJSON fileName='a' types='X'/>"},
         {1, "<writeDocTable output='a'><v colWidths='-1'/></writeDocTable>"},
@@ -156,6 +159,20 @@ TEST(Languages, ProblemsOfValuesAreTranslated)
         for (qsizetype i = 0; i < english.size(); ++i) {
             EXPECT_NE(translated[i], english[i]);
         }
+    }
+}
+
+TEST(Languages, MessagesOfRunsAreEnglish)
+{
+    const panels::French french;
+    for (const QByteArray &element :
+         {"<readCSV fileName='a' types='X'/>"_ba, "<readCSV fileName='a' quote='12'/>"_ba,
+          "<readJSON fileName='a' types='X'><Level><e path='b'/></Level></readJSON>"_ba}) {
+        const panels::Action action = panels::fromXml(element);
+        const QString problem =
+            corvanta::previewRows(corvanta::requestOf(*action), EngineRunner::PinOut, {})
+                .problem.text;
+        EXPECT_TRUE(problem.contains(" is not "_L1)) << problem.toStdString();
     }
 }
 

@@ -188,7 +188,7 @@ TEST(WriteLevels, FieldsFollowTheTypeAndThePreviewFollowsTheFields)
     QTest::keyClick(levels.field(u"type"_s)->focusProxy(), Qt::Key_Down); // some columns
     EXPECT_TRUE(levels.field(u"columns"_s)->isVisible());
     EXPECT_TRUE(levels.field(u"p1"_s)->isVisible());
-    EXPECT_EQ(levels.tree()->currentItem()->toolTip(0), u"No column is chosen"_s);
+    EXPECT_EQ(levels.tree()->currentItem()->toolTip(0), u"<p>No column is chosen</p>"_s);
     auto *const search = levels.control<QLineEdit>(u"columns"_s);
     QTest::keyClicks(search, u"name"_s);
     QTest::keyClick(search, Qt::Key_Return);
@@ -215,7 +215,7 @@ TEST(WriteLevels, AnErrorIsShownInPlaceAndLevelsAreCalledByName)
     EXPECT_EQ(textsOf(*called), (QStringList{QString(), u"inner"_s}));
     called->lineEdit()->selectAll();
     QTest::keyClicks(called, u"x"_s);
-    EXPECT_EQ(levels.tree()->currentItem()->toolTip(0), u"There is no level 'x'"_s);
+    EXPECT_EQ(levels.tree()->currentItem()->toolTip(0), u"<p>There is no level 'x'</p>"_s);
     EXPECT_TRUE(QTest::qWaitFor([&] { return preview->toPlainText().isEmpty(); }));
     const QList<QLabel *> labels = levels.editor->findChildren<QLabel *>();
     EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
@@ -260,7 +260,8 @@ TEST(Charts, TagsOfTheTemplateAreOfferedAndOthersMarked)
         u"Chart"_s);
     auto *const add = charts.editor->findChild<QPushButton *>();
     ASSERT_TRUE(QTest::qWaitFor([&] { return add->isVisible(); }, 10000));
-    EXPECT_EQ(charts.tree()->topLevelItem(0)->toolTip(0), u"The template has no tag 'gone'"_s);
+    EXPECT_EQ(charts.tree()->topLevelItem(0)->toolTip(0),
+              u"<p>The template has no tag 'gone'</p>"_s);
     EXPECT_EQ(charts.editor->problem().text, u"input pin 0 has no column 'old'"_s);
     QTest::mouseClick(add, Qt::LeftButton);
     EXPECT_GE(charts.tree()->topLevelItemCount(), 2);
@@ -277,6 +278,26 @@ TEST(Charts, TagsOfTheTemplateAreOfferedAndOthersMarked)
     EXPECT_FALSE(boxes[6]->isHidden()) << "a bar chart has error bars";
     QTest::keyClick(charts.field(u"type"_s)->focusProxy(), Qt::Key_End);
     EXPECT_TRUE(boxes[6]->isHidden()) << "a radar chart has none";
+}
+
+TEST(Charts, AChosenTemplateBringsItsCharts)
+{
+    const Structure charts("<writeReport template='' output='o.docx' nPinIn='1'><Chart type='4' "
+                           "name='gone'><axis pinIdx='0'>old</axis></Chart></writeReport>",
+                           u"Chart"_s);
+    auto *const line = charts.panel->findChild<QWidget *>(u"template"_s)->findChild<QLineEdit *>();
+    QTest::keyClicks(line, QStringLiteral(CORVANTA_SOURCE_DIR "/templates/office/bar.docx"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return charts.value().contains("name='data'"_L1); }, 10000));
+    EXPECT_TRUE(charts.value().contains(">old</axis>"_L1)) << "the user decides";
+    // Undo brings back another template with its charts, and adds none.
+    ActionParameters &parameters = panels::parametersOf(charts.action);
+    parameters.setParameterValue(parameters.indexOfParameter(u"Chart"_s), {});
+    parameters.setParameterValue(parameters.indexOfParameter(u"template"_s),
+                                 QStringLiteral(CORVANTA_SOURCE_DIR "/templates/office/line.docx"));
+    static_cast<UpdateClassWidget *>(charts.panel.get())->refresh();
+    auto *const add = charts.editor->findChild<QPushButton *>();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return add->isVisible(); }, 10000));
+    EXPECT_EQ(charts.value(), QString());
 }
 
 TEST(Charts, PinsAreAddedAndRemovedByTheAction)
@@ -318,6 +339,33 @@ TEST(DocTables, AreAddedWithTheirPins)
     QTest::keyClick(tables.table(), Qt::Key_Delete);
     EXPECT_EQ(tables.action->pinInCount(), 1);
     EXPECT_TRUE(tables.value().contains("markerName='A'"_L1));
+}
+
+TEST(DocTables, MarkersAndStylesOfTheTemplateAreOffered)
+{
+    const Structure tables("<writeDocTable template='" CORVANTA_SOURCE_DIR
+                           "/examples/documents/report.docx' output='o.docx'><v markerName='A' "
+                           "colWidths='' styleID='S'/></writeDocTable>",
+                           u"v"_s);
+    QTableWidget *const table = tables.table();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !table->item(0, 0)->icon().isNull(); }, 10000));
+    const auto offered = [&](int column) {
+        table->setCurrentCell(0, column);
+        QTest::keyClick(table, Qt::Key_F2);
+        auto *const box = table->findChild<QComboBox *>();
+        const QStringList texts = box == nullptr ? QStringList() : textsOf(*box);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        delete box;
+        return texts;
+    };
+    EXPECT_TRUE(offered(0).contains(u"T1"_s)) << offered(0).join(u' ').toStdString();
+    EXPECT_EQ(offered(2), (QStringList{u"TableGrid"_s, u"TableNormal"_s, u"Report"_s}));
+    // What a title means is below the table.
+    table->setCurrentCell(0, 1);
+    const QList<QLabel *> notes = tables.editor->findChildren<QLabel *>();
+    EXPECT_TRUE(std::any_of(notes.begin(), notes.end(), [](const QLabel *note) {
+        return note->isVisible() && note->text().contains("twentieths of a point"_L1);
+    }));
 }
 
 TEST(Structures, KeepWhatTheTableDoesNotDeclare)

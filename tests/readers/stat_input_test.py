@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Statistical files that are cut off, have a wrong name or several data sets; and dates that convert keeps: stat_input_test.py CORVANTA
+"""Statistical files that are truncated, have a wrong name or several data sets; and dates that convert keeps: stat_input_test.py CORVANTA
 
 The rows and messages of whole files are graph cases (graphs/read_stat), real files are in stat_corpus_test.py.
 """
@@ -97,20 +97,20 @@ class StatInput(unittest.TestCase):
             for size in (len(whole) - 1, len(whole) - 80, len(whole) - 800, 640, 700, 100):
                 self.write("cut.xpt", whole[:size])
                 error = self.convert("cut.xpt", "out.csv", status=1)
-                self.assertRegex(error, "ERROR: cannot read the statistical file '.*cut.xpt': (the file is cut off|the file ends in the dictionary|the header announces 2 variables)", size)
+                self.assertRegex(error, "ERROR: cannot read the statistical file '.*cut.xpt': (the file is truncated|the file ends in the dictionary|the header announces 2 variables)", size)
 
     def test_a_stata_file_that_is_cut_in_its_labels(self):
         data = (CASES / "labels/v.dta").read_bytes()
         self.write("cut.dta", data[:data.index(b"<lbl>") + 20])
-        self.assertRegex(self.convert("cut.dta", "out.csv"), "Warning: the statistical file '.*cut.dta' is cut off: it has no end tag, and value labels may be missing\n")
+        self.assertRegex(self.convert("cut.dta", "out.csv"), "Warning: the statistical file '.*cut.dta' is truncated: it has no end tag, and value labels may be missing\n")
 
         self.write("more.dta", data + bytes(100))
-        self.assertNotIn("cut off", self.convert("more.dta", "out.csv"))
+        self.assertNotIn("truncated", self.convert("more.dta", "out.csv"))
         # Older files have no end tag. A label set begins after the rows, with its length.
         old = stata_old([b"one", b"two"])
         for missing, is_cut in ((0, False), (1, True), (30, True), (63, True), (69, True), (72, False)):
             self.write("old.dta", old[:len(old) - missing])
-            self.assertEqual("' is cut off inside its value labels, and some are missing\n" in self.convert("old.dta", "out.csv"), is_cut, missing)
+            self.assertEqual("' is truncated inside its value labels, and some are missing\n" in self.convert("old.dta", "out.csv"), is_cut, missing)
             self.assertEqual(self.table("out.csv"), [["a"], ["1"], ["2"]])
 
     def test_long_texts(self):

@@ -1,4 +1,5 @@
 // The rows of pins: what is read, kept, read again, searched and copied.
+#include "corvanta/edit/shown_text.h"
 #include "studio/data/data_view.h"
 #include "studio/data/summary_model.h"
 #include "tests/studio/studio_folder.h"
@@ -124,6 +125,29 @@ TEST(DataView, MissingAndEmptyCellsDiffer)
     EXPECT_TRUE(missing.data(Qt::FontRole).value<QFont>().italic());
     EXPECT_FALSE(model.index(0, 1).data(Qt::FontRole).isValid());
     EXPECT_EQ(model.headerData(0, Qt::Horizontal, Qt::DisplayRole), u"n\nkey"_s);
+}
+
+/// Tool tips and cells show the bytes of a file, never its markup.
+TEST(ShownText, IsPlainAndShort)
+{
+    const MetaInfo type;
+    EXPECT_EQ(cellData(u"<b>a</b> &\nb", type, Qt::ToolTipRole),
+              u"<p>&lt;b&gt;a&lt;/b&gt; &amp;<br>\nb</p>"_s);
+    EXPECT_EQ(cellData(u"a\r\nb\nc", type, Qt::DisplayRole), u"a\u21b5b\u21b5c"_s);
+    EXPECT_EQ(cellData(QString(201, u'x'), type, Qt::DisplayRole), QString(200, u'x') + u'\u2026');
+    EXPECT_EQ(cellData(QString(200, u'x'), type, Qt::DisplayRole), QString(200, u'x'));
+    EXPECT_EQ(cellData(u"", type, Qt::ToolTipRole), QString());
+    EXPECT_FALSE(cellData(u"a", type, Qt::DecorationRole).isValid());
+    const auto isRight = [](MetaInfo::MetaTypeColumn letter) {
+        return (cellData(u"1", {letter, -1}, Qt::TextAlignmentRole).toInt() & Qt::AlignRight) != 0;
+    };
+    EXPECT_TRUE(isRight(MetaInfo::Key) && isRight(MetaInfo::Float));
+    EXPECT_FALSE(isRight(MetaInfo::Unknown));
+    const TableSchema columns{{u"<a>"_s}, {MetaInfo(MetaInfo::Float, -1)}, {}};
+    EXPECT_EQ(headerData(columns, 0, Qt::Horizontal, Qt::ToolTipRole),
+              u"<p>&lt;a&gt;<br>\nnumber</p>"_s);
+    EXPECT_EQ(headerData(columns, 0, Qt::Vertical, Qt::DisplayRole), 1);
+    EXPECT_FALSE(headerData(columns, 0, Qt::Horizontal, Qt::DecorationRole).isValid());
 }
 
 /// A pin after a writer has the rows that reach the writer, and the file is not written.

@@ -1,5 +1,6 @@
 // A session as a user has it: the graph of the README is built by keys and the mouse alone, saved
-// and run, and its workbook is that of the command.
+// and run, and its workbook is that of the command. On an X server the keys and the mouse are those
+// of the server, and an editor that was killed offers what was not saved.
 #include "corvanta/action_registry.h"
 #include "studio/canvas/canvas_view.h"
 #include "studio/run/log_panel.h"
@@ -8,11 +9,13 @@
 #include "studio/shell/main_window.h"
 #include "studio/shell/preferences/settings.h"
 #include "studio/shell/workspace.h"
+#include "tests/studio/x_input.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QDirIterator>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -24,6 +27,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -63,8 +67,77 @@ QByteArray command(const QStringList &words)
     return process.readAllStandardOutput();
 }
 
-/// A window and the hands of its user.
-class User
+/// The hands of a user: keys and a mouse, of the X server if there is one, else of Qt's tests.
+class Hands : public QObject
+{
+public:
+    Hands() { qApp->installEventFilter(this); }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        if (m_x == nullptr) {
+            QTest::keyClick(focus(), key, modifiers);
+        } else {
+            m_x->key(key, modifiers);
+            settle();
+        }
+    }
+    void type(const QString &text)
+    {
+        for (const QChar letter : text) {
+            if (m_x == nullptr) {
+                QTest::keyClick(focus(), letter.toLatin1()); // the first one may open an editor
+            } else {
+                m_x->letter(letter);
+                settle();
+            }
+        }
+    }
+    void drag(QWidget *widget, QPoint from, QPoint to)
+    {
+        if (m_x == nullptr) {
+            QTest::mousePress(widget, Qt::LeftButton, {}, from);
+            QTest::mouseMove(widget, to);
+            QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
+            return;
+        }
+        m_x->moveTo(widget->mapToGlobal(from));
+        m_x->button(true);
+        for (const int part : {1, 2, 3}) {
+            m_x->moveTo(widget->mapToGlobal(from + (to - from) * part / 3));
+        }
+        m_x->button(false);
+        settle();
+    }
+    void click(QWidget *widget, QPoint place) { drag(widget, place, place); }
+
+private:
+    static QWidget *focus()
+    {
+        QWidget *const widget = QApplication::focusWidget();
+        return widget != nullptr ? widget : QApplication::activeWindow();
+    }
+    /// What a window has got from the server. Each of our gestures ends with a release; a key that
+    /// changes the focus may lose its own.
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        m_isReleased |= watched->isWindowType() && (event->type() == QEvent::KeyRelease ||
+                                                    event->type() == QEvent::MouseButtonRelease);
+        return false;
+    }
+    void settle()
+    {
+        constexpr int kMaxMs = 300;
+        m_isReleased = false;
+        std::ignore = QTest::qWaitFor([this] { return m_isReleased; }, kMaxMs);
+    }
+
+    std::unique_ptr<test::XInput> m_x = test::XInput::connect();
+    bool m_isReleased = false;
+};
+
+/// A window and its user.
+class User : public Hands
 {
 public:
     User()
@@ -73,77 +146,89 @@ public:
         m_window = std::make_unique<MainWindow>(m_registry, m_settings);
         m_window->resize(1500, 950);
         m_window->show();
-        m_window->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        activate();
     }
 
     QString folder() const { return m_folder.path(); }
     const DocumentTab &tab() const { return *m_window->workspace()->current(); }
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::keyClick(focus(), key, modifiers);
-    }
-    void type(const QString &text)
-    {
-        for (const QChar letter : text) {
-            QTest::keyClick(focus(), letter.toLatin1()); // the first one may open an editor
-        }
-    }
     /// Add an action by the search of the palette, and give it another name.
     void addAction(const QString &search, const QString &name)
     {
         press(Qt::Key_Space, Qt::ControlModifier);
         type(search);
         press(Qt::Key_Return);
-        press(Qt::Key_3, Qt::ControlModifier);
-        type(name);
-        press(Qt::Key_Return);
+        rename(name);
     }
     /// Enter a text into the field of a parameter of the selected action.
     void enter(const char *parameter, const QString &text)
     {
         auto *const edit = field<QLineEdit>(parameter);
-        QTest::mouseClick(edit, Qt::LeftButton);
-        edit->selectAll();
-        QTest::keyClicks(edit, text);
-        QTest::keyClick(edit, Qt::Key_Return);
+        click(edit, edit->rect().center());
+        press(Qt::Key_A, Qt::ControlModifier);
+        type(text);
+        press(Qt::Key_Return);
     }
     void check(const char *parameter)
     {
         auto *const box = field<QCheckBox>(parameter);
-        QTest::keyClick(box, Qt::Key_Space);
+        click(box, {box->height() / 2, box->height() / 2});
         EXPECT_TRUE(box->isChecked()) << parameter;
+    }
+    /// Drag the output of an action into the open, and choose the action that gets its rows.
+    void dragToNew(const QString &id, const QString &search, const QString &name)
+    {
+        CanvasView &canvas = *tab().canvas();
+        const QPoint pin = canvas.mapFromScene(canvas.graphScene().node(id)->outputPosition(0));
+        drag(canvas.viewport(), pin, pin + QPoint(80, 60));
+        type(search);
+        press(Qt::Key_Return);
+        activate(); // without an X server a popup takes the focus with it
+        rename(name);
     }
     /// Save as `name`, in the file dialog that opens.
     void saveAs(const QString &name)
     {
-        QTimer::singleShot(100, m_window.get(), [name] {
+        QTimer::singleShot(300, m_window.get(), [this, name] {
             auto *const dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
-            auto *const edit = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
-            edit->selectAll();
-            QTest::keyClicks(edit, name);
-            QTest::keyClick(edit, Qt::Key_Return);
+            dialog->activateWindow(); // as a window manager does
+            EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
+            press(Qt::Key_A, Qt::ControlModifier);
+            type(name);
+            // The first one may end the list of names that completes the text.
+            for (int i = 0; i < 2 && dialog->isVisible(); ++i) {
+                press(Qt::Key_Return);
+            }
+            if (dialog->isVisible()) {
+                dialog->reject(); // the test must not wait for it
+            }
         });
         press(Qt::Key_S, Qt::ControlModifier);
-        m_window->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        activate();
     }
 
 private:
-    QWidget *focus() const
+    void activate()
     {
-        QWidget *const widget = QApplication::focusWidget();
-        return widget != nullptr ? widget : m_window.get();
+        m_window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    }
+    void rename(const QString &name)
+    {
+        press(Qt::Key_3, Qt::ControlModifier);
+        type(name);
+        press(Qt::Key_Return);
     }
     /// The control of a parameter; its group is unfolded first.
     template <class Widget> Widget *field(const char *parameter)
     {
         for (QToolButton *const heading : m_window->findChildren<QToolButton *>(u"heading"_s)) {
             if (heading->property("isFolded").toBool()) {
-                QTest::mouseClick(heading, Qt::LeftButton);
+                heading->click();
             }
         }
+        constexpr int kLayoutMs = 50;
+        QTest::qWait(kLayoutMs);
         auto *const editor = m_window->findChild<QWidget *>(QLatin1StringView(parameter));
         auto *const control = qobject_cast<Widget *>(editor) != nullptr
                                   ? qobject_cast<Widget *>(editor)
@@ -153,7 +238,7 @@ private:
                 area->ensureWidgetVisible(control);
             }
         }
-        QTest::qWait(1); // the layout of the groups
+        QTest::qWait(kLayoutMs);
         return control;
     }
 
@@ -200,7 +285,7 @@ TEST(Session, BuildsAndRunsTheGraphOfTheReadme)
     user.addAction(u"readcsv"_s, u"table"_s);
     user.enter("fileName", u"orders.csv"_s);
     user.enter("types", u"K,F,U,U"_s);
-    user.addAction(u"writeexcel"_s, u"book"_s); // after the selected action
+    user.dragToNew(u"table"_s, u"writeexcel"_s, u"book"_s);
     user.enter("fileNameDestination", u"${outDir}/orders_${year}.xlsx"_s);
     user.check("dateWidths");
     user.check("urlTag");
@@ -212,7 +297,8 @@ TEST(Session, BuildsAndRunsTheGraphOfTheReadme)
     user.press(Qt::Key_Tab);
     user.type(u"2026"_s); // saving ends the edit
     user.press(Qt::Key_S, Qt::ControlModifier);
-    ASSERT_FALSE(user.tab().document()->isModified());
+    ASSERT_FALSE(user.tab().document()->isModified())
+        << user.tab().document()->toXml().toStdString();
     EXPECT_EQ(actionsOf(own + u"/orders.graph"_s), actionsOf(folder + u"/orders.graph"_s))
         << contentOf(own + u"/orders.graph"_s).toStdString();
 
@@ -226,6 +312,96 @@ TEST(Session, BuildsAndRunsTheGraphOfTheReadme)
     EXPECT_EQ(command({u"convert"_s, own + book, u"-"_s, u"--to"_s, u"csv"_s}),
               command({u"convert"_s, folder + book, u"-"_s, u"--to"_s, u"csv"_s}));
     EXPECT_TRUE(contentOf(own + book) == contentOf(folder + book));
+}
+
+/// The program itself in another process, with a folder for its settings and its data.
+class Program
+{
+public:
+    explicit Program(test::XInput &x)
+        : m_x(x)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char *const name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+            environment.insert(QLatin1StringView(name), m_folder.path());
+        }
+        m_process.setProcessEnvironment(environment);
+    }
+    ~Program() { kill(); }
+
+    QString path(const QString &name) const { return m_folder.filePath(name); }
+    void start(const QStringList &files)
+    {
+        m_process.start(QCoreApplication::applicationDirPath() + u"/corvanta-studio"_s, files);
+        ASSERT_TRUE(m_process.waitForStarted());
+    }
+    /// A click on the background of the canvas, which is in the middle of the screen.
+    void activate()
+    {
+        constexpr int kNoDoubleClickMs = 600;
+        m_x.moveTo({800, 500});
+        for (int tries = 0; tries < 20 && !m_x.hasFocus(); ++tries) {
+            m_x.button(true);
+            m_x.button(false);
+            QTest::qWait(kNoDoubleClickMs);
+        }
+        ASSERT_TRUE(m_x.hasFocus());
+    }
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    /// The recovery file that has `text`; empty if there is none.
+    QString recoveryWith(const QByteArray &text) const
+    {
+        QDirIterator files(m_folder.path(), {u"*.recovery"_s}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            if (contentOf(file).contains(text)) {
+                return file;
+            }
+        }
+        return {};
+    }
+
+private:
+    test::XInput &m_x;
+    QTemporaryDir m_folder;
+    QProcess m_process;
+};
+
+TEST(Session, OffersUnsavedWorkAfterItWasKilled)
+{
+    constexpr int kMaxMs = 20000;
+    const auto x = test::XInput::connect();
+    if (x == nullptr) {
+        GTEST_SKIP() << "no X server with XTEST";
+    }
+    Program program(*x);
+    const QString graph = program.path(u"work.graph"_s);
+    write(graph, "<graph>\n  <!-- kept -->\n  <action id='a'><readCSV/></action>\n</graph>\n");
+    program.start({graph});
+    program.activate();
+    x->key(Qt::Key_Space, Qt::ControlModifier);
+    for (const QChar letter : u"sort"_s) {
+        x->letter(letter);
+    }
+    x->key(Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !program.recoveryWith("<sort").isEmpty(); }, kMaxMs));
+    program.kill();
+    EXPECT_FALSE(contentOf(graph).contains("<sort"));
+
+    program.start({}); // with the files of the last session
+    ASSERT_TRUE(QTest::qWaitFor([&] { return x->hasFocus(); }, kMaxMs)); // the question
+    x->key(Qt::Key_R, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !x->hasFocus(); }, kMaxMs));
+    program.activate();
+    x->key(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return contentOf(graph).contains("<sort"); }, kMaxMs));
+    EXPECT_TRUE(contentOf(graph).contains("<!-- kept -->"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return program.recoveryWith("<").isEmpty(); }, kMaxMs));
 }
 
 } // namespace

@@ -33,12 +33,16 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextCursor>
 #include <QTextEdit>
 #include <QTimer>
 #include <QTreeView>
 #include <QTreeWidget>
+#include <QUrl>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -267,6 +271,11 @@ TEST_F(Shell, OutlineShowsLinksAndSelects)
     EXPECT_EQ(canvas().selectedIds(), QStringList{u"book"_s});
     canvas().select({u"table"_s});
     EXPECT_TRUE(outline.topLevelItem(0)->isSelected());
+    outline.topLevelItem(1)->setExpanded(true);
+    document().setComment(u"table"_s, u"x"_s); // an edit keeps what the user has opened
+    QTest::qWait(10);
+    EXPECT_TRUE(outline.topLevelItem(1)->isExpanded());
+    EXPECT_FALSE(outline.topLevelItem(0)->isExpanded());
     document().remove({u"sort"_s});
     QTest::qWait(10);
     EXPECT_EQ(outline.topLevelItemCount(), 2);
@@ -284,6 +293,9 @@ TEST_F(Shell, ProblemsAreListedWhileEditing)
     document().addAction(u"writeJSON"_s, {});
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return !problemOf(u"table"_s) && problemOf(u"writeJSON"_s); }));
+    // The name is not in the text again.
+    EXPECT_FALSE(
+        problems.findItems(u"'fileName' is required and empty"_s, Qt::MatchExactly, 1).isEmpty());
 }
 
 TEST_F(Shell, AsksBeforeChangesAreLost)
@@ -372,8 +384,17 @@ TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
     EXPECT_FALSE(editor.findChild<QLabel *>(u"shortcutConflict"_s)->text().isEmpty());
     enter(QKeySequence(u"Ctrl+R"_s));
     EXPECT_EQ(run->shortcut(), QKeySequence(u"Ctrl+R"_s));
+    // Those of a part of the window; a command of the window may have the same one.
+    tree->setCurrentItem(tree->findItems(u"Data: Find"_s, Qt::MatchExactly).value(0));
+    enter(QKeySequence(u"Ctrl+N"_s));
+    const auto find = [&] { return child<QAction>("dataFind").shortcut(); };
+    EXPECT_EQ(find(), QKeySequence(u"Ctrl+N"_s));
+    tree->setCurrentItem(tree->findItems(u"Data: Reload"_s, Qt::MatchExactly).value(0));
+    enter(QKeySequence(u"Ctrl+N"_s));
+    EXPECT_NE(child<QAction>("dataReload").shortcut(), QKeySequence(u"Ctrl+N"_s));
     shown.reset();
     EXPECT_EQ(window().commands()[u"run.all"_s]->shortcut(), QKeySequence(u"Ctrl+R"_s));
+    EXPECT_EQ(child<QAction>("dataFind").shortcut(), QKeySequence(u"Ctrl+N"_s));
     window().commands().setShortcut(window().commands()[u"run.all"_s], QKeySequence(u"F5"_s));
     EXPECT_FALSE(settings.shortcut(u"run.all"_s));
 }
@@ -408,10 +429,45 @@ TEST_F(Shell, HelpDescribesTheSelectedAction)
     open();
     canvas().select({u"table"_s});
     trigger("help.action");
-    const QString page = child<QTextEdit>("help").toPlainText();
+    auto &help = child<QTextEdit>("help");
+    const QString page = help.toPlainText();
     EXPECT_TRUE(page.contains(u"readCSV"_s));
     EXPECT_TRUE(page.contains(u"sortedOn"_s));
+    // The build has the reference where an installation has it, if it makes HTML.
+    if (QFile::exists(QApplication::applicationDirPath() +
+                      u"/../share/doc/corvanta/html/index.html"_s)) {
+        const QTextCursor link = help.document()->find(u"Examples and messages"_s);
+        const QUrl target(link.charFormat().anchorHref());
+        EXPECT_TRUE(QFile::exists(target.toLocalFile())) << target.toString().toStdString();
+        EXPECT_TRUE(target.path().endsWith(u"/actions/readCSV.html"_s));
+    }
     document().action(u"table"_s)->showHelp(); // an action without a page of its own
+}
+
+/// install_test.py builds the example module against the installed tree and puts it on the search
+/// path.
+TEST_F(Shell, ShowsTheActionsOfOtherModules)
+{
+    if (registry().prototype(u"readPairs"_s) == nullptr) {
+        GTEST_SKIP() << "the example module is not on the search path";
+    }
+    trigger("file.new");
+    trigger("graph.add");
+    auto &search = child<QLineEdit>("paletteSearch");
+    QTest::keyClicks(&search, u"readpairs"_s);
+    QTest::keyClick(&search, Qt::Key_Return);
+    ASSERT_EQ(document().ids().size(), 1);
+    canvas().select(document().ids());
+    const auto lines = window().findChildren<QLineEdit *>();
+    const auto file = std::ranges::find(lines, u"File with a pair on each line."_s,
+                                        [](const QLineEdit *line) { return line->toolTip(); });
+    ASSERT_NE(file, lines.end());
+    QTest::keyClicks(*file, u"a.pairs"_s);
+    EXPECT_TRUE(document().toXml().contains("fileName='a.pairs'")) << document().toXml().data();
+    trigger("edit.undo");
+    EXPECT_EQ((*file)->text(), QString());
+    trigger("help.action");
+    EXPECT_TRUE(child<QTextEdit>("help").toPlainText().contains(u"Text between the name"_s));
 }
 
 TEST_F(Shell, SettingsKeepWhatIsValid)

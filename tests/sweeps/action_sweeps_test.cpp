@@ -1,7 +1,7 @@
 // Every reader and writer under every damage: no crash, no hang, no temporary file, no lost target.
 //
 // The actions run in graphs, loaded from the module as by any host. A normal run samples places;
-// with the argument --exhaustive it tries all.
+// the argument "--places N" tries about N of each input, and so all if N is large.
 #include "base/byte_sink.h"
 #include "codecs/zip/package_writer.h"
 #include "tests/support/graph_folder.h"
@@ -48,7 +48,8 @@ struct Writer
     QByteArray before = {};  ///< writes an old target, or another file that the writer reads
     QStringList leaves = {}; ///< left next to the targets by a failed run
     bool failsWithoutRows = false;
-    QByteArray rows = {}; ///< the table, if it is not the sample; all texts
+    QByteArray rows = {};    ///< the table, if it is not the sample; all texts
+    bool joinsParts = false; ///< it reads its input itself, and has a row per part
     bool updatesInPlace() const { return failsWithoutRows; }
 };
 
@@ -75,6 +76,10 @@ const std::vector<Writer> &writers()
         return "<writeExcel fileNameDestination='" + name + "'/>";
     };
     const QByteArray copy = " fileNameSource='source.xlsx' fileNameDestination='out.xlsx'";
+    const auto merge = [](const QByteArray &output, const QByteArray &part) -> QByteArray {
+        return "<mergeFiles fileName='" + output + "'><parts><s>" + part +
+               "</s></parts></mergeFiles>";
+    };
     const QStringList parts{u"out0.json"_s, u"out1.json"_s, u"out2.json"_s};
     const QStringList documents{u"out0.docx"_s, u"out1.docx"_s, u"out2.docx"_s};
     static const std::vector<Writer> all = {
@@ -134,6 +139,23 @@ const std::vector<Writer> &writers()
          {u"out__0.parquet_TMP"_s, u"out__1.parquet_TMP"_s, u"out__2.parquet_TMP"_s}},
         {"writeSAS", "<writeSAS fileName='out.sas7bdat' autoWidth='1'/>", {u"out.sas7bdat"_s}},
         {"writeSASXPT", "<writeSASXPT fileName='out.xpt' autoWidth='1'/>", {u"out.xpt"_s}},
+        {"mergedCSV", merge("out.csv", "in.csv"), {u"out.csv"_s}, {}, {}, false, {}, true},
+        {"mergedJSON",
+         merge("out.json", "part.json"),
+         {u"out.json"_s},
+         "<writeJSON fileName='part.json'/>",
+         {},
+         false,
+         {},
+         true},
+        {"mergedParquet",
+         merge("out.parquet", "part.parquet"),
+         {u"out.parquet"_s},
+         "<writeParquet file='part.parquet'/>",
+         {},
+         false,
+         {},
+         true},
     };
     return all;
 }
@@ -180,6 +202,9 @@ protected:
     }
     GraphOutcome run(const GraphSettings &settings = {}) const
     {
+        if (GetParam().joinsParts) {
+            return m_folder.runChain({GetParam().element}, settings);
+        }
         const QByteArray reader = hasSample() ? kReadSample : "<readCSV fileName='in.csv'/>";
         return m_folder.runChain({reader, GetParam().element}, settings);
     }
@@ -232,7 +257,8 @@ TEST_P(WriterSweep, BatchesAndYieldsDoNotChangeTheFile)
         for (const bool yields : {false, true}) {
             const GraphOutcome outcome = run({batchRows, yields, -1});
             EXPECT_TRUE(outcome.succeeded);
-            EXPECT_EQ(outcome.rows.size(), hasSample() ? kRows : targets().size());
+            EXPECT_EQ(outcome.rows.size(),
+                      hasSample() && !GetParam().joinsParts ? kRows : targets().size());
             checkAndRestore(outcome);
         }
     }
@@ -308,7 +334,7 @@ struct Reader
     QString input;                                    ///< is damaged
     QByteArray writer;                                ///< writes it; empty: a copy of `sample`
     QByteArray (*pack)(const QByteArray &) = nullptr; ///< is applied to it
-    QString sibling = {};                             ///< a copy of it, which is read before
+    QString sibling = {};                             ///< a copy of it: read before, or replaced
     QString part = {};                                ///< also names the input in messages
     QByteArray sample = "read_xbf/types/all.dbf";     ///< a file of the graph cases
 };
@@ -336,6 +362,10 @@ const std::vector<Reader> &readers()
     };
     const auto table = [](const char *type, const QByteArray &name) -> QByteArray {
         return QByteArray("<") + type + " fileName='" + name + "'/>";
+    };
+    const auto merge = [](const QByteArray &extension) -> QList<QByteArray> {
+        return {"<mergeFiles fileName='out." + extension + "'><parts><s>input." + extension +
+                "</s></parts></mergeFiles>"};
     };
     const QByteArray writeJson = "<writeJSON fileName='input.json'/>";
     const QByteArray writeXml = "<writeXML fileName='input.xml' wellFormed='1'/>";
@@ -409,6 +439,11 @@ const std::vector<Reader> &readers()
          writeParquet,
          nullptr,
          u"input-.parquet"_s},
+        {"mergedParquet", merge("parquet"), u"input.parquet"_s, writeParquet, nullptr,
+         u"out.parquet"_s},
+        {"mergedJSON", merge("json"), u"input.json"_s, writeJson, nullptr, u"out.json"_s},
+        {"mergedCSV", merge("csv.gz"), u"input.csv.gz"_s, "<writeCSV fileName='input.csv.gz'/>",
+         nullptr, u"out.csv.gz"_s},
         stat("readSpss", "input.sav", "read_stat/values/v.sav"),
         stat("readStata", "input.dta", "read_stat/values/v.dta"),
         stat("readSas", "input.sas7bdat", "read_stat/sas/s.sas7bdat"),
@@ -553,8 +588,9 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
-    if (QCoreApplication::arguments().contains(u"--exhaustive"_s)) {
-        g_maxPlaces = kAllPlaces / 2;
+    const QStringList arguments = QCoreApplication::arguments();
+    if (const qsizetype option = arguments.indexOf(u"--places"_s); option >= 0) {
+        g_maxPlaces = arguments.value(option + 1).toInt();
     }
     return RUN_ALL_TESTS();
 }

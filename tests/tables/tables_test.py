@@ -104,7 +104,7 @@ class Filter(Folder):
                                               "single quotes, found the end\n")
         self.check_error(table, where("k = 1 and kk = 2"),
                          "Error: filter: invalid expression 'k = 1 and kk = 2' at character 11: the input has no column 'kk'; the nearest known "
-                         "name is 'k'\n")
+                         "name is 'k'; a text is put in single quotes ('kk')\n")
         self.check_error(table, where("t > 1"), "Error: filter: row 1: column 't' holds texts (here 'abc'), which cannot be compared with the number "
                                                 "1; state its kind ('t=decimal' in 'kinds'; convert: --types), make the text a missing value "
                                                 "(nullValues of readCSV), or write a text in single quotes\n")

@@ -38,6 +38,7 @@ class Writer:
     appends: bool = False  # in place: a killed run may leave more than the old file, never less
     leaves: str = None     # what a failed run leaves in the target's folder
     rows: str = ""         # the table, if it is not that of the others
+    reads: bool = True     # rows; otherwise it reads the file of the table itself
 
 
 WRITERS = [
@@ -63,6 +64,7 @@ WRITERS = [
                f"{name}.docx,{DOCUMENTS}/letter.docx,{name},{DOCUMENTS}/mars.png\n" for name in ("one", "two"))),
     Writer("<writeSAS fileName='one.sas7bdat' autoWidth='1'/>", ["one.sas7bdat"]),
     Writer("<writeSASXPT fileName='one.xpt' autoWidth='1'/>", ["one.xpt"]),
+    Writer("<mergeFiles fileName='merged.csv'><parts><s>in.csv</s></parts></mergeFiles>", ["merged.csv"], reads=False),
 ]
 
 
@@ -97,6 +99,8 @@ class Kill(unittest.TestCase):
 
     def actions(self, number, writer):
         """A writer and what it reads."""
+        if not writer.reads:
+            return f"<action id='a{number}'>{writer.element}</action>"
         reader, source = "", "in"
         if writer.rows:
             source = f"in{number}"

@@ -147,6 +147,11 @@ class SameFile(unittest.TestCase):
                        links="a0 a1,a2 a3")
         self.assertEqual((self.folder / "copy.csv").read_bytes(), old)
         self.assertEqual((self.folder / "big.csv").read_bytes(), (self.folder / "a.csv").read_bytes())
+        # parts of a merge, which have no pin
+        merge = "<mergeFiles fileName='copy.csv'><parts><s>big.csv</s><s>a.csv</s></parts></mergeFiles>"
+        done = self.command(self.graph(CSV.format("b"), "<writeCSV fileName='./big.csv'/>", merge, links="a0 a1"))
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual((self.folder / "copy.csv").read_text().splitlines()[1:], ["0,a0", "1,a1", "2,a2"] * 2)
         # a workbook that is opened with the first row, which comes when the writer would be done
         old, new = CREATE.format("old"), CREATE.format("new")
         copy = "<writeExcel mode='3' fileNameSource='z.xlsx' fileNameDestination='copy.xlsx' sheetName='B'/>"

@@ -21,11 +21,13 @@ namespace {
 
 struct WriterCase
 {
-    const char *element; // the target is the file "link"
+    const char *element; // the target is the file `name`
     const char *start;   // of the bytes of its files
     bool isSequential = true;
     bool appends = false;
     const char *row = nullptr; // the beginning of the only row; its last cell is a text
+    const char *name = "link";
+    bool readsRows = true; // off: it reads the table's file itself
 };
 
 constexpr WriterCase kWriters[] = {
@@ -46,6 +48,8 @@ constexpr WriterCase kWriters[] = {
     {"<writeCSV fileName='link'/>", "k,t\n"},
     {"<writeSAS autoWidth='1' fileName='link'/>", ""}, // the start is zero bytes
     {"<writeSASXPT autoWidth='1' fileName='link'/>", "HEADER RECORD*******LIBRARY HEADER"},
+    {"<mergeFiles fileName='link.csv'><parts><s>in.csv</s></parts></mergeFiles>", "k,t\n", true,
+     false, nullptr, "link.csv", false},
 };
 
 /// GoogleTest would print the bytes of the case, whose addresses differ from build to build.
@@ -92,6 +96,9 @@ protected:
     }
     GraphOutcome runAgain() const
     {
+        if (!GetParam().readsRows) {
+            return m_folder.runChain({GetParam().element});
+        }
         const QByteArray types = GetParam().row != nullptr ? "" : " types='K,U'";
         return m_folder.runChain({"<readCSV fileName='in.csv'" + types + "/>", GetParam().element});
     }
@@ -115,6 +122,9 @@ protected:
         return {text.data(), static_cast<size_t>(qMax<ssize_t>(n, 0))};
     }
 
+    static const char *target() { return GetParam().name; }
+    static QString targetName() { return QString::fromLatin1(target()); }
+
     GraphFolder m_folder;
 };
 
@@ -122,7 +132,7 @@ protected:
 
 TEST_P(TargetFiles, AChainOfLinksStaysAndTheFileAtItsEndIsWritten)
 {
-    link("link", "second");
+    link(target(), "second");
     link("second", "real/third");
     link("real/third", "file");
     for (const QByteArray &old : {QByteArray(), QByteArray("old")}) { // empty: does not exist
@@ -133,21 +143,21 @@ TEST_P(TargetFiles, AChainOfLinksStaysAndTheFileAtItsEndIsWritten)
         EXPECT_TRUE(run().succeeded);
         const QByteArray expected = (GetParam().appends ? old : QByteArray()) + GetParam().start;
         EXPECT_TRUE(m_folder.bytes(u"real/file"_s).startsWith(expected)) << old.toStdString();
-        EXPECT_EQ(linkTarget("link"), "second");
+        EXPECT_EQ(linkTarget(target()), "second");
         EXPECT_EQ(linkTarget("second"), "real/third");
         EXPECT_EQ(linkTarget("real/third"), "file");
-        EXPECT_EQ(names("."), (QStringList{u"in.csv"_s, u"link"_s, u"second"_s}));
+        EXPECT_EQ(names("."), (QStringList{u"in.csv"_s, targetName(), u"second"_s}));
         EXPECT_EQ(names("real"), (QStringList{u"file"_s, u"third"_s}));
     }
 }
 
 TEST_P(TargetFiles, LinksInACircleFailTheRunAndStay)
 {
-    link("link", "second");
-    link("second", "link");
+    link(target(), "second");
+    link("second", target());
     EXPECT_EQ(run().errors.size(), 1);
-    EXPECT_EQ(linkTarget("link"), "second");
-    EXPECT_EQ(names("."), (QStringList{u"in.csv"_s, u"link"_s, u"second"_s}));
+    EXPECT_EQ(linkTarget(target()), "second");
+    EXPECT_EQ(names("."), (QStringList{u"in.csv"_s, targetName(), u"second"_s}));
 }
 
 TEST_P(TargetFiles, APipeIsWrittenDirectly)
@@ -157,7 +167,7 @@ TEST_P(TargetFiles, APipeIsWrittenDirectly)
     }
     const QByteArray pipe = nativePath("real/pipe");
     ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
-    link("link", "real/pipe");
+    link(target(), "real/pipe");
     const int reader = ::open(pipe.constData(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(reader, 0);
     EXPECT_TRUE(run().succeeded);
@@ -165,7 +175,7 @@ TEST_P(TargetFiles, APipeIsWrittenDirectly)
     const ssize_t n = ::read(reader, bytes.data(), bytes.size());
     ::close(reader);
     EXPECT_TRUE(QByteArray(bytes.data(), qMax<ssize_t>(n, 0)).startsWith(GetParam().start));
-    EXPECT_EQ(linkTarget("link"), "real/pipe");
+    EXPECT_EQ(linkTarget(target()), "real/pipe");
     EXPECT_EQ(names("real"), QStringList{u"pipe"_s});
 }
 
@@ -173,8 +183,8 @@ TEST_P(TargetFiles, AFullDiskIsAskedAboutAndRetriedWithoutLoss)
 {
     constexpr int kRows = 20'000;
     ASSERT_TRUE(run(kRows).succeeded);
-    const QByteArray expected = m_folder.bytes(u"link"_s);
-    m_folder.remove(u"link"_s);
+    const QByteArray expected = m_folder.bytes(targetName());
+    m_folder.remove(targetName());
     std::optional<FileSizeLimit> full;
     int questions = 0;
     MainUI::setDiskSpaceQuestion([&](const QString &) {
@@ -186,7 +196,7 @@ TEST_P(TargetFiles, AFullDiskIsAskedAboutAndRetriedWithoutLoss)
     full.emplace(30'000);
     EXPECT_TRUE(runAgain().succeeded);
     EXPECT_EQ(questions, 3);
-    EXPECT_EQ(m_folder.bytes(u"link"_s), expected);
+    EXPECT_EQ(m_folder.bytes(targetName()), expected);
 }
 
 TEST_P(TargetFiles, ADiskThatStaysFullFailsTheRunWithOneErrorAfterTheLastQuestion)
@@ -198,7 +208,7 @@ TEST_P(TargetFiles, ADiskThatStaysFullFailsTheRunWithOneErrorAfterTheLastQuestio
     const GraphOutcome outcome = runAgain();
     EXPECT_EQ(questions, 3);
     EXPECT_EQ(outcome.errors.size(), 1);
-    EXPECT_FALSE(names(".").contains(u"link"_s));
+    EXPECT_FALSE(names(".").contains(targetName()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Writers, TargetFiles, testing::ValuesIn(kWriters), nameOf);

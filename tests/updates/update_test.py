@@ -46,7 +46,7 @@ class UpdateCase(unittest.TestCase):
 
 class ChangedParts(UpdateCase):
     def check(self, attributes, parts, changed=()):
-        """Run an update that succeeds without a word; returns the new members."""
+        """Run an update that succeeds without a message; returns the new members."""
         status, messages = self.update(attributes, parts)
         self.assertEqual((status, messages), (0, []))
         self.assertEqual(files(self.folder), ["book.xlsx"])

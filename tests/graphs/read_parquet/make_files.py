@@ -94,6 +94,7 @@ def with_fewer_values(file, count):
 TABLE = "n,t\n4,a\n,b\n6,c\n7,d\n8,e\n"
 WIDE = [(struct.pack("<q", n), struct.pack("<q", other)) for n, other in ((6, -5), (8, 1 << 53 | 1))]
 put("chunk_too_short", a=with_fewer_values(FIRST, 2))
+put("chunk_overlaps", a=with_fewer_values(FIRST, 2).replace(b"\x16\x52\x26\x08", b"\x16\x7e\x26\x08"))
 put("chunk_of_more_values", a=FIRST.replace(b"\x16\x06\x19\x1c\x19\x3c", b"\x16\x04\x19\x1c\x19\x3c")
     .replace(b"\x16\x06\0(", b"\x16\x04\0("))
 put("integers_of_a_set", a=foreign(TABLE, "K,U", "statistics='1'"), b=foreign(TABLE, "K,U", ""))

@@ -1,0 +1,339 @@
+#!/usr/bin/python3
+"""Does "batch" run all inputs, in local processes and with GNU parallel? batch_test.py CORVANTA
+
+A program named sbatch on the path that this test writes shows what happens when a scheduler rejects a job; slurm_test.py has a real one.
+"""
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import time
+import unittest
+
+from batch_case import GRAPH, PIECES, BatchCase
+
+BatchCase.corvanta = str(pathlib.Path(sys.argv.pop(1)).resolve())
+PARALLEL = shutil.which("parallel")
+WAITS = 20
+
+
+class Batches(BatchCase):
+    def batch(self, *words, status=0, graph="g.graph", **more):
+        done = self.call("batch", graph, "--out-dir", "out", *words, **more)
+        self.assertEqual(done.returncode, status, done.stderr)
+        return done
+
+    def status(self):
+        return json.loads(self.call("batch", "--status", "out/g.batch", "--json").stdout)
+
+    def wait_until(self, condition):
+        end = time.monotonic() + WAITS
+        while not condition():
+            self.assertLess(time.monotonic(), end)
+            time.sleep(0.01)
+
+    def processes(self):
+        """(number, command line) of the processes that have the folder of the test in their words."""
+        found = []
+        for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+            try:
+                line = path.read_text(errors="replace")
+            except OSError:
+                continue  # it has ended
+            found += [(path.parent.name, line)] if str(self.folder) in line else []
+        return found
+
+    def check_failures(self, backend):
+        """One input fails; its command repeats it, and the same batch then has nothing to do."""
+        names = self.write_inputs(9)
+        self.damage(names[4])
+        done = self.batch("--inputs", "in/*.csv", "--backend", backend, "--per-task", "2", "--max-running", "2", "--set", "suffix=it's %1", status=1)
+        self.assertIn(f"9 inputs in 5 tasks to run ({backend}); the folder of the batch is '{self.folder}/out/g.batch'", done.stderr)
+        self.assertIn("8 of 9 inputs done, 1 failed, 24 rows", done.stderr)
+        self.assertIn("Error: 1 input is not done; '", done.stderr)
+        self.assertIn("/failures.tsv' has the causes and the commands that repeat them", done.stderr)
+        self.assertEqual((self.folder / "out/g.batch/failures.tsv").read_text(), done.stdout)
+        title, row = done.stdout.splitlines()
+        self.assertEqual(title, "input\tcause\tlog\tcommand")
+        name, cause, log, command = row.split("\t")
+        self.assertEqual(name, str(self.folder / names[4]))
+        self.assertIn("line 2, column 'k': 'not a number' is not of type K", cause)
+        file, line = log.rsplit(":", 1)
+        message = json.loads(pathlib.Path(file).read_text().splitlines()[int(line) - 1])
+        self.assertEqual((message["message"].strip(), message["input"]), (cause, name))
+        self.assertEqual(self.status(), {"inputs": 9, "done": 8, "failed": 1, "left": 0, "rows": 24, "running": False, "backend": backend, "job": "",
+                                         "failures": [{"input": name, "cause": cause, "log": log, "command": command}]})
+        self.write_inputs(9)
+        for other in set(names) - {names[4]}:  # unchanged
+            os.utime(self.folder / other, ns=self.times[other])
+        environment = {**os.environ, "PATH": f"{os.path.dirname(self.corvanta)}:{os.environ['PATH']}"}
+        subprocess.run(["sh", "-c", command], check=True, env=environment, stderr=subprocess.DEVNULL)
+        self.assertEqual(self.outputs(), self.expected(9, "it's %1"))
+        before = {path: path.stat().st_mtime_ns for path in (self.folder / "out").glob("*.csv")}
+        again = self.batch("--inputs", "in/*.csv", "--backend", backend, "--set", "suffix=it's %1")
+        self.assertIn("9 of 9 inputs done, 27 rows", again.stderr)
+        self.assertEqual(again.stdout, "")
+        self.assertEqual({path: path.stat().st_mtime_ns for path in before}, before)
+
+    def write_inputs(self, *words, **more):
+        names = super().write_inputs(*words, **more)
+        self.times = getattr(self, "times", {name: (0, (self.folder / name).stat().st_mtime_ns) for name in names})
+        return names
+
+    def test_local(self):
+        self.check_failures("local")
+
+    @unittest.skipUnless(PARALLEL, "GNU parallel is not installed")
+    def test_parallel(self):
+        self.check_failures("parallel")
+        self.assertIn("job.sh 5", (self.folder / "out/g.batch/joblog").read_text())
+
+    def check_pieces(self, backend):
+        """Each piece is an input: one that fails is named with its rows, and its command repeats only this one."""
+        self.parquet("in/a.parquet", [30, 30, 30])
+        self.parquet("in/b.parquet", [30, 30])
+        self.write_graph(PIECES.replace(" header='0'", ""))
+        (self.folder / "out/b_2.csv").mkdir(parents=True)  # cannot be written
+        pieces = ["--inputs", "in/*.parquet", "--split-rows", "30", "--backend", backend]
+        words = [*pieces, "--merge", "all.csv"]
+        done = self.batch(*words, status=1)
+        self.assertIn(f"5 inputs in 5 tasks to run ({backend})", done.stderr)
+        self.assertIn("4 of 5 inputs done, 1 failed, 120 rows", done.stderr)
+        self.assertFalse((self.folder / "all.csv").exists())
+        title, row = done.stdout.splitlines()
+        name, cause, log, command = row.split("\t")
+        self.assertEqual(name, f"{self.folder}/in/b.parquet (rows 31 to 60)")
+        file, line = log.rsplit(":", 1)
+        message = json.loads(pathlib.Path(file).read_text().splitlines()[int(line) - 1])
+        self.assertEqual((message["message"].strip(), message["input"]), (cause, name))
+        failure = {"input": name, "cause": cause, "log": log, "command": command}
+        state = {"inputs": 5, "done": 4, "failed": 1, "left": 0, "rows": 120, "running": False, "backend": backend, "job": ""}
+        self.assertEqual(self.status(), {**state, "failures": [failure]})
+        (self.folder / "out/b_2.csv").rmdir()
+        environment = {**os.environ, "PATH": f"{os.path.dirname(self.corvanta)}:{os.environ['PATH']}"}
+        subprocess.run(["sh", "-c", command], check=True, env=environment, stderr=subprocess.DEVNULL)
+        times = {path: path.stat().st_mtime_ns for path in (self.folder / "out").glob("*.csv")}
+        self.assertEqual(len(times), 5)
+        self.assertIn("5 of 5 inputs done, 150 rows", self.batch(*words, "--balance", "size").stderr)
+        self.assertEqual({path: path.stat().st_mtime_ns for path in times}, times)
+        numbers = [str(n) for rows in (90, 60) for n in range(1, rows + 1)]
+        self.assertEqual((self.folder / "all.csv").read_text().split(), ["n", *numbers])
+        # A file that changes runs again with all its pieces; one that is gone is not done.
+        self.parquet("in/b.parquet", [30, 20])
+        self.assertEqual((self.status()["done"], self.status()["left"]), (3, 2))
+        self.assertIn("2 inputs in 2 tasks to run", self.batch(*pieces).stderr)
+        self.assertEqual(len(self.outputs()["b_2.csv"].split()), 21)
+        (self.folder / "in/a.parquet").unlink()
+        self.assertEqual((self.status()["inputs"], self.status()["done"]), (5, 2))
+        self.assertIn(" --shard 3/5 ", self.status()["failures"][2]["command"])
+
+    def test_pieces(self):
+        self.check_pieces("local")
+
+    @unittest.skipUnless(PARALLEL, "GNU parallel is not installed")
+    def test_pieces_with_parallel(self):
+        self.check_pieces("parallel")
+
+    def test_what_has_changed_runs_again(self):
+        self.write_inputs(4)
+        self.batch("--inputs", "in/*.csv")
+        (self.folder / "out/a02_x.csv").unlink()
+        self.batch("--inputs", "in/*.csv")
+        self.assertEqual(len(self.journal("out/g.batch/journal")), 5)
+        self.write_graph(GRAPH.replace("'x'", "'y'"))
+        self.batch("--inputs", "in/*.csv", "--balance", "size")
+        self.assertEqual(self.outputs(), {**self.expected(4), **self.expected(4, "y")})
+        self.batch("--inputs", "in/*.csv", "--no-resume")
+        self.assertEqual(len(self.journal("out/g.batch/journal")), 4)
+
+    def test_crash(self):
+        """A run that ends its program does not keep the other inputs of its task from being run."""
+        names = self.write_inputs(4)
+        self.write_list(names)
+        (self.folder / names[0]).unlink()
+        os.mkfifo(self.folder / names[0])  # its run waits until it is killed
+        words = [self.corvanta, "batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt", "--per-task", "4", "--retries", "1", "--quiet"]
+        running = self.folder / "out/g.batch/journal/shard-1-of-1.running"
+        with subprocess.Popen(words, cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True) as process:
+            for done in (0, 3):
+                self.wait_until(lambda done=done: running.exists() and names[0] in running.read_text() and len(self.outputs()) == done)
+                found = [number for number, line in self.processes() if line.startswith(f"{self.corvanta}\0run\0-")]
+                self.assertEqual(len(found), 1)
+                os.kill(int(found[0]), signal.SIGSEGV)
+                self.wait_until(lambda number=found[0]: not pathlib.Path(f"/proc/{number}").exists())
+            table = process.communicate(timeout=WAITS)[0]
+        self.assertEqual(process.returncode, 139)
+        self.assertIn(f"{names[0]}\tthe program ended during the run of this input\t", table)
+        self.assertEqual(len(table.splitlines()), 2)
+
+    def check_end(self, number, backend, status):
+        """A signal ends all tasks; nothing half-written is left, and the same command continues."""
+        names = self.write_inputs(6)
+        self.write_list(names)  # a pattern does not match pipes
+        for name in names[1:3]:
+            (self.folder / name).unlink()
+            os.mkfifo(self.folder / name)
+        words = [self.corvanta, "batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt", "--backend", backend, "--per-task", "1",
+                 "--max-running", "2"]
+        with subprocess.Popen(words, cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+            self.wait_until(lambda: len(list((self.folder / "out/g.batch/journal").glob("*.running"))) == 2)
+            busy = self.call("batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt")
+            self.assertEqual(busy.returncode, 2)
+            self.assertIn('the batch is running already; "corvanta batch --status ', busy.stderr)
+            self.assertTrue(self.status()["running"])
+            process.send_signal(number)
+            self.assertEqual(process.wait(timeout=WAITS), status)
+        self.wait_until(lambda: not self.processes())
+        self.assertEqual([name for name in self.files() if "out/g.batch" not in name and name.startswith("out/")], ["out/a01_x.csv"])
+        for name in names[1:3]:
+            (self.folder / name).unlink()
+        self.write_inputs(6)
+        self.batch("--inputs", "list.txt", "--backend", backend)
+        self.assertEqual(self.outputs(), self.expected(6))
+
+    def test_signals(self):
+        self.check_end(signal.SIGINT, "local", 130)
+
+    def test_killed(self):
+        self.check_end(signal.SIGKILL, "local", -9)
+
+    @unittest.skipUnless(PARALLEL, "GNU parallel is not installed")
+    def test_signals_with_parallel(self):
+        self.check_end(signal.SIGTERM, "parallel", 143)
+
+    def test_detach(self):
+        self.write_inputs(3)
+        self.assertEqual(self.batch("--inputs", "in/*.csv", "--detach").stdout, f"{self.folder}/out/g.batch\n")
+        self.wait_until(lambda: self.status()["done"] == 3 and not self.status()["running"])
+        self.assertIn("3 of 3 inputs done, 9 rows (not running)", self.call("batch", "--status", "out/g.batch").stdout)
+        self.assertEqual(self.outputs(), self.expected(3))
+
+    def test_job_that_is_held_and_removed(self):
+        self.write_inputs(2)
+        (self.folder / "bin").mkdir()
+        for name, text in [("sbatch", "echo '7;cluster'"), ("squeue", "if [ -e seen ]; then echo 'Invalid job id specified' >&2; exit 1; fi\n"
+                                                                     "touch seen; echo '7_1 PENDING JobHeldAdmin'")]:
+            (self.folder / "bin" / name).write_text(f"#!/bin/sh\ncd {self.folder}\n{text}\n")
+            (self.folder / "bin" / name).chmod(0o755)
+        (self.folder / "out/g.batch").mkdir(parents=True)
+        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--per-task", "1", status=1, variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
+        self.assertIn('Warning: Slurm holds a task: 7_1 PENDING JobHeldAdmin; "scontrol release 7_1" starts it', done.stderr)
+        self.assertIn("Warning: 2 tasks ended without a status (the first is 1) and are started again", done.stderr)
+        self.assertEqual([line.split("\t")[1] for line in done.stdout.splitlines()], ["cause", "not run", "not run"])
+
+    def test_merge(self):
+        """The merged file has the rows of one run for all inputs, in their order, and only if all are done."""
+        names = self.write_inputs(7)
+        self.damage(names[3])
+        words = ["--inputs", "in/*.csv", "--per-task", "2", "--merge", "all.csv"]
+        self.batch(*words, status=1)
+        self.assertFalse((self.folder / "all.csv").exists())
+        self.write_inputs(7)
+        self.batch(*words)
+        for text, name in ((GRAPH, "one.csv"), (GRAPH.replace("writeCSV fileName=", "writeParquet file="), "one.parquet")):
+            self.write_graph(text.replace("${input}", "in/*.csv").replace("${outDir}/${inputStem}_${suffix}.csv", name), "one.graph")
+            self.assertEqual(self.call("run", "one.graph").returncode, 0)
+            self.write_graph(text.replace("}.csv", "}" + pathlib.Path(name).suffix))
+            all_name = "all" + pathlib.Path(name).suffix
+            self.batch("--inputs", "in/*.csv", "--merge", all_name, "--no-resume", "--system-encoding", "windows-1252")
+            rows = [self.call("convert", file, "-", "--to", "csv").stdout for file in (name, all_name)]
+            self.assertEqual(len(rows[0].splitlines()), 22)
+            self.assertEqual(rows[1], rows[0])
+        self.assertEqual((self.folder / "all.csv").read_bytes(), (self.folder / "one.csv").read_bytes())
+
+    def test_merge_of_other_columns(self):
+        self.write_graph(GRAPH.replace(" types='K,U'", ""))
+        for name, text in (("a", "k,t\n1,x\n"), ("b", "t,more\ny,z\n")):
+            (self.folder / f"in/{name}.csv").write_text(text)
+        words = ["--inputs", "in/*.csv", "--merge", "all.csv"]
+        self.assertIn("Error: the merge has failed: ", self.batch(*words, status=1).stderr)
+        self.batch(*words, "--union", "--detach")
+        self.wait_until(lambda: (self.folder / "all.csv").exists() and not self.status()["running"])
+        self.assertEqual((self.folder / "all.csv").read_text(), "k,t,more\n1,x,\n,y,z\n")
+
+    def test_merge_that_fails(self):
+        self.write_inputs(2)
+        self.assertIn("Error: the merge has failed: ", self.batch("--inputs", "in/*.csv", "--merge", "none/all.csv", status=1).stderr)
+        self.assertEqual(self.outputs(), self.expected(2))
+        self.assertEqual((self.folder / "out/g.batch/parts.txt").read_text(), "".join(f"{self.folder}/out/a0{i}_x.csv\n" for i in (1, 2)))
+
+    def test_table_that_cannot_be_written(self):
+        self.damage(self.write_inputs(1)[0])
+        (self.folder / "out/g.batch").mkdir(parents=True)
+        self.batch("--inputs", "in/*.csv", status=1)
+        table = self.folder / "out/g.batch/failures.tsv"
+        table.unlink()
+        table.mkdir()
+        self.assertIn(f"Warning: cannot write '{table}': ", self.batch("--inputs", "in/*.csv", status=1).stderr)
+
+    def test_progress(self):
+        names = self.write_inputs(3)
+        self.write_list(names)
+        (self.folder / names[2]).unlink()
+        os.mkfifo(self.folder / names[2])
+        words = [self.corvanta, "batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt", "--progress", "lines", "--log-format", "json"]
+        with subprocess.Popen(words, cwd=self.folder, stderr=subprocess.PIPE, text=True) as process:
+            self.addCleanup(process.kill)
+            self.assertIn("in 3 tasks to run", json.loads(process.stderr.readline())["message"])
+            line = json.loads(process.stderr.readline())["message"]
+            while line.startswith(("0 of", "1 of")):  # a slow machine
+                line = json.loads(process.stderr.readline())["message"]
+            process.send_signal(signal.SIGTERM)
+            process.communicate(timeout=WAITS)
+            self.assertRegex(line, r"^2 of 3 inputs done, 6 rows, \d+\.\d inputs/s, \d+:\d\d left$")
+        self.assertEqual(process.returncode, 143)
+
+    def test_bad_input(self):
+        self.write_inputs(2)
+        self.write_graph(GRAPH.replace("${inputStem}", "all"), "one.graph")
+        self.write_graph(GRAPH.replace("'K,U'", "'U,U'"), "other.graph")
+        (self.folder / "bin").mkdir()
+        (self.folder / "bin/sbatch").write_text("#!/bin/sh\necho 'sbatch: error: invalid partition' >&2\nexit 1\n")
+        (self.folder / "bin/sbatch").chmod(0o755)
+        (self.folder / "full").mkdir()
+        (self.folder / "full/file").write_text("")
+        path = {"PATH": f"{self.folder}/bin:/usr/bin:/bin"}
+        alone = {"PATH": str(self.folder / "nothing")}
+        inputs = ["--inputs", "in/*.csv"]
+        cases = [
+            ([], "--inputs LIST is required", {}),
+            ([*inputs, "--backend", "cluster"], "--backend must be slurm, parallel or local", {}),
+            ([*inputs, "--per-task", "0"], "--per-task needs a number of at least 1", {}),
+            ([*inputs, "--backend", "slurm"], "--backend slurm: the program 'sbatch' is not on the path", alone),
+            ([*inputs, "--backend", "parallel"], "--backend parallel: the program 'parallel' is not on the path", alone),
+            ([*inputs, "--backend", "slurm"], "the scheduler has rejected the job: sbatch: error: invalid partition", path),
+            ([*inputs, "--folder", "full"], f"the folder '{self.folder}/full' has other files; name another one with --folder", {}),
+            ([*inputs, "--union"], "--union needs --merge", {}),
+            ([*inputs, "--json"], "--json needs --status", {}),
+            (["--inputs", "none.txt"], "--inputs: cannot read the list 'none.txt': ", {}),
+        ]
+        before = self.files()
+        for words, text, variables in cases:
+            with self.subTest(words=words):
+                self.assertIn(text, self.batch(*words, status=2, variables=variables).stderr)
+                self.assertEqual(self.files(), before)
+        for graph, text in [("one.graph", "its name must depend on"), ("-", "a batch needs a graph file, because its tasks read it later")]:
+            self.assertIn(text, self.batch(*inputs, status=2, graph=graph).stderr)
+        two = GRAPH.replace("</graph>", "<action id='b'><writeCSV fileName='${inputStem}.b.csv'/></action><link from='in:0' to='b:0'/></graph>")
+        self.write_graph(two, "two.graph")
+        self.assertIn("--merge needs a graph that writes one file per input; this one writes ",
+                      self.batch(*inputs, "--merge", "all.csv", status=2, graph="two.graph").stderr)
+        for name in ("in/a02.csv", "out/a01_x.csv"):
+            self.assertIn(f"--merge: the file '{self.folder}/{name}' is an input of the batch, or the output of a run",
+                          self.batch(*inputs, "--merge", name, status=2).stderr)
+        self.assertEqual(self.files(), sorted([*before, "two.graph"]))
+        self.batch(*inputs, "--folder", "b")
+        self.assertIn(f"the folder '{self.folder}/b' is of a batch of another graph, '{self.folder}/g.graph'; name another one with --folder",
+                      self.batch(*inputs, "--folder", "b", status=2, graph="other.graph").stderr)
+        done = self.call("batch", "--status", "in")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("'in' is not the folder of a batch: ", done.stderr)
+        (self.folder / "b/batch.json").write_text("{}")
+        self.assertIn("/batch.json' cannot be read: it is not the plan of a batch", self.call("batch", "--status", "b").stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
