@@ -52,7 +52,7 @@ install(FILES README.md CHANGELOG.md DESTINATION share/doc/corvanta COMPONENT do
 install(DIRECTORY docs/ DESTINATION share/doc/corvanta/docs COMPONENT doc FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
 
 # Below /usr the system finds the library by itself, and Debian wants neither search paths in binaries nor manual pages
-# that are not compressed.
+# that are not compressed. Its zsh looks for completions of packages in a folder of its own.
 install(CODE [[
     if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
         set(root "$ENV{DESTDIR}/usr")
@@ -64,6 +64,11 @@ install(CODE [[
         foreach(page IN LISTS pages)
             execute_process(COMMAND gzip -9nf "${page}" COMMAND_ERROR_IS_FATAL ANY)
         endforeach()
+        if(EXISTS "${root}/share/zsh/site-functions/_corvanta")
+            file(MAKE_DIRECTORY "${root}/share/zsh/vendor-completions")
+            file(RENAME "${root}/share/zsh/site-functions/_corvanta" "${root}/share/zsh/vendor-completions/_corvanta")
+            file(REMOVE_RECURSE "${root}/share/zsh/site-functions")
+        endif()
     endif()]] COMPONENT runtime)
 
 # Everything that is installed, and nothing else.

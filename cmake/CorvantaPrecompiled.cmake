@@ -21,5 +21,5 @@ target_precompile_headers(corvanta_precompiled_widgets PRIVATE ${precompiled_wid
 if(BUILD_TESTING)
     corvanta_precompiled(corvanta_precompiled_tests Qt6::Core GTest::gtest)
     target_precompile_headers(corvanta_precompiled_tests PRIVATE ${precompiled_headers} <gtest/gtest.h>)
-    target_compile_options(corvanta_precompiled_tests PRIVATE ${CORVANTA_QUICK_TO_BUILD})
+    target_compile_options(corvanta_precompiled_tests PRIVATE ${CORVANTA_TEST_OPTIONS})
 endif()
