@@ -1,4 +1,4 @@
-// Reads packed inputs: MB/s of unpacked bytes. Compare gzip with: time zcat FILE > /dev/null
+// Reads compressed inputs: MB/s of unpacked bytes. Compare gzip with: time zcat FILE > /dev/null
 #include "corvanta/input_source.h"
 
 #include <QFile>

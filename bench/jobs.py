@@ -1,6 +1,7 @@
 """The whole-program benchmarks: what each job runs, its input and its peer.
 
-Each job is a graph for "corvanta run" that reads a generated file and writes one. The peer does the same from the same file.
+Each job is a graph for "corvanta run", or another command of corvanta, that reads a generated file and writes one. The peers do the same
+from the same file.
 """
 import dataclasses
 import pathlib
@@ -19,6 +20,9 @@ class Job:
     input: str = "sales.csv"
     make_input: tuple = ()     # the program that prints or replaces the input, and its arguments; {rows} is replaced
     rows_divisor: int = 1      # the job has this part of the rows
+    command: tuple = ()        # arguments of corvanta, where it is not "run"
+    also: tuple = ()           # further peers: (command, output); what a peer prints is in the file "stdout"
+    rows_factor: int = 1       # the job has this many times the rows
 
 
 def graph(*actions):
@@ -49,6 +53,9 @@ DUCKDB_ORDERS = ("COPY (WITH o AS (SELECT unnest(orders) AS o FROM read_json('or
                  'SELECT "order", name, city, ' + ", ".join(f"l.{name}" for name in LINE_MEMBERS)
                  + " FROM l) TO 'peer.csv' (HEADER)")
 
+JOIN_MILLER = ("mlr --csv head -n 100000 then cut -o -f id,product,customer sales.csv > few.csv && "
+               "mlr --csv join -j id --rp few_ -f few.csv sales.csv")
+
 PAGE_ITEMS = "".join(f"<e name='{name}' path='[{i}]'/>" for i, name in enumerate(LINE_MEMBERS, 1))
 
 XLRD = ("import csv, xlrd; sheet = xlrd.open_workbook('sales.xls').sheet_by_index(0); "
@@ -58,6 +65,13 @@ XLRD = ("import csv, xlrd; sheet = xlrd.open_workbook('sales.xls').sheet_by_inde
 def converted(ending, *settings):
     """A program that makes an input of another format from the table."""
     return ("corvanta", "convert", "sales.csv", f"sales.{ending}", "--reader", f"types={SALES_TYPES}", *settings)
+
+
+def convert(meaning, source, target, query=None, miller=None, *options, make_input=()):
+    """Runs "corvanta convert", which decides the types; peers: DuckDB and Miller."""
+    return Job(meaning + ("; peers: DuckDB, Miller" if miller else "; peer: DuckDB" if query else ""), "", target,
+               ["duckdb", "-c", query] if query else None, "peer" + target.removeprefix("ours"), input=source, make_input=make_input,
+               command=("convert", source, target, *options), also=((miller, "stdout"),) if miller else ())
 
 
 def stat_read(ending):
@@ -77,15 +91,31 @@ JOBS = {
                                "<filter where=\"price &gt; 50 and city is not null\"><kinds><s>price=decimal</s></kinds></filter>",
                                "<select><columns><s>id</s><s>price</s><s>city</s></columns></select>", "<writeCSV fileName='ours.csv'/>"),
                          "ours.csv", ["duckdb", "-c", "COPY (SELECT id, price, city FROM 'sales.csv' WHERE price > 50 AND city IS NOT NULL) "
-                                                      "TO 'peer.csv' (HEADER)"], "peer.csv"),
-    "sort": Job("CSV to CSV, sorted by a number and a text; peer: DuckDB",
-                graph("<readCSV fileName='sales.csv'/>", "<sort><keys><s>-total</s><s>customer</s></keys><kinds><s>total=decimal</s></kinds></sort>",
+                                                      "TO 'peer.csv' (HEADER)"], "peer.csv",
+                         also=((["mlr", "--csv", "filter", '$price > 50 && is_not_empty($city)', "then", "cut", "-f", "id,price,city",
+                                 "sales.csv"], "stdout"),)),
+    "sort": Job("CSV to CSV, five times the rows, sorted by a number and a text; peer: DuckDB",
+                graph("<readCSV fileName='big.csv'/>", "<sort><keys><s>-total</s><s>customer</s></keys><kinds><s>total=decimal</s></kinds></sort>",
                       "<writeCSV fileName='ours.csv'/>"),
-                "ours.csv", ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv' ORDER BY total DESC NULLS LAST, customer NULLS LAST) "
-                                             "TO 'peer.csv' (HEADER)"], "peer.csv"),
+                "ours.csv", ["duckdb", "-c", "COPY (SELECT * FROM 'big.csv' ORDER BY total DESC NULLS LAST, customer NULLS LAST) "
+                                             "TO 'peer.csv' (HEADER)"], "peer.csv", input="big.csv", make_input=MAKE_PART, rows_factor=5),
     "join": Job("the table joined with three columns of its first 100,000 rows; peer: DuckDB",
                 JOIN_SALES, "ours.csv", ["duckdb", "-c", "COPY (SELECT * FROM 'sales.csv' JOIN (SELECT id, product, customer FROM 'sales.csv' "
-                                                         "LIMIT 100000) USING (id)) TO 'peer.csv' (HEADER)"], "peer.csv"),
+                                                         "LIMIT 100000) USING (id)) TO 'peer.csv' (HEADER)"], "peer.csv",
+                also=((["sh", "-c", JOIN_MILLER], "stdout"),)),
+    "convert_filter": convert("rows and columns of a CSV file by convert", "sales.csv", "ours.csv",
+                              "COPY (SELECT id, price, city FROM 'sales.csv' WHERE price > 50) TO 'peer.csv' (HEADER)",
+                              ["mlr", "--csv", "filter", "$price > 50", "then", "cut", "-f", "id,price,city", "sales.csv"],
+                              "--where", "price > 50", "--select", "id,price,city"),
+    "convert_sort": convert("a CSV file sorted by convert, a million rows", "sales.csv", "ours.csv",
+                            "COPY (SELECT * FROM 'sales.csv' ORDER BY total DESC NULLS LAST, customer NULLS LAST) TO 'peer.csv' (HEADER)",
+                            ["mlr", "--csv", "sort", "-nr", "total", "-f", "customer", "sales.csv"], "--sort", "-total,customer"),
+    "convert_parquet": convert("CSV to typed Parquet by convert", "sales.csv", "ours.parquet",
+                               "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet'"),
+    "convert_json": convert("JSON Lines to typed Parquet by convert", "sales.jsonl", "ours.parquet",
+                            "COPY (SELECT * FROM read_json('sales.jsonl')) TO 'peer.parquet'",
+                            make_input=("make_json.py", "sales.csv", "lines")),
+    "convert_xlsx": convert("CSV to a typed workbook by convert", "sales.csv", "ours.xlsx"),
     "xlsx_write": Job("CSV to a new workbook; peer: libxlsxwriter, constant memory",
                       graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"
                                         "<ToDate><s>day</s></ToDate></writeExcel>"),

@@ -29,7 +29,8 @@ PAIRED_RUNS = 7
 def timed(command, folder):
     """Wall seconds, CPU seconds and peak memory (MiB) of one run."""
     begin = time.monotonic()
-    process = subprocess.Popen(command, cwd=folder)
+    with open(folder / "stdout", "wb") as printed:
+        process = subprocess.Popen(command, cwd=folder, stdout=printed)
     _, status, usage = os.wait4(process.pid, 0)
     wall = time.monotonic() - begin
     process.returncode = os.waitstatus_to_exitcode(status)
@@ -63,52 +64,57 @@ class Bench:
             subprocess.run([*command, *(argument.format(rows=rows) for argument in arguments)],
                            cwd=self.folder, stdout=out, check=True)
 
+    def rows_of(self, job):
+        return self.rows * job.rows_factor // job.rows_divisor
+
     def prepare(self, job):
         (self.folder / "bench.graph").write_text(job.graph)
         if job.make_input:
-            self.make(job.input, job.make_input, self.rows // job.rows_divisor)
+            self.make(job.input, job.make_input, self.rows_of(job))
 
-    def ours(self, bin_folder):
-        return timed([str(bin_folder / "corvanta"), "run", "bench.graph", "--progress", "never"], self.folder)
+    def ours(self, job, bin_folder):
+        return timed([str(bin_folder / "corvanta"), *(job.command or ("run", "bench.graph")), "--progress", "never"], self.folder)
 
-    def peer_of(self, job):
-        """The peer's command; None if the job has none or it is not installed."""
-        program = job.peer and (shutil.which(job.peer[0], path=str(self.bin)) or shutil.which(job.peer[0]))
-        return [program, *job.peer[1:]] if program else None
+    def peers_of(self, job):
+        """The commands and outputs of the job's peers that are installed."""
+        peers = [(job.peer, job.peer_output), *job.also] if job.peer else []
+        found = [(shutil.which(command[0], path=str(self.bin)) or shutil.which(command[0]), command, output) for command, output in peers]
+        return [([program, *command[1:]], output) for program, command, output in found if program]
 
-    def with_peer(self, job, peer):
-        """The figures of ours and of the peer's command (None: no peer); both run in turn."""
-        ours, theirs = [], []
+    def with_peers(self, job, peers):
+        """The figures of ours, and of each peer; all run in turn."""
+        ours, theirs = [], [[] for _ in peers]
         for _ in range(self.runs):
-            ours.append(self.ours(self.bin))
-            if peer:
-                (self.folder / job.peer_output).unlink(missing_ok=True)
-                theirs.append(timed(peer, self.folder))
-        return medians(ours), medians(theirs) if peer else None
+            ours.append(self.ours(job, self.bin))
+            for (command, output), runs in zip(peers, theirs):
+                (self.folder / output).unlink(missing_ok=True)
+                runs.append(timed(command, self.folder))
+        return medians(ours), [medians(runs) for runs in theirs]
 
-    def with_other(self, other_bin):
+    def with_other(self, job, other_bin):
         """The figures of both programs. They run in turn, and each goes first in half of the pairs; the first pair warms up."""
         ours, theirs = [], []
         pair = [(self.bin, ours), (other_bin, theirs)]
         for turn in range(self.runs + 1):
             for bin_folder, runs in pair if turn % 2 else reversed(pair):
-                runs.append(self.ours(bin_folder))
+                runs.append(self.ours(job, bin_folder))
         return medians(ours[1:]), medians(theirs[1:])
 
     def show_speed(self, who, job, figures, output):
-        rows, size = self.rows // job.rows_divisor, (self.folder / job.input).stat().st_size
+        rows, size = self.rows_of(job), (self.folder / job.input).stat().st_size
         show(who, figures, f"  {rows / figures['wall']:12,.0f} rows/s  {size / figures['wall'] / 1e6:7.1f} MB/s in"
                            f"  {(self.folder / output).stat().st_size / 1e6:8.1f} MB out")
 
 
 def measure(bench, job):
-    """Measure and print a job and its peer; our figures."""
-    ours, theirs = bench.with_peer(job, bench.peer_of(job))
+    """Measure and print a job and its peers; our figures."""
+    peers = bench.peers_of(job)
+    ours, theirs = bench.with_peers(job, peers)
     bench.show_speed("corvanta", job, ours, job.output)
-    if theirs:
-        bench.show_speed("peer", job, theirs, job.peer_output)
-        print(f"  {theirs['wall'] / ours['wall']:.1f} times the speed of the peer")
-    elif job.peer:
+    for (command, output), figures in zip(peers, theirs):
+        bench.show_speed(pathlib.Path(command[0]).name, job, figures, output)
+        print(f"  {figures['wall'] / ours['wall']:.1f} times the speed of the peer")
+    if job.peer and not peers:
         print(f"  (no peer: {job.peer[0]} is not installed)")
     return ours
 
@@ -122,13 +128,13 @@ def compare(name, figures, reference):
 
 
 def compare_with_other(bench, job, name, other_bin):
-    return compare(name, *bench.with_other(other_bin))
+    return compare(name, *bench.with_other(job, other_bin))
 
 
 def compare_with_baseline(bench, job, name, baseline):
     if name not in baseline["jobs"]:
         return [f"{name}: not in the baseline; store it with --save"]
-    return compare(name, bench.with_peer(job, None)[0], baseline["jobs"][name])
+    return compare(name, bench.with_peers(job, [])[0], baseline["jobs"][name])
 
 
 def load_baseline():

@@ -1,0 +1,69 @@
+#!/usr/bin/python3
+"""Time of a batch, JSON to Parquet: batch.py CORVANTA [FILES [ROWS [TIMES]]]
+
+Runs a plain loop of "corvanta run", "batch" with one local process, and with two, in turn, and prints the medians. FILES is 1000 and ROWS
+20000 without arguments (2 GB in a temporary folder). Wall times mean something on an otherwise idle machine only.
+"""
+import json
+import pathlib
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+GRAPH = """<graph version='4.12'>
+  <action id='in'><readJSON fileName='${input}'><Level initialPath=''>COLUMNS</Level></readJSON></action>
+  <action id='out'><writeParquet file='${inputStem}.parquet'/></action>
+  <link from='in:0' to='out:0'/>
+</graph>
+"""
+COLUMNS = ["id", "name", "price", "day", "note"]
+
+
+def make_inputs(folder, files, rows):
+    text = json.dumps([{"id": row, "name": f"customer {row * 7919 % 5000}", "price": row * 37 % 10000 / 100,
+                        "day": f"2026-{row % 12 + 1:02}-{row % 28 + 1:02}", "note": "some text " * (row % 3)} for row in range(rows)])
+    (folder / "in").mkdir()
+    for i in range(files):
+        (folder / f"in/f{i:05}.json").write_text(text.replace('"id": 0,', f'"id": {i},', 1), encoding="utf-8")
+    (folder / "g.graph").write_text(GRAPH.replace("COLUMNS", "".join(f"<e name='{name}' path='{name}'/>" for name in COLUMNS)), encoding="utf-8")
+
+
+def plain_loop(corvanta, folder):
+    for path in sorted((folder / "in").iterdir()):
+        subprocess.run([corvanta, "run", "g.graph", "--out-dir", "out", "-q", "--set", f"input={path}", "--set", f"inputStem={path.stem}"],
+                       cwd=folder, check=True)
+
+
+def batch(workers):
+    return lambda corvanta, folder: subprocess.run(
+        [corvanta, "batch", "g.graph", "--inputs", "in/*.json", "--out-dir", "out", "-q", "--max-running", str(workers)], cwd=folder, check=True)
+
+
+def seconds_of(job, corvanta, folder):
+    shutil.rmtree(folder / "out", ignore_errors=True)
+    begin = time.monotonic()
+    job(corvanta, folder)
+    return time.monotonic() - begin
+
+
+def main(corvanta, files=1000, rows=20000, times=3):
+    jobs = {"plain loop": plain_loop, "batch, 1 process": batch(1), "batch, 2 processes": batch(2)}
+    with tempfile.TemporaryDirectory(prefix="corvanta_bench_") as name:
+        folder = pathlib.Path(name)
+        make_inputs(folder, int(files), int(rows))
+        found = {title: [] for title in jobs}
+        for _ in range(int(times)):
+            for title, job in jobs.items():
+                found[title].append(seconds_of(job, corvanta, folder))
+    medians = {title: statistics.median(seconds) for title, seconds in found.items()}
+    for title, seconds in medians.items():
+        print(f"{title:20} {seconds:8.2f} s  {seconds / int(files) * 1000:7.2f} ms per file")
+    print(f"1 process / plain loop: {medians['batch, 1 process'] / medians['plain loop']:.2f}, 2 processes / 1: "
+          f"{medians['batch, 2 processes'] / medians['batch, 1 process']:.2f}")
+
+
+if __name__ == "__main__":
+    main(str(pathlib.Path(sys.argv[1]).resolve()), *sys.argv[2:])
