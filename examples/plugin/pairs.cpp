@@ -173,7 +173,7 @@ PairsPanel::PairsPanel(QWidget *parent, ActionItem *action)
         form->addRow(infos[i].label, edit);
         connect(edit, &QLineEdit::textEdited, this, [=, this](const QString &text) {
             m_parameters->setParameterValue(i, text);
-            MainUI::parameterWasEdited(action, {infos[i].name, text});
+            MainUI::parameterWasEdited(action, {infos[i].name, text, 1}); // letters are one step
         });
         m_edits << edit;
     }
