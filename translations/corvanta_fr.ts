@@ -598,6 +598,14 @@
         <source>Version and modules</source>
         <translation>Version et modules</translation>
     </message>
+    <message>
+        <source>Add &amp;Note...</source>
+        <translation>Ajouter une &amp;note...</translation>
+    </message>
+    <message>
+        <source>Write a note on the canvas that belongs to no action</source>
+        <translation>Écrire sur le canevas une note qui n’appartient à aucune action</translation>
+    </message>
 </context>
 <context>
     <name>Examples</name>
@@ -914,6 +922,46 @@
     <message>
         <source>line feed, or carriage return in a file without line feeds</source>
         <translation>saut de ligne, ou retour chariot dans un fichier sans saut de ligne</translation>
+    </message>
+    <message>
+        <source>all rows</source>
+        <translation>toutes les lignes</translation>
+    </message>
+    <message>
+        <source>All texts; or K,F,U …</source>
+        <translation>Tout en texte ; ou K,F,U …</translation>
+    </message>
+    <message>
+        <source>Type a column and its format: day=dd.MM.yyyy</source>
+        <translation>Taper une colonne et son format : jour=dd.MM.yyyy</translation>
+    </message>
+    <message>
+        <source>no style</source>
+        <translation>aucun style</translation>
+    </message>
+    <message>
+        <source>bold</source>
+        <translation>gras</translation>
+    </message>
+    <message>
+        <source>light blue background</source>
+        <translation>fond bleu clair</translation>
+    </message>
+    <message>
+        <source>bold, light blue background</source>
+        <translation>gras, fond bleu clair</translation>
+    </message>
+    <message>
+        <source>the same sheet, with a warning</source>
+        <translation>la même feuille, avec un avertissement</translation>
+    </message>
+    <message>
+        <source>further sheets</source>
+        <translation>d&apos;autres feuilles</translation>
+    </message>
+    <message>
+        <source>from the header and the first rows</source>
+        <translation>d&apos;après l&apos;en-tête et les premières lignes</translation>
     </message>
 </context>
 <context>
@@ -2057,8 +2105,8 @@
         <translation>Parties omises</translation>
     </message>
     <message>
-        <source>Paths of parts that are left out on purpose: warnUnread does not count them.</source>
-        <translation>Chemins des parties omises volontairement&#xa0;: warnUnread ne les compte pas.</translation>
+        <source>Paths of parts that are left out on purpose: warnUnread does not count them. In the first level, /PATH begins at the document, and /PATH/ leaves out all parts between the records on the way to there.</source>
+        <translation>Chemins des parties omises volontairement&#xa0;: warnUnread ne les compte pas. Au premier niveau, /CHEMIN part du document, et /CHEMIN/ omet toutes les parties entre les enregistrements jusque-là.</translation>
     </message>
     <message>
         <source>Create a multi-level XML file</source>
@@ -3389,6 +3437,18 @@
         <translation>Colonnes de textes dont les nombres, et les mots true et false en majuscules ou en minuscules, sont écrits sans guillemets. Les textes qui ne sont pas des nombres JSON, tels que 007, les gardent.</translation>
     </message>
     <message>
+        <source>Columns of JSON texts</source>
+        <translation>Colonnes de textes JSON</translation>
+    </message>
+    <message>
+        <source>Text columns that hold values of JSON, such as those that readJSON reads with the type J. They are written unchanged, without a check.</source>
+        <translation>Colonnes de textes qui contiennent des valeurs JSON, comme celles que readJSON lit avec le type J. Elles sont écrites telles quelles, sans contrôle.</translation>
+    </message>
+    <message>
+        <source>One letter per column, separated by commas: K (whole number), F (decimal number), U (text), J (text that is a value of JSON: with quotes and escapes if it is a text in the file). Columns without a letter are texts.</source>
+        <translation>Une lettre par colonne, séparées par des virgules&#xa0;: K (nombre entier), F (nombre décimal), U (texte), J (texte qui est une valeur JSON&#xa0;: avec guillemets et échappements s&apos;il est un texte dans le fichier). Les colonnes sans lettre sont des textes.</translation>
+    </message>
+    <message>
         <source>One letter per column, separated by commas: K (whole number), F (decimal number), U (text). Only columns of texts and digits change; those without a letter are texts.</source>
         <translation>Une lettre par colonne, séparées par des virgules&#xa0;: K (nombre entier), F (nombre décimal), U (texte). Seules les colonnes de textes et de chiffres changent&#xa0;; celles sans lettre sont des textes.</translation>
     </message>
@@ -3639,6 +3699,42 @@
     <message>
         <source>The second and later columns of one name get _2, _3, ... Off: they keep the name, which most file formats do not allow.</source>
         <translation>La deuxième colonne d&apos;un même nom et les suivantes reçoivent _2, _3, ... Désactivé : elles gardent le nom, ce que la plupart des formats de fichiers n&apos;autorisent pas.</translation>
+    </message>
+    <message>
+        <source>Number of the first row that is read of each file, from 1. The values of the rows before it are not read.</source>
+        <translation>Numéro de la première ligne lue de chaque fichier, à partir de 1. Les valeurs des lignes précédentes ne sont pas lues.</translation>
+    </message>
+    <message>
+        <source>Number of rows</source>
+        <translation>Nombre de lignes</translation>
+    </message>
+    <message>
+        <source>Number of rows of each file that are read, starting at firstRow; 0: all.</source>
+        <translation>Nombre de lignes lues de chaque fichier, à partir de firstRow ; 0 : toutes.</translation>
+    </message>
+    <message>
+        <source>Number of the first row that is read of each file, from 1. Row groups before it are not decoded.</source>
+        <translation>Numéro de la première ligne lue de chaque fichier, à partir de 1. Les groupes de lignes précédents ne sont pas décodés.</translation>
+    </message>
+    <message>
+        <source>Join files of one format</source>
+        <translation>Réunir des fichiers d’un même format</translation>
+    </message>
+    <message>
+        <source>File to write. Its extension is the format: parquet, csv, tsv, jsonl or json; .gz compresses texts.</source>
+        <translation>Fichier à écrire. Son extension est le format : parquet, csv, tsv, jsonl ou json ; .gz compresse les textes.</translation>
+    </message>
+    <message>
+        <source>The file has every column of every part; values of other parts are missing. Off: all parts must have the same columns in the same order.</source>
+        <translation>Le fichier a toutes les colonnes de toutes les parties ; les valeurs des autres parties manquent. Désactivé : toutes les parties doivent avoir les mêmes colonnes dans le même ordre.</translation>
+    </message>
+    <message>
+        <source>Parts</source>
+        <translation>Parties</translation>
+    </message>
+    <message>
+        <source>Files to join, in this order; patterns such as part-*.parquet stand for the files that they match. All have the format of the output.</source>
+        <translation>Fichiers à réunir, dans cet ordre ; un motif tel que part-*.parquet représente les fichiers qui lui correspondent. Tous ont le format du fichier écrit.</translation>
     </message>
 </context>
 <context>
@@ -3900,8 +3996,8 @@
         <translation>le séparateur &apos;%1&apos; n&apos;est pas un caractère ASCII</translation>
     </message>
     <message>
-        <source>&apos;%1&apos; is not a column type (K, F, U)</source>
-        <translation>&apos;%1&apos; n&apos;est pas un type de colonne (K, F, U)</translation>
+        <source>&apos;%1&apos; is not a column type (%2)</source>
+        <translation>&apos;%1&apos; n&apos;est pas un type de colonne (%2)</translation>
     </message>
     <message>
         <source>&apos;%1&apos; is not a column and a kind (%2), for example price=decimal</source>
@@ -4034,6 +4130,14 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     <message>
         <source>lineEnd=&apos;%1&apos; is neither &apos;lf&apos; nor &apos;auto&apos;</source>
         <translation>lineEnd=&apos;%1&apos; n&apos;est ni &apos;lf&apos; ni &apos;auto&apos;</translation>
+    </message>
+    <message>
+        <source>files such as &apos;%1&apos; cannot be merged; parquet, csv, txt, tsv, tab, jsonl, ndjson and json can be, the texts also with .gz</source>
+        <translation>les fichiers tels que « %1 » ne peuvent pas être réunis ; parquet, csv, txt, tsv, tab, jsonl, ndjson et json le peuvent, les textes aussi avec .gz</translation>
+    </message>
+    <message>
+        <source>the part &apos;%1&apos; does not have the extension of a %2 file, as the output has; convert joins files of several formats</source>
+        <translation>la partie « %1 » n’a pas l’extension d’un fichier %2, comme le fichier écrit ; convert réunit des fichiers de plusieurs formats</translation>
     </message>
 </context>
 <context>
@@ -4201,6 +4305,25 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
 </context>
 <context>
+    <name>corvanta::CellTexts</name>
+    <message>
+        <source>number</source>
+        <translation>nombre</translation>
+    </message>
+    <message>
+        <source>key</source>
+        <translation>clé</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>texte</translation>
+    </message>
+    <message>
+        <source>missing</source>
+        <translation>manquant</translation>
+    </message>
+</context>
+<context>
     <name>corvanta::ChartAxesField</name>
     <message>
         <source>Categories</source>
@@ -4301,6 +4424,13 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
 </context>
 <context>
+    <name>corvanta::ColumnPicker</name>
+    <message>
+        <source>Type a name and press Enter to add it</source>
+        <translation>Taper un nom puis Entrée pour l&apos;ajouter</translation>
+    </message>
+</context>
+<context>
     <name>corvanta::DocTablesEditor</name>
     <message>
         <source>Add an input pin and its table</source>
@@ -4344,6 +4474,14 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Columns in the file: %1.</source>
         <translation>Colonnes du fichier : %1.</translation>
     </message>
+    <message>
+        <source>Type a name and press Enter to add it</source>
+        <translation>Taper un nom puis Entrée pour l&apos;ajouter</translation>
+    </message>
+    <message>
+        <source>Type a name and press Enter; without one, all are read</source>
+        <translation>Taper un nom puis Entrée ; sans nom, tout est lu</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::FileField</name>
@@ -4386,6 +4524,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     <message>
         <source>The file does not exist yet</source>
         <translation>Le fichier n&apos;existe pas encore</translation>
+    </message>
+    <message>
+        <source>Open the written file</source>
+        <translation>Ouvrir le fichier écrit</translation>
     </message>
 </context>
 <context>
@@ -4468,16 +4610,16 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Colonnes qui peuvent être ajoutées</translation>
     </message>
     <message>
-        <source>Type a name and press Enter to add it</source>
-        <translation>Taper un nom puis Entrée pour l&apos;ajouter</translation>
-    </message>
-    <message>
         <source>Search, or type a name and press Enter</source>
         <translation>Rechercher, ou taper un nom puis Entrée</translation>
     </message>
     <message>
         <source>The input has no such column</source>
         <translation>L&apos;entrée n&apos;a pas cette colonne</translation>
+    </message>
+    <message>
+        <source>Type a text and press Enter to add it</source>
+        <translation>Taper un texte puis Entrée pour l&apos;ajouter</translation>
     </message>
 </context>
 <context>
@@ -4644,25 +4786,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
 </context>
 <context>
-    <name>corvanta::RowsModel</name>
-    <message>
-        <source>number</source>
-        <translation>nombre</translation>
-    </message>
-    <message>
-        <source>key</source>
-        <translation>clé</translation>
-    </message>
-    <message>
-        <source>text</source>
-        <translation>texte</translation>
-    </message>
-    <message>
-        <source>missing</source>
-        <translation>valeurs manquantes</translation>
-    </message>
-</context>
-<context>
     <name>corvanta::StructureEditor</name>
     <message>
         <source>(empty)</source>
@@ -4792,20 +4915,24 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Graphe</translation>
     </message>
     <message>
-        <source>Tab goes from action to action, arrows move them, Alt+arrows follow links, L draws a link, K goes from link to link.</source>
-        <translation>Tab passe d&apos;une action à l&apos;autre, les flèches les déplacent, Alt+flèches suit les liens, L trace un lien, K passe d&apos;un lien à l&apos;autre.</translation>
-    </message>
-    <message>
         <source>“%1” has no output.</source>
         <translation>«&#xa0;%1&#xa0;» n&apos;a pas de sortie.</translation>
     </message>
     <message>
-        <source>Link from “%1” to “%2”</source>
-        <translation>Lien de «&#xa0;%1&#xa0;» à «&#xa0;%2&#xa0;»</translation>
-    </message>
-    <message>
         <source>Add %1</source>
         <translation>Ajouter %1</translation>
+    </message>
+    <message>
+        <source>Tab goes from action to action, arrows move them, Alt+arrows follow links, L draws a link, K goes from link to link, N from note to note.</source>
+        <translation>Tab passe d’une action à l’autre, les flèches les déplacent, Alt+flèches suit les liens, L trace un lien, K passe d’un lien à l’autre, N d’une note à l’autre.</translation>
+    </message>
+    <message>
+        <source>Note</source>
+        <translation>Note</translation>
+    </message>
+    <message>
+        <source>Text:</source>
+        <translation>Texte&#xa0;:</translation>
     </message>
 </context>
 <context>
@@ -4951,7 +5078,7 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
     <message>
         <source>No file is written; the rows are those that reach &apos;%1&apos;</source>
-        <translation>Aucun fichier n&apos;est écrit ; les lignes sont celles qui arrivent à « %1 »</translation>
+        <translation>Aucun fichier n&apos;est écrit ; les lignes sont celles qui arrivent à «&#xa0;%1&#xa0;»</translation>
     </message>
 </context>
 <context>
@@ -5182,6 +5309,22 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>“%1” has changed while it was read.</source>
         <translation>«&#xa0;%1&#xa0;» a changé pendant sa lecture.</translation>
     </message>
+    <message>
+        <source>Remove note</source>
+        <translation>Supprimer la note</translation>
+    </message>
+    <message>
+        <source>Add note</source>
+        <translation>Ajouter une note</translation>
+    </message>
+    <message>
+        <source>Edit note</source>
+        <translation>Modifier la note</translation>
+    </message>
+    <message>
+        <source>Move note</source>
+        <translation>Déplacer la note</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::GraphRun</name>
@@ -5216,6 +5359,14 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>No other action can get the rows of “%1”.</source>
         <translation>Aucune autre action ne peut recevoir les lignes de «&#xa0;%1&#xa0;».</translation>
     </message>
+    <message>
+        <source>It replaces the link from “%1”.</source>
+        <translation>Il remplace le lien venant de «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Move the selection</source>
+        <translation>Déplacer la sélection</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::HelpView</name>
@@ -5226,6 +5377,21 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     <message>
         <source>Select an action and press F1 to see its description here.</source>
         <translation>Sélectionnez une action et appuyez sur F1 pour voir sa description ici.</translation>
+    </message>
+</context>
+<context>
+    <name>corvanta::studio::LinkItem</name>
+    <message>
+        <source>Link from “%1” to “%2”</source>
+        <translation>Lien de «&#xa0;%1&#xa0;» vers «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>output %1 to input %2</source>
+        <translation>sortie %1 vers entrée %2</translation>
+    </message>
+    <message>
+        <source>%1, %2 rows</source>
+        <translation>%1, %2 lignes</translation>
     </message>
 </context>
 <context>
@@ -5456,6 +5622,10 @@ Actions&#xa0;: %2</translation>
         <source>output %1 to %2</source>
         <translation>sortie %1 vers %2</translation>
     </message>
+    <message>
+        <source>Note</source>
+        <translation>Note</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::Overview</name>
@@ -5525,7 +5695,7 @@ Actions&#xa0;: %2</translation>
     </message>
     <message>
         <source>&apos;%1&apos; is a pipe or a device: a run could not read its rows again.</source>
-        <translation>« %1 » est un tube ou un périphérique : une exécution ne pourrait pas relire ses lignes.</translation>
+        <translation>«&#xa0;%1&#xa0;» est un tube ou un périphérique : une exécution ne pourrait pas relire ses lignes.</translation>
     </message>
     <message>
         <source>No rows reach this pin: it has no link, or its action is unknown.</source>
@@ -5630,25 +5800,6 @@ Actions&#xa0;: %2</translation>
     <message>
         <source>Actions</source>
         <translation>Actions</translation>
-    </message>
-</context>
-<context>
-    <name>corvanta::studio::RowsModel</name>
-    <message>
-        <source>number</source>
-        <translation>nombre</translation>
-    </message>
-    <message>
-        <source>key</source>
-        <translation>clé</translation>
-    </message>
-    <message>
-        <source>text</source>
-        <translation>texte</translation>
-    </message>
-    <message>
-        <source>missing</source>
-        <translation>manquant</translation>
     </message>
 </context>
 <context>
@@ -5882,6 +6033,10 @@ Actions&#xa0;: %2</translation>
     <message>
         <source>Set variable %1</source>
         <translation>Définir la variable %1</translation>
+    </message>
+    <message>
+        <source>Remove the selected variable of the graph</source>
+        <translation>Supprimer la variable sélectionnée du graphe</translation>
     </message>
 </context>
 <context>

@@ -24,13 +24,15 @@ def value_words(option, catalogue):
 
 
 def value_kind(option):
-    """words, file, folder, reader, writer, variable or text."""
+    """words, file, folder, reader, writer, columns, variable or text."""
     name, value = option["names"][-1], option["value"]
+    if name in ("--select", "--sort", "--rename", "--where"):
+        return "columns"
     if name in ("--reader", "--writer"):
         return name[2:]
     if name == "--set":
         return "variable"
-    return {"DIR": "folder", "FILE": "file"}.get(value, "text")
+    return {"DIR": "folder", "FILE": "file", "LIST": "file", "OUT": "file"}.get(value, "text")
 
 
 def argument_extensions(kind, catalogue):
@@ -104,6 +106,20 @@ _corvanta_words() {
     fi
 }
 
+# Adds the columns of the first input. Of a list, only what follows the last comma is completed. Names with blanks, commas or quotes are left out.
+_corvanta_columns() {
+    local before='' names
+    [[ $cur == *,* ]] && before=${cur%,*},
+    [[ ${cur#"$before"} == -* ]] && before+=-
+    [[ -f $first ]] || return 0
+    names=$("${words[0]}" schema "$first" --quiet 2>/dev/null | cut -f1 | grep -v '[[:space:],"]')
+    while IFS= read -r i; do
+        COMPREPLY+=("$i")
+    done < <(compgen -P "$before" -W "$names" -- "${cur#"$before"}")
+    compopt -o nospace 2>/dev/null
+    return 0
+}
+
 # The value of the option $1 of the command $command. Returns 1 when it is not an option with a value.
 _corvanta_value() {
     local variables
@@ -165,6 +181,8 @@ def bash_value(option, catalogue):
     if kind in ("reader", "writer"):
         name = "$first" if kind == "reader" else "$last"
         return f'_corvanta_words "$(_corvanta_{kind} "$(_corvanta_extension "{name}")")"'
+    if kind == "columns":
+        return "_corvanta_columns"
     if kind == "variable":
         return ('variables=$(grep -o \'[$]{[A-Za-z_0-9]*}\' "$first" 2>/dev/null | tr -cd \'A-Za-z_0-9\\n\' | sort -u | sed \'s/$/=/\')\n'
                 '        _corvanta_words "$variables"')
@@ -201,7 +219,7 @@ def zsh_value(option, catalogue):
     if words:
         return f"({' '.join(words)})"
     # The blank makes _arguments call the function with these words only.
-    return {"file": "_files", "folder": "_files -/", "reader": " _corvanta_parameters reader", "writer": " _corvanta_parameters writer"}.get(kind, "")
+    return {"file": "_files", "folder": "_files -/", "columns": " _corvanta_columns", "reader": " _corvanta_parameters reader", "writer": " _corvanta_parameters writer"}.get(kind, "")
 
 
 def zsh_options(command, catalogue):
@@ -232,7 +250,11 @@ def zsh(catalogue):
     for use, role in (("read", "reader"), ("write", "writer")):
         for extensions, names in parameter_names(catalogue, use):
             lines.append(f"    {role}:({'|'.join(extensions)})) names=({names.replace('=', '')}) ;;")
-    lines += ["    esac", "    compadd -S= -- $names", "}", "", "_corvanta() {", "    local -a commands=("]
+    lines += ["    esac", "    compadd -S= -- $names", "}", "",
+              "# The columns of the first file. Of a list, only what follows the last comma is completed.", "_corvanta_columns() {",
+              "    local -a files names", "    files=(${(M)words:#[^-]*.*})", "    [[ -f $files[1] ]] || return",
+              "    names=(${${(f)\"$(corvanta schema $files[1] --quiet 2>/dev/null)\"}%%$'\\t'*})", "    compset -P '*,'", "    compset -P '-'",
+              "    compadd -S '' -- $names", "}", "", "_corvanta() {", "    local -a commands=("]
     lines += [f"        '{command['name']}:{zsh_text(command['summary'])}'" for command in catalogue.commands]
     lines += ["        'help:print the help of a command'", "    )", "    if ((CURRENT == 2)); then", "        _describe command commands",
               "        return", "    fi", "    local command=$words[2]", "    shift words", "    ((CURRENT--))", "    case $command in"]
@@ -249,7 +271,8 @@ def fish_value(option, catalogue):
     words, kind = value_words(option, catalogue), value_kind(option)
     if words:
         return f" -x -a {quoted(' '.join(words))}"
-    return {"file": " -r -F", "folder": " -x -a '(__fish_complete_directories)'", "reader": " -x -a '(__corvanta_parameters reader)'",
+    return {"file": " -r -F", "folder": " -x -a '(__fish_complete_directories)'", "columns": " -x -a '(__corvanta_columns)'",
+            "reader": " -x -a '(__corvanta_parameters reader)'",
             "writer": " -x -a '(__corvanta_parameters writer)'"}.get(kind, " -x" if option["value"] else "")
 
 
@@ -280,7 +303,11 @@ def fish(catalogue):
     for use, role in (("read", "reader"), ("write", "writer")):
         for extensions, parameters in parameter_names(catalogue, use):
             lines += [f"        case {' '.join(role + ':' + extension for extension in extensions)}", f"            printf '%s\\n' {parameters}"]
-    lines += ["    end", "end", "", "complete -c corvanta -f",
+    lines += ["    end", "end", "", "# The columns of the first file. Of a list, only what follows the last comma is completed.", "function __corvanta_columns",
+              "    set -l files (commandline -opc | string match -r '^[^-].*\\.\\w+$')", '    test -f "$files[1]"; or return',
+              "    set -l before (commandline -ct | string match -r '^.*,')",
+              "    corvanta schema $files[1] --quiet 2>/dev/null | string replace -r '\\t.*' '' | string replace -r '^' \"$before\"", "end", "",
+              "complete -c corvanta -f",
               f"set -l commands {' '.join(names)} help"]
     for command in catalogue.commands:
         lines.append(f"complete -c corvanta -n \"not __fish_seen_subcommand_from $commands\" -a {command['name']} -d {quoted(command['summary'])}")

@@ -37,8 +37,8 @@ def main(corvanta, share):
     # No page of an action that has another name now.
     for folder in ("man", "doc/corvanta/html"):
         shutil.rmtree(share / folder, ignore_errors=True)
-    graph = (ROOT / "docs/reference/graph.md").read_text(encoding="utf-8")
-    for name, text in manual.pages(catalogue, pages, graph).items():
+    written = [(ROOT / f"docs/reference/{name}.md").read_text(encoding="utf-8") for name in ("graph", "studio")]
+    for name, text in manual.pages(catalogue, pages, *written).items():
         write(share / "man" / name, text)
     write(share / "bash-completion/completions/corvanta", completions.bash(catalogue))
     write(share / "zsh/site-functions/_corvanta", completions.zsh(catalogue))

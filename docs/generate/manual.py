@@ -134,7 +134,7 @@ def overview(catalogue):
     lines += ["## Environment", "", "`CORVANTA_PLUGIN_PATH`", ":   Folders with further modules of actions.", "", "`NO_COLOR`",
               ":   If it is set, messages have no colors unless `--color always` is given.", "", "`TMPDIR`", ":   Folder for temporary files.", "",
               "## Exit status", "", "0 done (warnings allowed), 1 failed, 2 bad usage or an invalid graph, 129, 130, 131 or 143 ended by a signal.", "",
-              "## See also", "", see_also([f"corvanta-{command['name']}(1)" for command in catalogue.commands] + ["corvanta-graph(5)"]), ""]
+              "## See also", "", see_also([f"corvanta-{command['name']}(1)" for command in catalogue.commands] + ["corvanta-studio(1)", "corvanta-graph(5)"]), ""]
     return "\n".join(lines)
 
 
@@ -142,8 +142,8 @@ def see_also(names):
     return ", ".join(names)
 
 
-def pages(catalogue, reference, graph):
-    """File name and text of each manual page. `reference`: the pages of reference.py, `graph`: the page of the graph file."""
+def pages(catalogue, reference, graph, studio):
+    """File name and text of each manual page. `reference`: the pages of reference.py; `graph`, `studio`: those of the graph file and the editor."""
     result = {"man1/corvanta.1": page("corvanta", 1, catalogue.version, overview(catalogue))}
     for command in catalogue.commands:
         name = f"corvanta-{command['name']}"
@@ -155,5 +155,7 @@ def pages(catalogue, reference, graph):
         text = reference[f"reference/actions/{action['type']}.md"].partition("\n## Panel\n")[0]
         text = re.sub("- Details of the format.*\n", "", text) + "\n## See also\n\n" + see_also(["corvanta(1)", "corvanta-graph(5)"]) + "\n"
         result[f"man7/{name}.7"] = page(name, 7, catalogue.version, text)
-    result["man5/corvanta-graph.5"] = page("corvanta-graph", 5, catalogue.version, graph)
+    for name, section, text in (("corvanta-graph", 5, graph), ("corvanta-studio", 1, studio)):
+        text += "\n## See also\n\n" + see_also(["corvanta(1)", "corvanta-graph(5)" if section == 1 else "corvanta-studio(1)"]) + "\n"
+        result[f"man{section}/{name}.{section}"] = page(name, section, catalogue.version, text)
     return result

@@ -22,9 +22,9 @@ def is_test(path):
     return path.stem.endswith("_test") or "tests" in path.parts
 
 
-def sources(root):
-    """The sources that log, relative to the folder of the project."""
-    for layer in LAYERS:
+def sources(root, layers):
+    """The sources of the layers that may have messages, relative to the folder of the project."""
+    for layer in layers:
         for pattern in ("*.cpp", "*.h"):
             for path in sorted((root / layer).rglob(pattern)):
                 name = path.relative_to(root)
@@ -55,10 +55,10 @@ def messages_of(code, is_help=False):
             yield text
 
 
-def all_messages(root):
+def all_messages(root, layers=tuple(LAYERS)):
     """(source, text) of each message, in the order of the sources; equal texts of one source once."""
     found = []
-    for name in sources(root):
+    for name in sources(root, layers):
         code = (root / name).read_text(encoding="utf-8")
         found += [(str(name), text) for text in messages_of(code, str(name) in HELP)]
     return list(dict.fromkeys(found))
