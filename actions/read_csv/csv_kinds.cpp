@@ -28,7 +28,19 @@ csv::RecordReader::Limits limitsFor(ActionParameters::KindExtent extent)
     return limits;
 }
 
-/// Dates in the formats of the parameter become what the run makes of them.
+/// A date in a format of the parameter becomes what the run makes of it.
+DateValue dateValue(const QString &format)
+{
+    return [dates = std::make_shared<CsvDates>(format),
+            text = std::string()](std::string_view field) mutable {
+        std::array<char16_t, CsvDates::kUnits> iso{};
+        const int n = dates->toIso(field, iso.data());
+        text.assign(iso.begin(), iso.begin() + n); // ASCII
+        return n > 0 ? std::string_view(text) : field;
+    };
+}
+
+/// The conversion of each column; empty for columns without a date format.
 std::vector<DateValue> dateValues(const CsvForm &form, const QStringList &names)
 {
     std::vector<DateValue> values(form.dateFormats.empty() ? 0 : static_cast<size_t>(names.size()));
@@ -36,14 +48,7 @@ std::vector<DateValue> dateValues(const CsvForm &form, const QStringList &names)
         for (const QString &name : entry.columns) {
             const qsizetype column = names.indexOf(name);
             if (column >= 0) {
-                values[static_cast<size_t>(column)] =
-                    [dates = std::make_shared<CsvDates>(entry.format),
-                     text = std::string()](std::string_view field) mutable {
-                        std::array<char16_t, CsvDates::kUnits> iso{};
-                        const int n = dates->toIso(field, iso.data());
-                        text.assign(iso.begin(), iso.begin() + n); // ASCII
-                        return n > 0 ? std::string_view(text) : field;
-                    };
+                values[static_cast<size_t>(column)] = dateValue(entry.format);
             }
         }
     }

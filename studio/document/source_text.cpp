@@ -119,27 +119,39 @@ struct ActionAttributes
     QString comment;
 };
 
-/// The element of an action that the file did not have, in the form of the host.
-QString newAction(const Node &node)
+int originOf(const NodePtr &node)
 {
-    const ActionAttributes attributes(node);
-    QString text = u"<action"_s + attributeText(u"id"_s, node.id);
+    return node->origin;
+}
+
+template <class Part> int originOf(const Part &part)
+{
+    return part.origin;
+}
+
+// The elements of parts that the file did not have.
+
+/// In the form of the host.
+QString newElement(const NodePtr &node)
+{
+    const ActionAttributes attributes(*node);
+    QString text = u"<action"_s + attributeText(u"id"_s, node->id);
     for (const auto &[name, value] : {std::pair(u"x"_s, attributes.x),
                                       {u"y"_s, attributes.y},
                                       {u"comment"_s, attributes.comment}}) {
         text += value.isNull() ? QString() : attributeText(name, value);
     }
-    return text + u'>' + writtenElement(node.element) + u"</action>"_s;
+    return text + u'>' + writtenElement(node->element) + u"</action>"_s;
 }
 
-QString newLink(const LinkRef &link)
+QString newElement(const Wire &wire)
 {
-    return u"<link"_s + attributeText(u"from"_s, pinText(link.from)) +
-           attributeText(u"to"_s, pinText(link.to)) + u"/>"_s;
+    return u"<link"_s + attributeText(u"from"_s, pinText(wire.ends.from)) +
+           attributeText(u"to"_s, pinText(wire.ends.to)) + u"/>"_s;
 }
 
 // The name is followed by the attributes, as in an element.
-QString newNote(const Note &note)
+QString newElement(const Note &note)
 {
     return QString(kNoteBegin).chopped(1) + attributeText(u"x"_s, numberText(note.position.x())) +
            attributeText(u"y"_s, numberText(note.position.y())) +
@@ -334,28 +346,30 @@ private:
         }
         m_isAdded[static_cast<size_t>(kind)] = true;
         if (kind == Kind::Variable) {
-            for (auto it = m_content.variables.begin(); it != m_content.variables.end(); ++it) {
-                if (!m_lastVariables.contains(it.key())) {
-                    addLine(newVariable(it.key(), it.value()));
-                }
-            }
+            addNewVariables();
         } else if (kind == Kind::Action) {
-            for (const NodePtr &node : m_content.nodes) {
-                if (node->origin < 0) {
-                    addLine(newAction(*node));
-                }
-            }
+            addNewParts(m_content.nodes);
         } else if (kind == Kind::Link) {
-            for (const Wire &wire : m_content.wires) {
-                if (wire.origin < 0) {
-                    addLine(newLink(wire.ends));
-                }
-            }
+            addNewParts(m_content.wires);
         } else if (kind == Kind::Note) {
-            for (const Note &note : m_content.notes) {
-                if (note.origin < 0) {
-                    addLine(newNote(note));
-                }
+            addNewParts(m_content.notes);
+        }
+    }
+
+    void addNewVariables()
+    {
+        for (auto it = m_content.variables.begin(); it != m_content.variables.end(); ++it) {
+            if (!m_lastVariables.contains(it.key())) {
+                addLine(newVariable(it.key(), it.value()));
+            }
+        }
+    }
+
+    template <class Parts> void addNewParts(const Parts &parts)
+    {
+        for (const auto &part : parts) {
+            if (originOf(part) < 0) {
+                addLine(newElement(part));
             }
         }
     }
@@ -474,7 +488,7 @@ private:
     {
         const bool isSame =
             isAt(element, note.position) && element.attributes.value(u"text"_s) == note.text;
-        return isSame ? element.text : newNote(note);
+        return isSame ? element.text : newElement(note);
     }
 
     /// The element of a variable; empty if it has been removed.
