@@ -12,6 +12,8 @@ function(corvanta_precompiled name)
     file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp CONTENT "")
     add_library(${name} STATIC ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
     target_link_libraries(${name} PRIVATE corvanta_options ${ARGN})
+    # ccache compares the content of headers; Clang would reject its result after an update of the system.
+    target_compile_options(${name} PRIVATE "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endfunction()
 
 corvanta_precompiled(corvanta_precompiled Qt6::Core)
