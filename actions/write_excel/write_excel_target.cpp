@@ -4,6 +4,7 @@
 #include "actions/write_excel/spreadsheet_program.h"
 #include "actions/write_excel/write_excel.h"
 #include "base/platform/files.h"
+#include "base/text/sheet_name.h"
 #include "codecs/xlsx/new_workbook.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
@@ -140,13 +141,13 @@ bool ActionWriteExcel::openNewWorkbook()
 QString ActionWriteExcel::makeSheetName()
 {
     const QString name = expandString(m_params.sheetName);
-    if (name.size() > xlsx::kMaxSheetNameUnits) {
+    if (name.size() > kMaxSheetNameUnits) {
         warn(
             u"WARNING: in the Excelfile '%1' the SheetName '%2' is too long: truncating at 31 chars."_s
                 .arg(fileName(), name));
     }
     // Unchanged if it is short enough.
-    return xlsx::shortSheetName(name);
+    return shortSheetName(name);
 }
 
 bool ActionWriteExcel::openUpdate()

@@ -1,7 +1,8 @@
-// Names of sheets are checked as spreadsheet programs do when they rename a sheet; names of ranges
-// as ECMA-376 part 1, 18.2.5, and the grammar of formulas (18.17.2.5) require.
+// Names of ranges are checked as ECMA-376 part 1, 18.2.5, and the grammar of formulas (18.17.2.5)
+// require.
 #include "codecs/xlsx/name_rules.h"
 
+#include "base/text/sheet_name.h"
 #include "codecs/sheet/sheet_writer.h"
 #include "codecs/xlsx/cell_range.h"
 
@@ -15,12 +16,6 @@ namespace {
 
 constexpr qsizetype kMaxRangeNameUnits = 255;
 
-/// Control characters, and those that references and paths use.
-bool isForbidden(QChar c)
-{
-    return c < u' ' || QStringView(u"/\\?*[]:").contains(c);
-}
-
 /// What neither the name of a sheet nor that of a range may have.
 QVector<NameFault> commonFaults(const QString &name)
 {
@@ -28,14 +23,13 @@ QVector<NameFault> commonFaults(const QString &name)
     if (name.trimmed().isEmpty()) {
         return {NameFault::Empty};
     }
-    if (std::any_of(name.begin(), name.end(), isForbidden)) {
+    if (!std::ranges::all_of(name, isSheetNameCharacter)) {
         faults << NameFault::Character;
     }
     if (name.startsWith(u'\'') || name.endsWith(u'\'')) {
         faults << NameFault::Quote;
     }
-    // Sheets with the history of shared workbooks have this name.
-    if (name.compare(QStringLiteral("History"), Qt::CaseInsensitive) == 0) {
+    if (isReservedSheetName(name)) {
         faults << NameFault::Reserved;
     }
     return faults;

@@ -10,6 +10,7 @@
 #include "codecs/xlsx/workbook_part.h"
 
 #include "base/mapped.h"
+#include "base/text/sheet_name.h"
 #include "codecs/opc/part_names.h"
 #include "codecs/opc/splices.h"
 
@@ -221,15 +222,6 @@ QStringList definedNamesOf(const Outline &outline)
     return names;
 }
 
-/// The first units of a name, without half of a surrogate pair.
-QString cut(const QString &name, qsizetype units)
-{
-    const QString shortened = name.left(units);
-    const bool splitsPair = shortened.size() < name.size() && !shortened.isEmpty() &&
-                            shortened.back().isHighSurrogate();
-    return splitsPair ? shortened.chopped(1) : shortened;
-}
-
 /// Whether the workbook counts its days from 1904.
 bool has1904Dates(const Outline &outline)
 {
@@ -307,19 +299,13 @@ Result<QByteArray, Error> changedWorkbook(QByteArrayView text, const WorkbookCha
     return splices.apply();
 }
 
-QString shortSheetName(const QString &name)
-{
-    return cut(name, kMaxSheetNameUnits);
-}
-
 QString freeSheetName(const QString &name, const QStringList &taken)
 {
     // Kept for saved graphs: letter case counts, although spreadsheet programs ignore it
     // (WorkbookPart.SheetNamesAreShortAndFree).
     QString candidate = shortSheetName(name);
     for (int number = 2; taken.contains(candidate); ++number) {
-        const QString suffix = QLatin1Char('_') + QString::number(number);
-        candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
+        candidate = shortSheetName(name, u'_' + QString::number(number));
     }
     return candidate;
 }
@@ -327,8 +313,7 @@ QString freeSheetName(const QString &name, const QStringList &taken)
 QString nextSheetName(const QString &name, const QStringList &taken)
 {
     for (int number = 2;; ++number) {
-        const QString suffix = QStringLiteral(" (%1)").arg(number);
-        QString candidate = cut(name, kMaxSheetNameUnits - suffix.size()) + suffix;
+        QString candidate = shortSheetName(name, QStringLiteral(" (%1)").arg(number));
         if (!taken.contains(candidate, Qt::CaseInsensitive)) {
             return candidate;
         }

@@ -63,17 +63,10 @@ struct WorkbookChange
 /// The text with the change applied; all other bytes are as read. Errors: as readWorkbook.
 Result<QByteArray, opc::Error> changedWorkbook(QByteArrayView text, const WorkbookChange &change);
 
-/// UTF-16 units of the name of a sheet, at most; programs reject longer ones.
-inline constexpr qsizetype kMaxSheetNameUnits = 31;
-
-/// `name` cut to kMaxSheetNameUnits, without half a surrogate pair. Characters that programs do not
-/// allow in names of sheets are kept.
-QString shortSheetName(const QString &name);
-/// The same, with "_2", "_3", ... appended (the name is cut further for it) if a sheet in `taken`
-/// has the name. Letter case counts.
+/// shortSheetName(), with "_2", "_3", ... if a sheet in `taken` has the name. Letter case counts.
 QString freeSheetName(const QString &name, const QStringList &taken);
-/// The name of a sheet that continues the sheet `name`: with " (2)", " (3)", ... appended (the name
-/// is cut for it), the first that no sheet in `taken` has, in any letter case.
+/// The name of a sheet that continues the sheet `name`: with " (2)", " (3)", ..., the first that no
+/// sheet in `taken` has, in any letter case.
 QString nextSheetName(const QString &name, const QStringList &taken);
 
 } // namespace corvanta::xlsx

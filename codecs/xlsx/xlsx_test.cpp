@@ -1,3 +1,4 @@
+#include "base/text/sheet_name.h"
 #include "codecs/opc/outline.h"
 #include "codecs/xlsx/cell_range.h"
 #include "codecs/xlsx/name_rules.h"
@@ -426,6 +427,15 @@ TEST(NameRules, FindsWhatProgramsReject)
     for (const QChar c : QStringView(u"/\\?*[]:\t")) {
         EXPECT_EQ(sheetNameFaults(u'a' + QString(c) + u'b', others), Faults{NameFault::Character});
     }
+    // The last ones would be cut before the second unit of a pair, and after an apostrophe.
+    for (const QString &name :
+         {u""_qs, u"[a]/b"_qs, u"'a'"_qs, u"'"_qs, QString(40, u' '), u"hISTORY"_qs,
+          QString(30, u'x') + u"\U0001F600"_qs, QString(30, u'x') + u"'y"_qs}) {
+        const QString valid = validSheetName(name);
+        EXPECT_EQ(sheetNameFaults(valid, {}), Faults()) << name.toStdString();
+        EXPECT_TRUE(valid.size() <= kMaxSheetNameUnits && valid.isValidUtf16());
+    }
+    EXPECT_EQ(validSheetName(u"O'Neil (2)"_qs), u"O'Neil (2)");
     for (const char16_t *name : {u"N", u"_n.1", u"Größe", u"A1B", u"XFE1", u"A1048577", u"Rx"}) {
         EXPECT_EQ(rangeNameFaults(QString::fromUtf16(name)), Faults())
             << QString::fromUtf16(name).toStdString();
