@@ -266,8 +266,7 @@ CommandResult<void> checkContent(const CommandLine &line, const FileArgument &fi
         line.values.contains(u"--encoding"_s) ||
         std::any_of(settings.begin(), settings.end(),
                     [](const QString &setting) { return setting.startsWith("encoding="_L1); });
-    const bool isPacked = file.name.endsWith(".gz"_L1) || file.name.endsWith(".Z"_L1) ||
-                          file.name.endsWith(".rar"_L1);
+    const bool isPacked = withoutPacking(file.name) != file.name || file.name.endsWith(".rar"_L1);
     const QString content = isText(file.extension) && !isPacked && !isEncodingGiven
                                 ? binaryContent(file.name)
                                 : QString();

@@ -72,16 +72,6 @@ Fault<ExitStatus> wrongNames(const QString &first, qsizetype count)
 
 } // namespace
 
-QString InputFile::stem() const
-{
-    QString last = QFileInfo(file.name).fileName();
-    for (const auto &packed : {".gz"_L1, ".Z"_L1}) {
-        last.chop(last.endsWith(packed) ? packed.size() : 0);
-    }
-    const qsizetype dot = last.lastIndexOf(u'.');
-    return dot > 0 ? last.left(dot) : last;
-}
-
 QString InputFile::label() const
 {
     return piece
@@ -102,7 +92,7 @@ qint64 InputFile::bytes() const
 QMap<QString, QString> InputFile::variables() const
 {
     QMap<QString, QString> all{{u"input"_s, file.name},
-                               {u"inputStem"_s, stem()},
+                               {u"inputStem"_s, stemOf(file.name)},
                                {u"inputIndex"_s, QString::number(index)}};
     if (piece) {
         all.insert(u"inputFirstRow"_s, QString::number(piece->firstRow));

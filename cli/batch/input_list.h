@@ -22,10 +22,8 @@ struct InputFile
     QString label() const;
     /// The size of the file, or the share of a piece in it.
     qint64 bytes() const;
-    /// The name without folder and extension; a last ".gz" or ".Z" is no extension of its own.
-    QString stem() const;
-    /// The variables input, inputStem and inputIndex; of a piece also inputFirstRow, inputRowCount
-    /// and inputPart.
+    /// The variables input, inputStem (stemOf()) and inputIndex; of a piece also inputFirstRow,
+    /// inputRowCount and inputPart.
     QMap<QString, QString> variables() const;
 };
 

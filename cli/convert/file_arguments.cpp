@@ -36,20 +36,15 @@ bool isStreamed(const QString &extension)
 }
 
 /// In lower case, without what says that the file is compressed.
-QString extensionOf(Use use, QString name)
+QString extensionOf(Use use, const QString &name)
 {
-    const QStringList endings =
-        use == Use::Read ? QStringList{u".gz"_s, u".Z"_s} : QStringList{u".gz"_s};
-    for (const QString &ending : endings) {
-        const QString inner = name.chopped(std::min(ending.size(), name.size()));
-        const QString extension = inner.mid(inner.lastIndexOf(u'.') + 1).toLower();
-        // Only what is written in order can be packed.
-        if (name.endsWith(ending) && (use == Use::Read || isStreamed(extension))) {
-            name = inner;
-            break;
-        }
-    }
-    return name.mid(name.lastIndexOf(u'.') + 1).toLower();
+    const auto lastOf = [](const QString &text) {
+        return text.mid(text.lastIndexOf(u'.') + 1).toLower();
+    };
+    const QString inner = lastOf(withoutPacking(name));
+    // Only gzip is written, and only what is written in order can be packed.
+    const bool isPacked = use == Use::Read || (name.endsWith(".gz"_L1) && isStreamed(inner));
+    return isPacked ? inner : lastOf(name);
 }
 
 /// The format of --from or --to; empty without the option.
@@ -215,6 +210,31 @@ CommandResult<void> checkClobber(const CommandLine &line, const QString &target)
         return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(target)};
     }
     return {};
+}
+
+QString withoutPacking(const QString &name)
+{
+    for (const auto &ending : {".gz"_L1, ".Z"_L1}) {
+        if (name.endsWith(ending)) {
+            return name.chopped(ending.size());
+        }
+    }
+    return name;
+}
+
+QString lastPartOf(const QString &name)
+{
+    // Names of other files may have an "@" too.
+    const auto marker = ".zip@"_L1;
+    const qsizetype at = name.indexOf(marker);
+    return QFileInfo(at < 0 ? name : name.mid(at + marker.size())).fileName();
+}
+
+QString stemOf(const QString &name)
+{
+    const QString last = withoutPacking(lastPartOf(name));
+    const qsizetype dot = last.lastIndexOf(u'.');
+    return dot > 0 ? last.left(dot) : last;
 }
 
 /// Links and relative names are resolved before the comparison.

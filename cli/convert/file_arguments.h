@@ -40,6 +40,13 @@ CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QS
 /// would be written through, so it exists too. The fault is kFailed.
 CommandResult<void> checkClobber(const CommandLine &line, const QString &target);
 
+/// The name without its last ending if that says how the file is compressed (".gz", ".Z").
+QString withoutPacking(const QString &name);
+/// The last part of a name: without folders, and of a member without its archive.
+QString lastPartOf(const QString &name);
+/// The last part without its extension and what says how the file is compressed.
+QString stemOf(const QString &name);
+
 /// Whether both names are those of one file that exists.
 bool isSameFile(const QString &a, const QString &b);
 /// The input that is also the output, which is the last argument; empty if there is none.

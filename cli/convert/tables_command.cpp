@@ -69,10 +69,9 @@ QString fileNameOf(QString name)
 }
 
 /// The name of the input without folders and extensions.
-QString stemOf(const QString &input)
+QString tableStemOf(const QString &input)
 {
-    const QString name = input.mid(input.lastIndexOf(u'@') + 1);
-    const QString stem = QFileInfo(name).fileName().section(u'.', 0, 0);
+    const QString stem = lastPartOf(input).section(u'.', 0, 0);
     return stem.isEmpty() || input == "-"_L1 ? u"records"_s : stem;
 }
 
@@ -108,7 +107,7 @@ CommandResult<Tables> Tables::open(const CommandLine &line, const ActionRegistry
                        : isSheet           ? table.path
                        : all.size() > 1    ? u"table%1"_s.arg(i + 1)
                                            : QString();
-        name = fileNameOf(name.isEmpty() ? stemOf(line.arguments[0]) : name);
+        name = fileNameOf(name.isEmpty() ? tableStemOf(line.arguments[0]) : name);
         QString file = name;
         for (int n = 2; taken.contains(file.toLower()); ++n) {
             file = name + u'_' + QString::number(n);

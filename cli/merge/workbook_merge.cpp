@@ -5,6 +5,8 @@
 #include "base/counted.h"
 #include "base/occurrences.h"
 #include "base/system_error.h"
+#include "base/text/sheet_name.h"
+#include "cli/convert/file_arguments.h"
 #include "cli/convert/pipeline.h"
 #include "cli/file_types.h"
 #include "cli/session.h"
@@ -46,49 +48,24 @@ private:
     QString m_name;
 };
 
-/// The name of a part without folders, extensions, and the archive that holds it.
-QString stemOf(const QString &part)
-{
-    QString name = QFileInfo(part.mid(part.lastIndexOf(u'@') + 1)).fileName();
-    for (const auto &packed : {".gz"_L1, ".Z"_L1}) {
-        name.chop(name.endsWith(packed) ? packed.size() : 0);
-    }
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 ? name.left(dot) : name;
-}
-
 /// Names that spreadsheet programs accept, each once, whatever the case of its letters.
 class SheetNames
 {
 public:
     QString add(const QString &part)
     {
-        constexpr qsizetype kMaxUnits = 31;
         const QString stem = stemOf(part);
-        QString valid = stem;
-        for (QChar &c : valid) {
-            c = c.unicode() < u' ' || u"/\\?*[]:"_s.contains(c) ? QChar(u'_') : c;
-        }
-        for (const qsizetype end : {qsizetype(0), valid.size() - 1}) {
-            if (!valid.isEmpty() && valid.at(end) == u'\'') {
-                valid[end] = u'_';
-            }
-        }
-        // The name is reserved for the history of changes.
-        if (valid.isEmpty() || valid.compare("history"_L1, Qt::CaseInsensitive) == 0) {
-            valid += u'_';
-        }
-        QString name = valid.left(kMaxUnits);
+        const QString valid = validSheetName(stem);
+        QString name = valid;
         for (int n = 2; !m_taken.insert(name.toLower()).second; ++n) {
-            const QString suffix = u'_' + QString::number(n);
-            name = valid.left(kMaxUnits - suffix.size()) + suffix;
+            name = shortSheetName(valid, u'_' + QString::number(n));
         }
         if (name != stem) {
             m_changed.add([&] { return u"'%1' for '%2'"_s.arg(name, part); });
         }
         return name;
     }
-    /// Names that are not that of the part.
+    /// The names that differ from the stem of their part.
     const Occurrences &changed() const { return m_changed; }
 
 private:

@@ -270,17 +270,20 @@ class Workbooks(Case):
         self.put("other/North.csv", "a\n")
         self.put("this is [a] name that is much too long.csv", "a\n7\n")
         self.put("book.xlsx", "an older file")
-        self.merge("book.xlsx", "north.csv", "south.parquet", "east.xlsx", "other/North.csv", "this is [a] name that is much too long.csv", "--progress", "always",
-                   "--log-format", "json")
+        pair = "x" * 30 + "\U0001f600.csv"  # a cut after 31 units would divide the last character
+        self.put(pair, "a\n8\n")
+        self.put("me@home.csv", "a\n9\n")
+        self.merge("book.xlsx", "north.csv", "south.parquet", "east.xlsx", "other/North.csv", "this is [a] name that is much too long.csv", pair, "me@home.csv",
+                   "--progress", "always", "--log-format", "json")
         sheets = self.sheets("book.xlsx")
-        self.assertEqual(list(sheets), ["north", "south", "east", "North_2", "this is _a_ name that is much t"])
+        self.assertEqual(list(sheets), ["north", "south", "east", "North_2", "this is _a_ name that is much t", "x" * 30, "me@home"])
         self.assertEqual(sheets["north"], [["n", "t"], [1, "x"], [2, "y"]])
         self.assertEqual(sheets["east"], sheets["north"])
         self.assertEqual(str(sheets["south"][1][0]), "2026-01-31 00:00:00")
         self.assertEqual(sheets["North_2"], [["a"]])
-        self.assertIn("Warning: 2 sheets of the workbook 'book.xlsx' are not named like the part; the first is 'North_2' for 'other/North.csv'", self.said)
+        self.assertIn("Warning: 3 sheets of the workbook 'book.xlsx' are not named like the part; the first is 'North_2' for 'other/North.csv'", self.said)
         last = json.loads(self.said.splitlines()[-1])
-        self.assertEqual((last["summary"]["rows"], [pathlib.Path(name).name for name in last["summary"]["files"]]), (6, ["book.xlsx"]))
+        self.assertEqual((last["summary"]["rows"], [pathlib.Path(name).name for name in last["summary"]["files"]]), (8, ["book.xlsx"]))
         # Of a failure nothing is left, and the workbook stays.
         self.put("bad.csv", "a,b\n1\n")
         self.refused("book.xlsx", "north.csv", "bad.csv", says="bad.csv")
