@@ -8,10 +8,10 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-/// Parquet has its own compression, and needs jumps.
+/// A Parquet file is compressed inside, and is not read from beginning to end.
 MergeFormat mergeFormatOf(const QString &name)
 {
-    const bool isPacked = name.endsWith(".gz"_L1, Qt::CaseInsensitive);
+    const bool isPacked = name.endsWith(".gz"_L1);
     const QString inner = isPacked ? name.chopped(3) : name;
     const QString extension = inner.mid(inner.lastIndexOf(u'.') + 1).toLower();
     if (extension == "parquet"_L1) {

@@ -303,6 +303,7 @@ class Commands(Case):
                             (("all.csv", "--parts-from", "."), "--parts-from: cannot read the list '.': it is a folder"),
                             (("a.csv", "./a.csv"), "the output './a.csv' is also a part"),
                             (("all.xml", "a.csv"), "all.xml' cannot be merged; parquet, csv, txt, tsv, tab, jsonl, ndjson and json can be, the texts also with .gz; a workbook (xlsx) gets a sheet per part"),
+                            (("all.csv.GZ", "a.csv"), "all.csv.GZ' cannot be merged"),
                             (("all.parquet", "a.csv"), "a.csv' does not have the extension of a Parquet file, as the output has; convert joins files of several formats")):
             self.refused(*words, status=2, says=says)
         self.refused("all.csv", "a.csv", "none.csv", says=f"Error: mergeFiles: cannot open the part '{self.folder}/none.csv'")
