@@ -28,6 +28,7 @@ SOURCE_COMMENTS = (0.08, 0.15)
 
 CONTROL = re.compile(r"\s*(?:if|for|while|switch|return|case|else|do|catch|using|throw)\b")
 TYPE = re.compile(r"\s*(?:template *<.*> *)?(?:class|struct|union|enum|namespace)\b")
+LITERAL = re.compile(r""" "(?:\\.|[^"\\\n])*" | '(?:\\.|[^'\\\n])' """, re.VERBOSE)
 ONE_LINE_FUNCTION = re.compile(r"[^=(]*\([^{]*\)[^={}]*\{.*\}$")
 
 
@@ -139,12 +140,26 @@ def repeats_its_path(path):
     return re.fullmatch(r"// [\w/.]+\.(?:h|cpp|c)", first) is not None
 
 
+def chained_arguments(path):
+    """The numbers of the lines where .arg() is called on the result of .arg(): a placeholder in the first value would be replaced too."""
+    text = LITERAL.sub(lambda found: "x" * len(found[0]), path.read_text(encoding="utf-8"))
+    for call in re.finditer(r"\.arg\(", text):
+        end, depth = call.end(), 1
+        while depth > 0:
+            depth += {"(": 1, ")": -1}.get(text[end], 0)
+            end += 1
+        if re.match(r"\s*\.arg\(", text[end:]):
+            yield text.count("\n", 0, call.start()) + 1
+
+
 def file_faults():
     for path in files_of([*CODE, *CHECKS]):
         name = path.relative_to(ROOT)
         lines = len(path.read_text(encoding="utf-8").splitlines())
         if lines > MAX_FILE_LINES:
             yield f"{name}: {lines} lines (at most {MAX_FILE_LINES})"
+        for line in chained_arguments(path):
+            yield f"{name}:{line}: .arg() after .arg(): fill all placeholders in one call"
     repeating = [str(path.relative_to(ROOT)) for path in files_of([*CODE, *CHECKS]) if repeats_its_path(path)]
     if repeating:
         yield f"first lines that repeat the name of the file: {len(repeating)}: {', '.join(repeating)}"

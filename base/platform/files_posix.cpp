@@ -363,7 +363,8 @@ QString identityOfLinkedFile(const QString &name)
     struct stat facts = {};
     const bool isLinked = ::stat(native(name).constData(), &facts) == 0 && S_ISREG(facts.st_mode) &&
                           facts.st_nlink > 1;
-    return isLinked ? QStringLiteral("%1:%2").arg(quint64(facts.st_dev)).arg(quint64(facts.st_ino))
+    return isLinked ? QStringLiteral("%1:%2").arg(QString::number(facts.st_dev),
+                                                  QString::number(facts.st_ino))
                     : QString();
 }
 

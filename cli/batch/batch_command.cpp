@@ -64,9 +64,13 @@ constexpr OptionInfo kMergeOptions[] = {
 /// Seconds as "1:02:03" or "2:03".
 QString durationText(qint64 seconds)
 {
-    const QString rest = u"%1:%2"_s.arg(seconds / 60 % 60, seconds < 3600 ? 1 : 2, 10, QChar(u'0'))
-                             .arg(seconds % 60, 2, 10, QChar(u'0'));
-    return seconds < 3600 ? rest : QString::number(seconds / 3600) + u':' + rest;
+    const auto digits = [](qint64 number, qsizetype least) {
+        return QString::number(number).rightJustified(least, u'0');
+    };
+    const bool hasHours = seconds >= 3600;
+    const QString rest =
+        digits(seconds / 60 % 60, hasHours ? 2 : 1) + u':' + digits(seconds % 60, 2);
+    return hasHours ? QString::number(seconds / 3600) + u':' + rest : rest;
 }
 
 /// "512 of 1000 inputs done, 3 failed, 10240000 rows"

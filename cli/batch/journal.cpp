@@ -198,7 +198,8 @@ QJsonObject RunIdentity::of(const InputFile &input) const
         run.insert(u"inputIndex"_s, input.index);
     }
     if (input.piece) {
-        run.insert(kRows, u"%1 from %2"_s.arg(input.piece->rowCount).arg(input.piece->firstRow));
+        run.insert(kRows, u"%1 from %2"_s.arg(QString::number(input.piece->rowCount),
+                                              QString::number(input.piece->firstRow)));
     }
     return run;
 }
@@ -235,8 +236,8 @@ bool Journal::hasFailed(const InputFile &input) const
 /// of this shard was doing when it ended counts as failed.
 CommandResult<void> Journal::open(const Shard &shard)
 {
-    const QString name =
-        QDir(m_folder).filePath(u"shard-%1-of-%2"_s.arg(shard.number).arg(shard.count));
+    const QString name = QDir(m_folder).filePath(
+        u"shard-%1-of-%2"_s.arg(QString::number(shard.number), QString::number(shard.count)));
     m_file = name + ".jsonl"_L1;
     m_running = name + ".running"_L1;
     using platform::FileLock;

@@ -92,7 +92,7 @@ CommandResult<Shard> Shard::of(const CommandLine &line)
 
 QString Shard::text() const
 {
-    return u"%1/%2"_s.arg(number).arg(count);
+    return u"%1/%2"_s.arg(QString::number(number), QString::number(count));
 }
 
 /// In turn, and so by the place in the list only: the shard of an input does not depend on what is

@@ -54,13 +54,13 @@ QString resultOf(const QString &text, const SampleRow &row)
 {
     const auto parsed = parse(text);
     if (!parsed) {
-        return u"%1: %2"_s.arg(parsed.fault().offset).arg(parsed.fault().detail);
+        return u"%1: %2"_s.arg(QString::number(parsed.fault().offset), parsed.fault().detail);
     }
     auto bound = Condition::bind(*parsed, row.view(),
                                  {TextOrder::CodePoints, TextOrder::CodePoints,
                                   TextOrder::CodePoints, TextOrder::Numbers, TextOrder::Words});
     if (!bound) {
-        return u"%1: %2"_s.arg(bound.fault().offset).arg(bound.fault().detail);
+        return u"%1: %2"_s.arg(QString::number(bound.fault().offset), bound.fault().detail);
     }
     const auto isTrue = bound->isTrue(row.view());
     return isTrue ? QString::number(int(*isTrue)) : isTrue.fault().detail;
