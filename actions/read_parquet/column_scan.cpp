@@ -9,6 +9,7 @@
 //   all others                  everything
 #include "actions/read_parquet/column_scan.h"
 
+#include "base/mapped.h"
 #include "base/time/iso_time.h"
 #include "codecs/parquet/metadata/footer.h"
 #include "io/input/kept_pipe.h"
@@ -239,34 +240,37 @@ void ColumnScan::addIntegers(const QString &name, parquet::ReadOptions *options)
     }
 }
 
-QVector<ColumnKind> ColumnScan::kindsIn(const QString &name,
-                                        const parquet::ReadOptions &options) const
+std::optional<QVector<ColumnKind>> ColumnScan::kindsIn(const QString &name,
+                                                       const parquet::ReadOptions &options) const
 {
-    QVector<ColumnKind> kinds;
     const auto source = open(name);
     if (!source) {
-        return kinds;
+        return std::nullopt;
     }
     const auto table = parquet::TableReader::open(*source, options, 0);
-    // Columns that cannot be read are known only then.
-    if (table && (*table)->prepare()) {
-        for (const parquet::Column &column : (*table)->columns()) {
-            kinds << kindOf(column);
-        }
+    // Columns that cannot be read are known only after prepare().
+    if (!table || !(*table)->prepare()) {
+        return std::nullopt;
     }
-    return kinds;
+    const auto kind = [](const parquet::Column &column) { return kindOf(column); };
+    return mapped<QVector<ColumnKind>>((*table)->columns(), kind);
 }
 
-QVector<ColumnKind> ColumnScan::kindsOf(const QStringList &names,
-                                        const parquet::ReadOptions &options, Extent extent) const
+std::optional<QVector<ColumnKind>> ColumnScan::kindsOf(const QStringList &names,
+                                                       const parquet::ReadOptions &options,
+                                                       Extent extent) const
 {
+    if (names.isEmpty()) {
+        return QVector<ColumnKind>();
+    }
     // The other files have the same columns, or the run fails.
-    QVector<ColumnKind> kinds =
-        names.isEmpty() ? QVector<ColumnKind>() : kindsIn(names[0], options);
-    TimeScan times(&kinds);
+    auto kinds = kindsIn(names[0], options);
+    if (!kinds) {
+        return std::nullopt;
+    }
+    TimeScan times(&*kinds);
     const bool isWhole = extent == Extent::All;
-    for (const QString &name :
-         isWhole ? names : names.first(std::min<qsizetype>(names.size(), 1))) {
+    for (const QString &name : isWhole ? names : names.first(1)) {
         const auto source = times.names().isEmpty() ? nullptr : open(name);
         const auto table = source ? readOnly(*source, options, times.names())
                                   : std::unique_ptr<parquet::TableReader>();

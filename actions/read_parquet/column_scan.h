@@ -23,15 +23,18 @@ public:
     void addIntegers(const QString &name, parquet::ReadOptions *options) const;
 
     /// What the columns of the files are that `options` select, by the schema of the first one.
-    /// With All, columns of dates and times with a text of another form are texts.
-    QVector<ColumnKind> kindsOf(const QStringList &names, const parquet::ReadOptions &options,
-                                ActionParameters::KindExtent extent) const;
+    /// With All, columns of dates and times with a text of another form are texts. Nothing if the
+    /// first file cannot be read.
+    std::optional<QVector<ColumnKind>> kindsOf(const QStringList &names,
+                                               const parquet::ReadOptions &options,
+                                               ActionParameters::KindExtent extent) const;
 
 private:
     std::unique_ptr<ByteSource> open(const QString &name) const;
     bool areSmall(ByteSource &source, const QString &column) const;
-    /// What the columns of a file are by its schema.
-    QVector<ColumnKind> kindsIn(const QString &name, const parquet::ReadOptions &options) const;
+    /// What the columns of a file are by its schema. Nothing if it cannot be read.
+    std::optional<QVector<ColumnKind>> kindsIn(const QString &name,
+                                               const parquet::ReadOptions &options) const;
 
     const ActionBase &m_action;
     const RunControl &m_control;

@@ -57,11 +57,13 @@ QVector<ColumnNotes> ActionReadStat::columnNotes()
 std::optional<QVector<ColumnKind>> ActionReadStat::columnKinds(KindExtent /*extent*/)
 {
     const QStringList files = namedFiles();
-    QVector<ColumnKind> kinds =
-        files.isEmpty() ? QVector<ColumnKind>() : statColumnKinds(*this, files.first(), m_params);
-    if (files.size() > 1) {
+    if (files.isEmpty()) {
+        return QVector<ColumnKind>();
+    }
+    auto kinds = statColumnKinds(*this, files.first(), m_params);
+    if (kinds && files.size() > 1) {
         // Another file may have decimals in a column that the first one has as integers.
-        kinds.removeIf([](const ColumnKind &kind) { return kind.kind == ValueKind::Integer; });
+        kinds->removeIf([](const ColumnKind &kind) { return kind.kind == ValueKind::Integer; });
     }
     return kinds;
 }

@@ -167,14 +167,14 @@ QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
     return notes;
 }
 
-QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &name,
-                                    const ReadStatParams &params)
+std::optional<QVector<ColumnKind>> statColumnKinds(const ActionBase &action, const QString &name,
+                                                   const ReadStatParams &params)
 {
-    QVector<ColumnKind> columns;
     const auto file = openDataSet(action, name, params);
     if (!file) {
-        return columns;
+        return std::nullopt;
     }
+    QVector<ColumnKind> columns;
     const stat::ReadOptions options = statOptionsOf(params, file->format);
     const bool mayHaveLabels = params.extractLabels && !stat::isOfSas(file->format);
     for (const stat::Variable &variable : file->dictionary.variables) {

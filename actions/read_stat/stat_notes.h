@@ -10,9 +10,10 @@ namespace corvanta {
 QVector<ColumnNotes> statNotes(const ActionBase &action, const QString &name,
                                const ReadStatParams &params);
 
-/// The columns of `name` that the run reads as ISO 8601 texts; none without formatDates. As above.
-QVector<ColumnKind> statColumnKinds(const ActionBase &action, const QString &name,
-                                    const ReadStatParams &params);
+/// The columns of `name` that the run reads as ISO 8601 texts (with formatDates) or that hold only
+/// integers. Nothing if the file cannot be read. As above.
+std::optional<QVector<ColumnKind>> statColumnKinds(const ActionBase &action, const QString &name,
+                                                   const ReadStatParams &params);
 
 /// The number of rows of `name`, or a little more: a transport file may have padding. The fault is
 /// the reason in words.

@@ -205,12 +205,15 @@ class Found(Case):
         self.put("cut.dbf", header[:20])
         self.assertIn("The columns of 'cut.dbf' are texts: the file could not be examined",
                       self.corvanta("convert", "cut.dbf", "cut.xlsx", status=1).stderr)
-        self.put("cut.xls", b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1" + bytes(600))
-        self.assertIn("Dates and booleans of 'cut.xls' are texts or numbers: the file could not be examined",
-                      self.corvanta("convert", "cut.xls", "cut.xlsx", status=1).stderr)
         self.assertEqual(self.read("out.csv"), "C,N,D,L,T\n2.5,7.25,20260131,1,20260131 04:30:05\n1,12,00000000,0,\n")
         self.assertIn("record 1, column 'N': '7.25' is not of type K",
                       self.corvanta("convert", "in.dbf", "out.csv", "--reader", "types=F,K", status=1).stderr)
+
+    def test_damaged_files_with_types(self):
+        for name, beginning in (("cut.xls", b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1"), ("cut.parquet", b"PAR1"), ("cut.sav", b"$FL2"), ("cut.dta", b"<stata_dta>")):
+            self.put(name, beginning + bytes(600))
+            self.assertIn(f"Dates and booleans of '{name}' are texts or numbers: the file could not be examined",
+                          self.corvanta("convert", name, "cut.xlsx", status=1).stderr)
 
     def test_encodings_of_dbase(self):
         header = struct.pack("<BxxxIHH20x", 3, 1, 65, 5) + struct.pack("<11sc4xB15x", b"T", b"C", 4) + b"\r"
