@@ -2,7 +2,7 @@
 #include "actions/shared/data_set_output.h"
 
 #include "base/counted.h"
-#include "base/nearest_name.h"
+#include "base/mapped.h"
 #include "codecs/stat/date_text.h"
 #include "corvanta/failure_reason.h"
 
@@ -14,17 +14,9 @@ namespace corvanta {
 
 namespace {
 
-/// The names of `all` that are not columns of the input.
-template <typename Named>
-Occurrences unknownNames(const std::vector<Named> &all, const OneRow &columns)
+template <typename Named> QStringList namesOf(const std::vector<Named> &all)
 {
-    Occurrences unknown;
-    for (const Named &element : all) {
-        if (columns.getIndexOfColumn(element.name) < 0) {
-            unknown.add([&] { return element.name; });
-        }
-    }
-    return unknown;
+    return mapped<QStringList>(all, [](const Named &element) { return element.name; });
 }
 
 /// Adds to the definitions of the parameters, which stay as they are where they say something.
@@ -181,29 +173,12 @@ void DataSetOutput::warnNames()
     }
 }
 
-/// A misspelled name would lose its width, label and format silently.
 void DataSetOutput::warnDefinitions(const OneRow &columns)
 {
-    warnUnknown(kStringColumns, unknownNames(dataSetParams().stringColumns, columns), columns);
-    warnUnknown(kVariableDefinitions, unknownNames(dataSetParams().variables, columns), columns);
-    Occurrences unknown;
-    for (const QString &name : dataSetParams().toBoolean) {
-        unknown.add(columns.getIndexOfColumn(name) < 0 ? 1 : 0, [&] { return name; });
-    }
-    warnUnknown(shared::kToBoolean, unknown, columns);
-}
-
-void DataSetOutput::warnUnknown(const char *parameter, const Occurrences &unknown,
-                                const OneRow &columns)
-{
-    if (!unknown.any()) {
-        return;
-    }
-    warn(
-        u"Warning: writing %1 '%2': %4 names %3 that the input does not have; the first is '%5'%6\n"_s
-            .arg(fileKind(), fileName(), counted(unknown.count(), u"column"_s),
-                 QString::fromLatin1(parameter), unknown.first(),
-                 closeNameHint(unknown.first(), columns.schema().names)));
+    const DataSetParams &params = dataSetParams();
+    warnUnknown(fileKind(), kStringColumns, namesOf(params.stringColumns), columns);
+    warnUnknown(fileKind(), kVariableDefinitions, namesOf(params.variables), columns);
+    warnUnknown(fileKind(), shared::kToBoolean, params.toBoolean, columns);
 }
 
 /// What the format of a text column counts; None for a text.

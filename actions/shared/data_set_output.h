@@ -118,7 +118,6 @@ private:
     void warnNames();
     /// Report names in the parameters that the input does not have.
     void warnDefinitions(const OneRow &columns);
-    void warnUnknown(const char *parameter, const Occurrences &unknown, const OneRow &columns);
     /// Choose the widths of all columns and make the packer of the rows.
     bool findWidths(const OneRow &columns, const QVector<int> &inputs);
     bool chooseWidth(size_t column, sas::PackedColumn *packed);

@@ -3,6 +3,7 @@
 
 #include "base/counted.h"
 #include "base/nearest_name.h"
+#include "base/occurrences.h"
 #include "corvanta/failure_reason.h"
 #include "corvanta/name_collision.h"
 
@@ -150,6 +151,22 @@ QString RowWriter::textOf(const std::vector<ChangedName> &changed)
     return u"%1 %4 changed to fit the format: %2%3"_s.arg(
         counted(std::ssize(changed), u"column name"_s), changes.join(u", "_s),
         changed.size() > kMaxListed ? u" and others"_s : QString(), isOrAre(std::ssize(changed)));
+}
+
+void RowWriter::warnUnknown(const QString &target, const char *parameter, const QStringList &names,
+                            const OneRow &columns)
+{
+    Occurrences unknown;
+    for (const QString &name : names) {
+        unknown.add(columns.getIndexOfColumn(name) < 0 ? 1 : 0, [&] { return name; });
+    }
+    if (unknown.any()) {
+        warn(
+            u"Warning: writing %1 '%2': %3 names %4 that the input does not have; the first is '%5'%6\n"_s
+                .arg(target, fileName(), QString::fromLatin1(parameter),
+                     counted(unknown.count(), u"column"_s), unknown.first(),
+                     closeNameHint(unknown.first(), columns.schema().names)));
+    }
 }
 
 void RowWriter::createFolder(const QString &file)

@@ -100,6 +100,10 @@ protected:
     };
     /// "2 column names are changed to fit the format: 'a b' to 'a_b', ...", for a warning.
     static QString textOf(const std::vector<ChangedName> &changed);
+    /// Warn about the columns `names` of a parameter that the input does not have; one that is
+    /// misspelt would lose its settings silently. `target` says what is written: "SAS file".
+    void warnUnknown(const QString &target, const char *parameter, const QStringList &names,
+                     const OneRow &columns);
     /// Create the missing folders of `file` when createDir is on. A failure shows when the file is
     /// opened, and createDir is then the remedy.
     void createFolder(const QString &file);

@@ -2,7 +2,6 @@
 
 #include "actions/shared/params/type_letters.h"
 #include "actions/shared/split_name.h"
-#include "base/counted.h"
 #include "base/nearest_name.h"
 #include "base/occurrences.h"
 #include "codecs/compose/json_levels.h"
@@ -96,28 +95,12 @@ void ActionWriteJSON::warnNumbers(const OneRow &columns)
     }
 }
 
-/// The values of a column whose name is misspelt would have quotes.
-void ActionWriteJSON::warnUnknown(const char *parameter, const QStringList &names,
-                                  const OneRow &columns)
-{
-    Occurrences unknown;
-    for (const QString &name : names) {
-        unknown.add(columns.getIndexOfColumn(name) < 0 ? 1 : 0, [&] { return name; });
-    }
-    if (unknown.any()) {
-        warn(
-            u"Warning: writing to JSON file '%1': %2 names %3 that the input does not have; the first is '%4'%5\n"_s
-                .arg(fileName(), QString::fromLatin1(parameter),
-                     counted(unknown.count(), u"column"_s), unknown.first(),
-                     closeNameHint(unknown.first(), columns.schema().names)));
-    }
-}
-
 bool ActionWriteJSON::prepareColumns(const OneRow &columns)
 {
     warnNumbers(columns);
-    warnUnknown(kBare, m_params.bareColumns, columns);
-    warnUnknown(kJsonTexts, m_params.jsonColumns, columns);
+    const QString target = u"to JSON file"_s;
+    warnUnknown(target, kBare, m_params.bareColumns, columns);
+    warnUnknown(target, kJsonTexts, m_params.jsonColumns, columns);
     if (!m_params.splitFile) {
         return true;
     }

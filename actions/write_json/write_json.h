@@ -49,7 +49,6 @@ private:
     /// About a floatToString whose numbers are not JSON.
     void warnNumbers(const OneRow &columns);
     /// `names` is the list of the element `parameter`.
-    void warnUnknown(const char *parameter, const QStringList &names, const OneRow &columns);
 
     // Index in the input; -1: the table is not split.
     int m_splitColumn = -1;
