@@ -89,23 +89,13 @@ bool HtmlTokenizer::takeLeaf(Leaf *leaf)
         stop[-1] != '>' || !equalBytes(textEnd + 2, name, size)) {
         return false;
     }
-    m_keep = m_pos;
-    leaf->name = span(1, nameEnd, TextForm::Plain);
-    leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
-    leaf->hasText = text != textEnd;
-    if (options().discardNameSpaces) {
-        cutNameSpace(&leaf->name);
-    }
-    return finishLeaf(*leaf, stop);
+    return finishElement(leaf, nameEnd, text, textEnd, stop);
 }
 
 Token HtmlTokenizer::step()
 {
     if (m_pendingEnd) {
-        m_pendingEnd = false;
-        --m_depth;
-        m_text = m_name;
-        return finish(Token::End);
+        return finishPendingEnd();
     }
     if (m_pendingCloses > 0) {
         return pendingClose();

@@ -87,6 +87,27 @@ protected:
         return m_begun && !isFinished() && !m_pendingEnd && m_pendingCloses == 0 &&
                static_cast<qint64>(m_names.size()) < limits::kElementDepth;
     }
+    /// Complete takeLeaf(): the leaf extends to `stop`. Returns true.
+    bool finishElement(Leaf *leaf, const char *nameEnd, const char *text, const char *textEnd,
+                       const char *stop)
+    {
+        m_keep = m_pos;
+        leaf->name = span(1, nameEnd, TextForm::Plain);
+        leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
+        leaf->hasText = text != textEnd;
+        if (m_options.discardNameSpaces) {
+            cutNameSpace(&leaf->name);
+        }
+        return finishLeaf(*leaf, stop);
+    }
+    /// The End of a Start without content.
+    Token finishPendingEnd()
+    {
+        m_pendingEnd = false;
+        --m_depth;
+        m_text = m_name;
+        return finish(Token::End);
+    }
     void cutNameSpace(TextSpan *name) const;
     bool pushName(std::string_view name);
     /// Make an Error token; returns false, for functions that return bool.
