@@ -1,7 +1,7 @@
 #include "plugin/catalogue.h"
 
-/// The host's own actions, one line each; see catalogue.cpp. The icons of the module are chosen in
-/// CMakeLists.txt.
+/// The host's own actions, one line each; see catalogue.cpp. CMakeLists.txt gives the module the
+/// icons and examples of these actions.
 #define CORVANTA_ACTIONS(ACTION)                                                                   \
     ACTION(ReadCsv)                                                                                \
     ACTION(WriteCsv)                                                                               \
