@@ -127,7 +127,7 @@ def main():
     parser.add_argument("folders", type=pathlib.Path, nargs="*", default=FOLDERS)
     parser.add_argument("--quick", action="store_true")
     parser.add_argument("--minutes", type=float, default=600)
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     lint = Lint(arguments.build.resolve(), arguments.quick, arguments.minutes)
     latest = latest_sources()
     waiting = sorted(lint.sources([folder.resolve() for folder in arguments.folders]), key=lambda item: latest.get(item[0], len(latest)))
