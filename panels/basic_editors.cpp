@@ -118,6 +118,7 @@ FloatFormatEditor::FloatFormatEditor(const FieldContext &context)
     showExample();
 }
 
+/// The effect of a printf format is hard to imagine, so an example shows it.
 void FloatFormatEditor::showExample()
 {
     constexpr double example = 1234.56789;
@@ -166,6 +167,7 @@ NumberEditor::NumberEditor(const FieldContext &context, const QString &lowest)
     });
 }
 
+/// The form of the unit depends on the number: "1 row", "2 rows".
 void NumberEditor::showUnit()
 {
     const QString &unit = context().info.unit;
@@ -234,6 +236,7 @@ bool ChoiceEditor::isCut() const
     return m_box->fontMetrics().horizontalAdvance(m_box->currentText()) > room;
 }
 
+/// A choice that the box cuts is repeated below it, where it is wrapped.
 void ChoiceEditor::showExplanation()
 {
     bool isNumber = false;
@@ -246,12 +249,14 @@ void ChoiceEditor::showExplanation()
     m_explanation->setNote(NoteLabel::Kind::Remark, texts.join(u'\n'));
 }
 
+/// Whether the choice is cut depends on the width.
 void ChoiceEditor::resizeEvent(QResizeEvent *event)
 {
     FieldEditor::resizeEvent(event);
     showExplanation();
 }
 
+/// A saved value that is not one of the choices is kept until the user chooses another one.
 void ChoiceEditor::setValue(const QString &value)
 {
     if (m_box->findData(value) < 0) {
@@ -291,6 +296,7 @@ void FlagEditor::setValue(const QString &value)
     m_box->setChecked(value != "0"_L1);
 }
 
+/// The label switches the box, as the text of a check box does.
 bool FlagEditor::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::MouseButtonRelease) {

@@ -140,6 +140,7 @@ QString unitText(const QString &unit, int count)
     return text == unit && count == 1 && unit.endsWith(u's') ? unit.chopped(1) : text;
 }
 
+/// As a field shows it, not as a graph stores it.
 QString shownValue(const ParameterInfo &info, const QString &value)
 {
     if (info.type == Type::Flag) {

@@ -196,6 +196,7 @@ QString FileField::fullName() const
     return isKnown ? name : QString();
 }
 
+/// On a worker thread, because a file server may take seconds to answer.
 void FileField::lookUp(std::function<void()> shown)
 {
     const QString name = fullName();
@@ -267,6 +268,7 @@ bool FileField::eventFilter(QObject *watched, QEvent *event)
     return FieldEditor::eventFilter(watched, event);
 }
 
+/// The marks have colours of the palette.
 void FileField::changeEvent(QEvent *event)
 {
     FieldEditor::changeEvent(event);

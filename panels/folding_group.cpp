@@ -91,6 +91,7 @@ void FoldingGroup::addField(QLabel *label, FieldEditor *editor, NoteLabel *note,
     }
 }
 
+/// A long label next to a field would make the fields of the whole group narrow.
 bool FoldingGroup::hasLabelAbove(const QLabel &label, const FieldEditor &editor)
 {
     return editor.isWide() || label.text().size() > kMaxLabelCharacters;

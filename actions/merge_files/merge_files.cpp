@@ -37,6 +37,7 @@ void ActionMergeFiles::finish()
     m_parquet = nullptr;
 }
 
+/// One step: the action has no input pin for which it would have to wait.
 bool ActionMergeFiles::step()
 {
     if (prepare() && readColumns() && openTarget() && copyRows()) {
@@ -79,6 +80,7 @@ QVector<ParameterProblem> ActionMergeFiles::problems() const
     return {};
 }
 
+/// The patterns are expanded again: files may have appeared since the parameters were checked.
 bool ActionMergeFiles::prepare()
 {
     if (const auto found = problems(); !found.isEmpty()) {
@@ -98,6 +100,7 @@ bool ActionMergeFiles::prepare()
     return true;
 }
 
+/// A pipe would be empty when it is read for its rows.
 std::unique_ptr<ByteSource> ActionMergeFiles::openPart(const QString &name)
 {
     auto input = std::make_unique<RunInput>(globalParameters(), control(), name, false);
@@ -112,6 +115,7 @@ std::unique_ptr<ByteSource> ActionMergeFiles::openPart(const QString &name)
     return input;
 }
 
+/// Codes that need the same remedy share a message; the detail has the rest.
 bool ActionMergeFiles::failPart(const QString &name, const Fault<MergeError> &fault,
                                 const QString &reason)
 {
@@ -212,6 +216,7 @@ void ActionMergeFiles::addFraction()
                      std::memory_order_relaxed);
 }
 
+/// Only a complete file replaces the target.
 bool ActionMergeFiles::complete()
 {
     if (!runIsGood()) {

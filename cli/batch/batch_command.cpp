@@ -116,7 +116,7 @@ public:
     {
     }
 
-    /// Find what forbids the batch. Writes nothing.
+    /// Check whether the batch can run. Writes nothing.
     CommandResult<void> check() const;
     CommandResult<void> run();
 
@@ -193,6 +193,7 @@ CommandResult<void> Batch::detach() const
     return printFolder();
 }
 
+/// The lock is held until this program ends, whatever ends it.
 CommandResult<void> Batch::prepare()
 {
     m_isNewFolder = !QFileInfo::exists(m_plan.folder);
@@ -214,7 +215,7 @@ CommandResult<void> Batch::prepare()
     return {};
 }
 
-/// What a scheduler has rejected leaves nothing.
+/// A batch that the scheduler rejects leaves no files.
 CommandResult<void> Batch::startTasks(const QVector<qsizetype> &tasks)
 {
     if (const auto started = m_backend->start(tasks, &m_plan); !started) {
@@ -261,6 +262,7 @@ CommandResult<void> Batch::runTasks(QVector<qsizetype> tasks)
     return {};
 }
 
+/// Inputs that were done before this run have cost it no time, and do not count for its speed.
 void Batch::showProgress(const QElapsedTimer &timer)
 {
     m_state.update();
@@ -300,6 +302,7 @@ void Batch::wait()
     m_state.update();
 }
 
+/// A merge that the scheduler has not run, or that ended without a status, runs here.
 ExitStatus Batch::merge() const
 {
     if (!m_backend->mergesItself() || !m_plan.statusOf(u"merge"_s)) {
@@ -325,6 +328,7 @@ ExitStatus Batch::worstStatus(const QVector<qsizetype> &tasks) const
     return static_cast<ExitStatus>(worst);
 }
 
+/// The table of an earlier run would be wrong now, so it is removed in any case.
 CommandResult<void> Batch::report(ExitStatus status)
 {
     const BatchCounts counts = m_state.counts();
@@ -353,6 +357,7 @@ CommandResult<void> Batch::report(ExitStatus status)
     return worst == kDone ? CommandResult<void>() : Fault{static_cast<ExitStatus>(worst)};
 }
 
+/// Slurm runs a detached batch itself; the other backends need a process that waits for the tasks.
 CommandResult<void> Batch::run()
 {
     const bool isSlurm = m_plan.backend == "slurm"_L1;

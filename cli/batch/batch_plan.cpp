@@ -72,6 +72,7 @@ QStringList commonOptionsOf(const CommandLine &line)
     return words;
 }
 
+/// Tasks run in other folders, or on other machines: nothing may be relative to this one.
 QStringList runOptionsOf(const CommandLine &line)
 {
     QStringList words = commonOptionsOf(line);
@@ -107,6 +108,7 @@ QJsonArray piecesOf(const QVector<InputFile> &inputs)
     return pieces;
 }
 
+/// Replaced in one step, because tasks of an earlier attempt may still read the file.
 CommandResult<void> writeFile(const QString &name, const QByteArray &content)
 {
     QSaveFile file(name);
@@ -142,6 +144,8 @@ QByteArray jobScript(const BatchPlan &plan)
                       u"--progress"_s,
                       u"never"_s};
     words += plan.runOptions;
+    // Success, usage errors and signals end the loop: another attempt would end in the same way.
+    // "wait" returns when a signal arrives, and is repeated until the program has ended.
     const QString text = uR"(#!/bin/sh
 # Runs one task of a batch: job.sh TASK. A task that runs again does only what is missing.
 task=${1:-$SLURM_ARRAY_TASK_ID}
@@ -217,6 +221,7 @@ QString shellWord(const QString &word)
                                         : u'\'' + QString(word).replace(u'\'', "'\\''"_L1) + u'\'';
 }
 
+/// Nothing is written here, so that a mistake leaves no folder.
 CommandResult<BatchPlan> BatchPlan::of(const CommandLine &line, const BatchGraph &graph)
 {
     BatchPlan plan;
@@ -262,6 +267,7 @@ CommandResult<BatchPlan> BatchPlan::of(const CommandLine &line, const BatchGraph
     return plan;
 }
 
+/// Members that are missing, as in a damaged file, are 0 or empty; a batch has at least one task.
 CommandResult<BatchPlan> BatchPlan::read(const QString &folder)
 {
     BatchPlan plan;
@@ -294,6 +300,7 @@ QString BatchPlan::logOf(qsizetype task) const
     return file(u"logs/task-%1.log"_s.arg(task));
 }
 
+/// A script that was killed while it wrote may leave an empty file, which is not a status.
 std::optional<int> BatchPlan::statusOf(const QString &task) const
 {
     QFile status(file(u"status/"_s + task));
@@ -323,6 +330,7 @@ QVector<InputFile> BatchPlan::inputFiles() const
     return all;
 }
 
+/// With as many shards as inputs, each shard is one input.
 QString BatchPlan::commandFor(qsizetype input) const
 {
     QStringList words{u"corvanta"_s,
@@ -337,6 +345,7 @@ QString BatchPlan::commandFor(qsizetype input) const
     return shellCommand(words + runOptions);
 }
 
+/// Statuses of an earlier run are removed: they would count as those of the new tasks.
 CommandResult<void> BatchPlan::writeFiles(const BatchGraph &graph) const
 {
     QDir(file(u"status"_s)).removeRecursively();
@@ -367,6 +376,7 @@ CommandResult<void> BatchPlan::writeFiles(const BatchGraph &graph) const
     return save();
 }
 
+/// What --status and the next run of the same command need; job.sh has what the tasks need.
 CommandResult<void> BatchPlan::save() const
 {
     const QJsonObject object{{u"graph"_s, graphFile},

@@ -95,7 +95,7 @@ void BatchState::update()
     addEntries(entries, &m_last);
 }
 
-/// Only entries that belong to the graph and the inputs of today count.
+/// Only entries that belong to the graph and its present inputs count.
 BatchCounts BatchState::counts() const
 {
     BatchCounts counts{m_inputs.size()};
@@ -123,7 +123,7 @@ QVector<qsizetype> BatchState::tasksToRun() const
     return {tasks.begin(), tasks.end()};
 }
 
-/// Inputs with a failed run, and those whose task ended before it came to them.
+/// Inputs with a failed run, and those whose task ended before it reached them.
 QVector<BatchFailure> BatchState::failures() const
 {
     const ErrorPlaces places(m_plan.file(u"logs"_s));

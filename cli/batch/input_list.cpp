@@ -41,6 +41,7 @@ QStringList foldersOf(const QString &pattern)
     return folders;
 }
 
+/// listFiles() expands only the last part of a name, so the folders are expanded before.
 ListedNames matchesOf(const QString &pattern)
 {
     const QFileInfo info(pattern);
@@ -102,11 +103,13 @@ QMap<QString, QString> InputFile::variables() const
     return all;
 }
 
+/// From an input without a file, so that the names are in one place.
 QStringList inputVariables()
 {
     return InputFile{{}, 0, InputPiece{}}.variables().keys();
 }
 
+/// Names become absolute, because tasks run in other folders.
 CommandResult<QVector<InputFile>> readInputs(const QString &word)
 {
     const bool isPattern = hasWildcard(word) && !QFileInfo::exists(word);
@@ -139,6 +142,7 @@ CommandResult<QVector<InputFile>> readInputs(const QString &word)
     return inputs;
 }
 
+/// A file that is gone keeps its place: the numbers of the inputs must not change.
 QVector<InputFile> listedInputs(const QString &fileName)
 {
     QVector<InputFile> inputs;

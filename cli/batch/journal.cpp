@@ -37,7 +37,7 @@ FileState stateOf(const QJsonValue &value)
     return {value[u"name"].toString(), value[u"size"].toInteger(), value[u"modified"].toInteger()};
 }
 
-/// Whether the file is as it was.
+/// Whether the file is unchanged.
 bool isUnchanged(const FileState &state)
 {
     FileState now{state.name};
@@ -286,7 +286,7 @@ bool Journal::add(const JournalEntry &entry)
     return file.write(line) == line.size();
 }
 
-/// Without the file, a later run does not take the last input for one that ended the program.
+/// Without the file, a later run does not treat the last input as one that ended the program.
 void Journal::close()
 {
     if (!m_file.isEmpty()) {

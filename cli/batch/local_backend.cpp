@@ -154,7 +154,7 @@ std::unique_ptr<Backend> makeParallelBackend(const BatchPlan &plan)
     return std::make_unique<ParallelBackend>(plan);
 }
 
-/// The scheduler is looked for before anything is written.
+/// Checks that the scheduler exists before anything is written.
 CommandResult<std::unique_ptr<Backend>> makeBackend(const BatchPlan &plan)
 {
     const QString program = plan.backend == "slurm"_L1      ? u"sbatch"_s
@@ -182,7 +182,7 @@ void runScript(const QString &name)
     }
 }
 
-/// For commands that answer at once, such as sbatch and squeue.
+/// For commands that end immediately, such as sbatch and squeue.
 ProgramOutput runProgram(const QString &program, const QStringList &words)
 {
     QProcess process;

@@ -1,6 +1,6 @@
 // Joins JSON texts: lines of values, or arrays, which become one array.
 //
-// The values are not decoded. Texts and brackets are followed, so that a truncated part is found.
+// The values are not decoded. Strings and brackets are tracked, so that a truncated part is found.
 // Byte-order marks are left out. Threads: one at a time per object.
 #pragma once
 #include "codecs/merge/part_merger.h"

@@ -30,6 +30,7 @@ QString noFolderText(const QString &file, FileUse use)
     return missing;
 }
 
+/// The system has one error for all of these, but each needs another remedy.
 QString notThereText(const QString &file, FileUse use)
 {
     const QFileInfo info(file);
@@ -47,6 +48,7 @@ QString notThereText(const QString &file, FileUse use)
                : u"the folder '%1' accepts no such file"_s.arg(info.absolutePath());
 }
 
+/// Writers replace files, so they need permission for the folder as well.
 QString noPermissionText(const QString &file, FileUse use)
 {
     const QFileInfo info(file);

@@ -1,8 +1,8 @@
 // Merges Parquet files: copies their row groups without decoding them, and writes one footer.
 //
 // Fields of the metadata that this program does not know are kept. Every offset is shifted, or left
-// out with what it refers to. The memory is that of the merged footer and of the largest footer of
-// a part. Layout: docs/formats/parquet.md. Threads: one at a time per object.
+// out with what it refers to. In memory are only the merged footer and one footer of a
+// part. Layout: docs/formats/parquet.md. Threads: one at a time per object.
 #pragma once
 #include "codecs/parquet/merge/schema_join.h"
 

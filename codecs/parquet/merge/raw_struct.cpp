@@ -29,6 +29,7 @@ template <class F> QByteArray written(F &&write)
 
 } // namespace
 
+/// The header of a bool field is its value, so that there are no bytes to copy.
 bool RawStruct::readField(CompactReader *reader, std::span<const uchar> bytes, Field *field)
 {
     if (field->type == ThriftType::Bool) {
@@ -78,6 +79,7 @@ std::optional<RawStruct> RawStruct::parse(const QByteArray &bytes)
     return parse(spanOf(bytes));
 }
 
+/// Of several fields with one id, which only a damaged struct has, the first one counts.
 const RawStruct::Field *RawStruct::find(qint16 id) const
 {
     const auto found = std::ranges::lower_bound(m_fields, id, {}, &Field::id);
@@ -147,6 +149,7 @@ std::optional<std::vector<QByteArray>> RawStruct::list(qint16 id) const
     return elements;
 }
 
+/// A list with one damaged element is not used at all.
 std::vector<qint32> RawStruct::numbers(qint16 id) const
 {
     const Field *const field = find(id);
@@ -164,6 +167,7 @@ std::vector<qint32> RawStruct::numbers(qint16 id) const
     return isGood ? values : std::vector<qint32>();
 }
 
+/// Ids stay in ascending order, which keeps the headers of fields at one byte.
 void RawStruct::set(qint16 id, ThriftType type, const QByteArray &value)
 {
     remove(id);

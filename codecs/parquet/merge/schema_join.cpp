@@ -292,7 +292,8 @@ int SchemaJoin::indexOf(const QByteArray &name) const
     return found == m_indexes.end() ? kMissing : found->second;
 }
 
-/// The names and their order; the types are compared column by column.
+/// The names and their order; the types are compared column by column. The first difference is
+/// reported, because those after it may only follow from it.
 Result<void, MergeError> SchemaJoin::checkSame(const FileColumns &file) const
 {
     const size_t count = std::max(file.columns.size(), m_columns.size());
@@ -313,6 +314,7 @@ Result<void, MergeError> SchemaJoin::checkSame(const FileColumns &file) const
     return {};
 }
 
+/// The first file that has a column defines its type and its place.
 Result<void, MergeError> SchemaJoin::addColumn(const MergedColumn &column)
 {
     const int index = indexOf(column.name);
@@ -334,6 +336,7 @@ Result<void, MergeError> SchemaJoin::addColumn(const MergedColumn &column)
     return {};
 }
 
+/// Two columns of one name could not be assigned to those of the other files.
 Result<void, MergeError> SchemaJoin::add(const FileColumns &file)
 {
     std::set<QByteArray> names;
@@ -390,6 +393,7 @@ std::vector<QByteArray> SchemaJoin::schema() const
     return elements;
 }
 
+/// Without equal orders in all files, no order is true for the values of all row groups.
 std::vector<QByteArray> SchemaJoin::orders() const
 {
     std::vector<QByteArray> orders;

@@ -72,7 +72,7 @@ public:
     /// The encoded column orders, one per leaf; empty unless all files have the same.
     std::vector<QByteArray> orders() const;
     /// For each column of the result its index in a file, or kMissing. Errors: Different, for a
-    /// file that is not as it was in add().
+    /// file that has changed since add().
     Result<std::vector<int>, MergeError> columnsIn(const FileColumns &file) const;
 
 private:

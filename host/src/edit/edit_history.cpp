@@ -185,6 +185,7 @@ private:
     XMLNode m_saved; // what the action saves
 };
 
+/// Letters typed one after the other are one step, as in text editors.
 bool isSameSeries(const EditHistory::Step &step, const QString &action, const ParameterEdit &edit)
 {
     return edit.series != 0 && step.edit.series == edit.series && step.action == action &&
@@ -198,6 +199,8 @@ XMLNode savedForm(ActionItem &action, const XMLNode &before, const ParameterEdit
     return Merge(action, before, edit).take();
 }
 
+/// The graph may hold more than the action reads, such as comments in a structure. As long as the
+/// value is the same, that form is kept.
 QString storedValue(ActionItem &action, int index)
 {
     const auto &parameters = dynamic_cast<const ActionParameters &>(action);
@@ -217,6 +220,7 @@ QString storedValue(ActionItem &action, int index)
     return isSame && !stored.isEmpty() ? stored : value;
 }
 
+/// Both actions have the same type, so their parameters have the same numbers.
 void restoreParameters(ActionItem &action, const XMLNode &saved)
 {
     const std::unique_ptr<ActionItem> copy = copyWith(action, saved);
@@ -236,6 +240,7 @@ EditHistory::EditHistory(CorvantaGraph *graph)
 {
 }
 
+/// A new edit discards the steps that could be redone: they belong to another state.
 void EditHistory::record(ActionItem *action, const ParameterEdit &edit)
 {
     const int index = action->getIdx();
@@ -274,6 +279,7 @@ const EditHistory::Step *EditHistory::redo()
     return &step;
 }
 
+/// The step has the id of its action, because numbers change when actions are removed.
 void EditHistory::setElement(const Step &step, const XMLNode &element)
 {
     const int index = m_graph->indexOf(step.action);

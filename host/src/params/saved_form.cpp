@@ -39,6 +39,7 @@ bool isAllowedInteger(const ParameterInfo &info, const QString &text)
     return isNumber && number >= info.low && number <= info.high && fitsChoices;
 }
 
+/// Bounds that are those of the type are not mentioned: no user exceeds them by mistake.
 QString rangeOf(const ParameterInfo &info)
 {
     const bool hasLow = info.low > std::numeric_limits<int>::min();
@@ -180,6 +181,7 @@ void Walk::visit(const XMLNode &element, const QVector<ParameterInfo> &infos)
     visitChildren(element, known);
 }
 
+/// Every element may have the version of the program that saved it.
 void Walk::visitAttributes(const XMLNode &element, const Known &known)
 {
     ParameterInfo version;
@@ -262,6 +264,7 @@ void Walk::visitChild(const XMLNode &child, const ParameterInfo &info)
     }
 }
 
+/// A wrapper has no values of its own, only items.
 void Walk::visitWrapper(const XMLNode &wrapper, const ParameterInfo &info)
 {
     for (const QString &name : wrapper.attributeNames()) {
@@ -355,6 +358,7 @@ void Walk::checkValue(const XMLNode &element, const ParameterInfo &info, const Q
     }
 }
 
+/// A reference to a variable where none is replaced is probably a mistake, but a valid text.
 void Walk::checkExpansion(const XMLNode &element, const ParameterInfo &info, const QString &text)
 {
     if (info.isExpanded || info.file != ParameterInfo::File::None || m_global == nullptr) {
