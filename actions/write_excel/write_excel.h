@@ -188,6 +188,8 @@ private:
     void reportCells();
     void reportCells(const Occurrences &cells, const QString &noun, const QString &column,
                      const QString &problem);
+    /// Rows that another action of this run has written, before they are replaced.
+    void reportReplacedRows(const QString &sheet, qint64 startRow1);
     /// What does not fit the sheet: hyperlinks, tables, merged ranges. After its last row.
     void reportSheet();
     /// A run without rows that wrote no file.

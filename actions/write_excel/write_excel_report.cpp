@@ -8,6 +8,7 @@
 #include "base/counted.h"
 #include "base/nearest_name.h"
 #include "codecs/xlsx/name_rules.h"
+#include "corvanta/target_file.h"
 
 #include <QCoreApplication>
 
@@ -266,11 +267,24 @@ xlsx::WrittenCells ActionWriteExcel::writtenCells() const
     return written;
 }
 
+/// Two actions that update one sheet from the same row on: only the rows of the last one stay.
+void ActionWriteExcel::reportReplacedRows(const QString &sheet, qint64 startRow1)
+{
+    for (const WrittenRows &rows : takeWrittenRows(fileName(), sheet, startRow1)) {
+        const qint64 count = rows.last - rows.first + 1;
+        warn(
+            u"Warning: %1 from row %2 in the sheet '%3' of the Excel file '%4', which the action '%5' has just written, %6 replaced (startRow='0' writes below them).\n"_s
+                .arg(counted(count, u"row"_s), QString::number(rows.first), sheet, fileName(),
+                     rows.action, isOrAre(count)));
+    }
+}
+
 // Only after the last row is it known whether the sheet passes a limit.
 void ActionWriteExcel::reportSheet()
 {
     const QString &sheet = m_run->workbook->sheetName();
     const xlsx::WrittenCells written = writtenCells();
+    addWrittenRows(fileName(), sheet, written.range.firstRow, written.range.lastRow);
     if (written.range.lastRow < written.range.firstRow) {
         warn(
             u"Warning: no row is written to the sheet '%1' of the Excel file '%2': there are neither rows nor column names.\n"_s

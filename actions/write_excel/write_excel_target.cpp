@@ -266,6 +266,10 @@ bool ActionWriteExcel::changeSheet(xlsx::UpdatedWorkbook &workbook, qsizetype in
     }
     const quint64 startRow1 = startRowOf(expandString(m_params.startRow));
     const auto chosen = workbook.changeSheet(static_cast<size_t>(index), startRow1);
+    if (chosen && startRow1 != xlsx::SheetSplitter::kAppend) {
+        reportReplacedRows(workbook.workbook().sheetNames().at(index),
+                           static_cast<qint64>(startRow1));
+    }
     return chosen || failWorkbook(chosen.fault());
 }
 

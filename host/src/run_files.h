@@ -1,13 +1,17 @@
 // What a run knows about the files that its actions write.
 #pragma once
+#include "corvanta/target_file.h"
 #include "engine/target_order.h"
 #include "unsynced_names.h"
 
 #include <QString>
 
+#include <map>
 #include <mutex>
 #include <set>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace corvanta {
 
@@ -37,6 +41,9 @@ public:
     /// write one file, because its name depends on the rows, would damage it: false for the second
     /// one, after logging an error.
     bool claim(const QString &file, int action);
+    // As addWrittenRows() and takeWrittenRows().
+    void addRows(const QString &file, const QString &table, WrittenRows rows);
+    std::vector<WrittenRows> takeRows(const QString &file, const QString &table, qint64 first);
     /// Files that are to be flushed before the run ends.
     UnsyncedNames &unsynced() { return m_unsynced; }
 
@@ -49,8 +56,10 @@ private:
     };
     UnsyncedNames m_unsynced;
     std::set<std::pair<int, int>> m_shared;      // see TargetOrder
-    std::mutex m_mutex;                          // guards m_owners
+    std::mutex m_mutex;                          // guards the members below
     std::unordered_map<QString, Owner> m_owners; // by the final name of the file
+    // By that name and the table.
+    std::map<std::pair<QString, QString>, std::vector<WrittenRows>> m_rows;
 };
 
 } // namespace corvanta

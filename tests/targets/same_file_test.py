@@ -101,6 +101,24 @@ class SameFile(unittest.TestCase):
         self.run_graph(CSV.format("a"), EXTEND, EXTEND, links="a0 a1,a1 a2")
         self.assertEqual(self.sheets(), {"A": 4 + 4 + 2001 + 4 + 4, "B": 2001})
 
+    def test_rows_that_two_actions_write_to_one_place(self):
+        replace = "<writeExcel mode='2' fileNameDestination='{0}' sheetName='A' startRow='{1}'/>"
+        (self.folder / "l.xlsx").symlink_to("z.xlsx")
+        path = self.graph(CSV.format("b"), CSV.format("a"), CREATE.format("A"), replace.format("z.xlsx", 3),
+                          replace.format("l.xlsx", 6).replace("sheetName='A'", "sheetMode='0' sheetIdx='1'"),
+                          replace.format("z.xlsx", 3), links="a0 a2,a1 a3,a1 a4,a1 a5")
+        done = self.command(path, "--log-format", "json")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        log = [json.loads(line) for line in done.stderr.splitlines()]
+        lost = [re.search(r"(.*) from row (\d+) in the sheet 'A' of .*, which the action '(\w+)' has just written, (\w+) replaced",
+                          message["message"]).groups() for message in log]
+        self.assertIn(" replaced (startRow='0' writes below them).", log[0]["message"])
+        expected = [("a3", "1999 rows", "3", "a2", "are"), ("a4", "1 row", "6", "a3", "is"), ("a5", "3 rows", "3", "a3", "are"),
+                    ("a5", "4 rows", "6", "a4", "are")]
+        self.assertEqual([(message["action"], message["level"]) for message in log], [(row[0], 2) for row in expected])
+        self.assertEqual([words.removeprefix("Warning: ") for line in lost for words in line], [word for row in expected for word in row[1:]])
+        self.assertEqual(self.sheets(), {"A": 2 + 4})
+
     def test_links_come_before_the_order_of_the_graph(self):
         self.run_graph(ADD.format("B", "z.xlsx"), CREATE.format("A"), CSV.format("a"), links="a2 a1,a1 a0")
         self.assertEqual(list(self.sheets()), ["A", "B"])

@@ -15,6 +15,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 /// How a target is opened; each mode says what discard() and a failed commit() do.
 enum class TargetMode {
@@ -139,3 +140,29 @@ private:
     // Of "TARGET_TMP" between its end and its final name; before, the file itself is locked.
     corvanta::platform::FileLock m_tmpLock;
 };
+
+// Rows that the actions of a run have written, for actions that replace rows of the same file: what
+// one action of a graph writes must not vanish without a message.
+
+namespace corvanta {
+
+/// Rows of one table of a file, for example of a sheet, that an action has written.
+struct WrittenRows
+{
+    QString action; ///< its id in the graph
+    // Numbers in the table, from 1.
+    qint64 first = 1;
+    qint64 last = 0;
+};
+
+// For the thread of an action, between init and the end of close; elsewhere nothing is remembered.
+
+/// Remember until the end of the run that the calling action writes these rows.
+CORVANTA_EXPORT void addWrittenRows(const QString &file, const QString &table, qint64 first,
+                                    qint64 last);
+/// Forget the rows from row `first` on, because the calling action replaces them. Returns what was
+/// remembered of them, in the order in which it was written.
+CORVANTA_EXPORT std::vector<WrittenRows> takeWrittenRows(const QString &file, const QString &table,
+                                                         qint64 first);
+
+} // namespace corvanta
