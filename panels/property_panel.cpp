@@ -4,7 +4,6 @@
 #include "corvanta/corvanta_graph.h"
 #include "corvanta/edit/edit_check.h"
 #include "corvanta/edit/edit_history.h"
-#include "corvanta/icons.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/params/saved_form.h"
 #include "panels/colors.h"
@@ -13,18 +12,18 @@
 #include "panels/mnemonics.h"
 #include "panels/note_label.h"
 #include "panels/outline_style.h"
+#include "panels/panel_heading.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStyle>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -41,16 +40,7 @@ constexpr int kMaxLineCharacters = 24;      // longer labels are wrapped
 constexpr int kMaxConditionCharacters = 80; // of the values in a remark
 constexpr int kMaxDefaultCharacters = 40;   // in a menu
 constexpr int kValidationDelayMs = 200;
-constexpr int kScrollBarGap = 6;   // between the fields and the scroll bar
-constexpr double kIconScale = 0.5; // 32 pixels
-constexpr double kPlateRadius = 5;
-constexpr double kPlateMargin = 3;
-
-/// A description is a text for menus, where "&&" is a visible ampersand.
-QString shownDescription(const ActionItem &action)
-{
-    return translated(action.getDescription()).replace("&&"_L1, "&"_L1);
-}
+constexpr int kScrollBarGap = 6; // between the fields and the scroll bar
 
 /// The texts of a parameter and of its members in the language of the user.
 ParameterInfo translatedInfo(ParameterInfo info)
@@ -73,29 +63,6 @@ QString capitalized(QString text)
     return text;
 }
 
-/// The icon on a light plate when the window is dark: icons are drawn for light windows.
-QPixmap readableIcon(const QPixmap &icon, const QPalette &palette)
-{
-    const bool isDark = contrastOf(palette.color(QPalette::Window), Qt::black) <
-                        contrastOf(palette.color(QPalette::Window), Qt::white);
-    if (!isDark) {
-        return icon;
-    }
-    QPixmap plated(icon.size());
-    plated.setDevicePixelRatio(icon.devicePixelRatio());
-    plated.fill(Qt::transparent);
-    QPainter painter(&plated);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0xf0, 0xf0, 0xf0));
-    const QRectF all(QPointF(), icon.deviceIndependentSize());
-    painter.drawRoundedRect(all, kPlateRadius, kPlateRadius);
-    const QRectF inner = all.adjusted(kPlateMargin, kPlateMargin, -kPlateMargin, -kPlateMargin);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(inner, icon, QRectF(icon.rect()));
-    return plated;
-}
-
 /// The parameters that a layout names.
 QSet<QString> namesIn(const PanelLayout &layout)
 {
@@ -113,14 +80,14 @@ QSet<QString> namesIn(const PanelLayout &layout)
 PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLayout &layout)
     : UpdateClassWidget(parent, action)
     , m_parameters(dynamic_cast<ActionParameters *>(action))
+    , m_heading(new PanelHeading(action, this))
     , m_scroll(new QScrollArea)
-    , m_icon(new QLabel)
     , m_problem(new NoteLabel)
 {
     // Layouts give their widgets to the panel, which deletes them. The heading does not scroll.
     updatePalette();
     auto *const column = new QVBoxLayout(this);
-    column->addWidget(makeHeading());
+    column->addWidget(m_heading);
     column->addWidget(m_problem);
     column->addWidget(m_scroll);
     m_scroll->setWidget(new QWidget);
@@ -183,40 +150,6 @@ void PropertyPanel::addGroups(const PanelLayout &layout)
         groups->addWidget(group);
     }
     groups->addStretch(1);
-}
-
-/// The icon, the type name and the description of the action, and a button for its help page.
-QWidget *PropertyPanel::makeHeading()
-{
-    auto *const heading = new QWidget;
-    auto *const layout = new QHBoxLayout(heading);
-    layout->setContentsMargins(0, 0, 0, 0);
-    showIcon();
-    auto *const text = new QLabel(
-        u"<b>%1</b><br>%2"_s.arg(QString::fromLatin1(action()->getTypeName()).toHtmlEscaped(),
-                                 shownDescription(*action()).toHtmlEscaped()));
-    text->setWordWrap(true);
-    auto *const help = new QToolButton;
-    help->setText(u"?"_s);
-    help->setAutoRaise(true);
-    help->setFocusPolicy(Qt::StrongFocus); // tool buttons are skipped by Tab otherwise
-    help->setAccessibleName(tr("Help"));
-    help->setToolTip(tr("Help (F1)"));
-    help->setAccessibleDescription(tr("Opens the help page of the action"));
-    connect(help, &QToolButton::clicked, this, [this] { action()->showHelp(); });
-    layout->addWidget(m_icon);
-    layout->addWidget(text, 1);
-    layout->addWidget(help);
-    return heading;
-}
-
-/// Drawn for the pixels of the screen, so that it is sharp on a scaled one.
-void PropertyPanel::showIcon()
-{
-    const double ratio = devicePixelRatioF();
-    QPixmap icon = *action()->getIcon(kIconScale * ratio);
-    icon.setDevicePixelRatio(ratio);
-    m_icon->setPixmap(readableIcon(icon, palette()));
 }
 
 void PropertyPanel::addGroup(const PanelGroup &group, Mnemonics &mnemonics)
@@ -345,7 +278,7 @@ QSize PropertyPanel::sizeHint() const
     if (content->layout() != nullptr) {
         height += content->layout()->heightForWidth(inner);
     }
-    for (const QWidget *const above : {m_icon->parentWidget(), static_cast<QWidget *>(m_problem)}) {
+    for (const QWidget *const above : std::initializer_list<QWidget *>{m_heading, m_problem}) {
         height += above->isHidden() ? 0 : above->heightForWidth(inner) + layout()->spacing();
     }
     return {width, qMin(kMaxHeight, height)};
@@ -370,7 +303,6 @@ void PropertyPanel::changeEvent(QEvent *event)
         updateMinimumWidth();
     } else if (event->type() == QEvent::PaletteChange) {
         updatePalette();
-        showIcon();
     }
 }
 

@@ -26,6 +26,7 @@ namespace corvanta {
 class FoldingGroup;
 class Mnemonics;
 class NoteLabel;
+class PanelHeading;
 
 class PropertyPanel : public UpdateClassWidget
 {
@@ -68,8 +69,6 @@ private:
     };
 
     // Called once, by the constructor; rows and groups never change afterwards.
-    QWidget *makeHeading();
-    void showIcon();
     /// Make all groups, "Advanced" with the parameters that no group names included.
     void addGroups(const PanelLayout &layout);
     void addGroup(const PanelGroup &group, Mnemonics &mnemonics);
@@ -105,8 +104,8 @@ private:
 
     ActionParameters *m_parameters;
     QVector<ParameterInfo> m_infos; // translated; by number of the parameter
+    PanelHeading *m_heading;
     QScrollArea *m_scroll;
-    QLabel *m_icon;
     NoteLabel *m_problem; // of the whole action
     std::vector<FoldingGroup *> m_groups;
     std::vector<Row> m_rows; // in the order of the panel

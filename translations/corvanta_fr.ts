@@ -4623,6 +4623,21 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
 </context>
 <context>
+    <name>corvanta::PanelHeading</name>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+    <message>
+        <source>Help (F1)</source>
+        <translation>Aide (F1)</translation>
+    </message>
+    <message>
+        <source>Opens the help page of the action</source>
+        <translation>Ouvre la page d&apos;aide de l&apos;action</translation>
+    </message>
+</context>
+<context>
     <name>corvanta::PinCountField</name>
     <message>
         <source>Add an input pin</source>
@@ -4689,18 +4704,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
 </context>
 <context>
     <name>corvanta::PropertyPanel</name>
-    <message>
-        <source>Help</source>
-        <translation>Aide</translation>
-    </message>
-    <message>
-        <source>Help (F1)</source>
-        <translation>Aide (F1)</translation>
-    </message>
-    <message>
-        <source>Opens the help page of the action</source>
-        <translation>Ouvre la page d&apos;aide de l&apos;action</translation>
-    </message>
     <message>
         <source>expected %1</source>
         <translation>valeur attendue&#xa0;: %1</translation>
