@@ -79,7 +79,7 @@ QSet<QString> namesIn(const PanelLayout &layout)
 
 PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLayout &layout)
     : UpdateClassWidget(parent, action)
-    , m_parameters(dynamic_cast<ActionParameters *>(action))
+    , m_parameters(parameters())
     , m_heading(new PanelHeading(action, this))
     , m_scroll(new QScrollArea)
     , m_problem(new NoteLabel)
@@ -336,13 +336,12 @@ void PropertyPanel::edit(Row &row, const QString &value, FieldEditor::Edit kind)
     const bool isSame = m_parameters->parameterValue(row.index) == value;
     const ParameterInfo &info = m_infos[row.index];
     // A rejected text stays in its field, so that the user can correct it.
-    const bool isTaken = isSame || m_parameters->setParameterValue(row.index, value);
+    m_series = m_series == 0 ? ++lastSeries : m_series;
+    const bool isTaken =
+        isSame || editParameter(row.index, value, kind == FieldEditor::Edit::Typing ? m_series : 0);
     row.rejected = isTaken ? QString() : tr("expected %1").arg(allowedValues(info));
     row.isEdited = true;
     if (isTaken && !isSame) {
-        m_series = m_series == 0 ? ++lastSeries : m_series;
-        MainUI::parameterWasEdited(
-            action(), {info.name, value, kind == FieldEditor::Edit::Typing ? m_series : 0});
         for (const Row &other : m_rows) {
             other.editor->parameterEdited(info.name);
         }

@@ -1,12 +1,8 @@
 // The catalogues of the modules: their actions, in the order of the plug-in interface.
 #pragma once
-#include "corvanta/action_entry.h"
-
-#include <span>
+#include "corvanta/catalogue_plugin.h"
 
 namespace corvanta {
-
-using Catalogue = std::span<const ActionEntry *const>;
 
 /// The actions of CorvantaPluginWriteReport.
 Catalogue writeReportCatalogue();

@@ -1,7 +1,7 @@
 // The plug-in object of CorvantaPluginTables, the module with the host's own actions. The host
 // loads it after all other modules.
 #pragma once
-#include "plugin/catalogue_plugin.h"
+#include "plugin/catalogue.h"
 
 #include <QObject>
 
@@ -13,8 +13,7 @@ class CorvantaTables final : public QObject, public corvanta::CataloguePlugin
 
 public:
     CorvantaTables()
-        : CataloguePlugin(corvanta::tablesCatalogue())
+        : CataloguePlugin(corvanta::tablesCatalogue(), 1.0)
     {
     }
-    double getVersion() override { return 1.0; }
 };

@@ -1,6 +1,6 @@
 // The plug-in object of CorvantaPluginWriteReport.
 #pragma once
-#include "plugin/catalogue_plugin.h"
+#include "plugin/catalogue.h"
 
 #include <QObject>
 
@@ -12,8 +12,7 @@ class CorvantaWriteReport final : public QObject, public corvanta::CataloguePlug
 
 public:
     CorvantaWriteReport()
-        : CataloguePlugin(corvanta::writeReportCatalogue())
+        : CataloguePlugin(corvanta::writeReportCatalogue(), 4.2)
     {
     }
-    double getVersion() override { return 4.2; }
 };

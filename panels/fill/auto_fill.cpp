@@ -47,7 +47,7 @@ QString describe(const InputTable &table, qsizetype number)
 
 AutoFill::AutoFill(UpdateClassWidget *panel)
     : PanelExtra(panel)
-    , m_parameters(dynamic_cast<ActionParameters *>(panel->action()))
+    , m_parameters(panel->parameters())
     , m_infos(m_parameters->parameters())
     , m_elements(structureOf(m_infos))
 {

@@ -1,8 +1,14 @@
-#include "plugin/catalogue_plugin.h"
+#include "corvanta/catalogue_plugin.h"
 
 #include <exception>
 
 namespace corvanta {
+
+CataloguePlugin::CataloguePlugin(Catalogue catalogue, double version)
+    : m_catalogue(catalogue)
+    , m_version(version)
+{
+}
 
 ActionItem *CataloguePlugin::createAction(int index, unsigned int)
 {
