@@ -14,6 +14,7 @@
 
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -27,7 +28,19 @@ constexpr char kHelp[] =
     "last session.\n\n"
     "  --help, -h     this text\n"
     "  --version      print the version\n\n"
-    "Exit status: 0 done, 2 bad usage.\n";
+    "Exit status: 0 done, 2 bad usage or no display.\n";
+
+/// Installed while the application object opens the display. Qt gives its reasons as warnings, then
+/// a fatal message, after which it would abort; the user gets a remedy and no core dump.
+void reportDisplay(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtFatalMsg) {
+        std::fputs("corvanta-studio: no display; start it in a desktop session, or with 'ssh -X'\n",
+                   stderr);
+        std::_Exit(2); // as abort(): no destructors
+    }
+    std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, text)));
+}
 
 /// Prints what the options ask for; these need no screen. Returns the exit status, or nothing if
 /// the window is to be opened.
@@ -72,7 +85,9 @@ int main(int argc, char **argv)
     if (const auto status = printOnly(argc, argv)) {
         return *status;
     }
+    qInstallMessageHandler(reportDisplay);
     const QApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
     // The application object takes the locale from the environment; numbers in files must not
     // follow it.
     std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): no other thread runs yet

@@ -506,4 +506,22 @@ TEST_F(Shell, CommandAndScriptRunTheGraph)
     EXPECT_TRUE(QFile::exists(path(u"out.csv"_s)));
 }
 
+/// Neither with a display that does not answer nor with a plug-in of Qt that does not exist.
+TEST(Program, SaysThatThereIsNoDisplay)
+{
+    for (const auto &platform : {u"xcb"_s, u"missing"_s}) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+        environment.insert(u"DISPLAY"_s, u":4711"_s);
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationDirPath() + u"/corvanta-studio"_s);
+        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 2);
+        EXPECT_TRUE(process.readAllStandardError().contains(
+            "corvanta-studio: no display; start it in a desktop session, or with 'ssh -X'\n"));
+    }
+}
+
 } // namespace
