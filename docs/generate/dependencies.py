@@ -24,7 +24,7 @@ def package(name, license_name, copyright_text, version=None):
 
 def bill_of_materials(root, version):
     """The time and the namespace are fixed, so that equal sources give equal bytes."""
-    corvanta = package("Corvanta", "NOASSERTION", "NOASSERTION", version)
+    corvanta = package("Corvanta", "NOASSERTION", "2026 the maintainers of Corvanta. All rights reserved.", version)
     libraries = [package(entry["name"], entry["license"], entry["copyright"]) for entry in dependencies(root)]
     relations = [{"spdxElementId": "SPDXRef-DOCUMENT", "relationshipType": "DESCRIBES", "relatedSpdxElement": corvanta["SPDXID"]}]
     relations += [{"spdxElementId": corvanta["SPDXID"], "relationshipType": "DYNAMIC_LINK", "relatedSpdxElement": library["SPDXID"]} for library in libraries]
