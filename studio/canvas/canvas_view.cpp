@@ -1,4 +1,5 @@
-// Keys and wheel. What the mouse does to nodes and links is in GraphScene and LinkDrag.
+// Zoom, wheel and focus. Keys are in canvas_keys.cpp; what the mouse does to nodes and links is in
+// GraphScene and LinkDrag.
 #include "studio/canvas/canvas_view.h"
 
 #include "studio/canvas/canvas_access.h"
@@ -29,23 +30,6 @@ constexpr double kMinZoom = 0.05;
 constexpr double kMaxZoom = 4;
 constexpr double kSceneMargin = 2000; // to drag nodes away from the others
 constexpr int kOverviewMargin = 10;
-
-/// The unit vector of an arrow key; null for any other.
-QPointF directionOf(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-        return {-1, 0};
-    case Qt::Key_Right:
-        return {1, 0};
-    case Qt::Key_Up:
-        return {0, -1};
-    case Qt::Key_Down:
-        return {0, 1};
-    default:
-        return {};
-    }
-}
 
 /// So near that the actions, with the space around them, would overlap.
 bool isNear(QPointF one, QPointF other)
@@ -93,6 +77,7 @@ CanvasView::CanvasView(GraphDocument &document, QWidget *parent)
     }
     connect(&document, &GraphDocument::fillFailed, this,
             [this](const QString &, const QString &reason) { Q_EMIT message(reason); });
+    makeKeys();
     growScene();
     zoomFit();
 }
@@ -207,181 +192,6 @@ void CanvasView::showNote(NoteItem *note)
     m_scene->setFocusItem(note);
     ensureVisible(note);
     Q_EMIT message(note->text());
-}
-
-/// Keys that concern the current note.
-bool CanvasView::keyOfNote(const QKeyEvent *event)
-{
-    const auto *const note = qgraphicsitem_cast<NoteItem *>(m_scene->focusItem());
-    if (note == nullptr || !note->isSelected() || event->modifiers() != Qt::NoModifier) {
-        return false;
-    }
-    const bool isEdit = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEdit) {
-        editNote(note->key());
-    }
-    return isEdit;
-}
-
-/// Keys while a link is drawn; no other key has an effect then.
-bool CanvasView::keyOfLinkDrag(QKeyEvent *event)
-{
-    LinkDrag &drag = m_scene->linkDrag();
-    if (!drag.isActive()) {
-        return false;
-    }
-    switch (event->key()) {
-    case Qt::Key_Escape:
-        drag.cancel();
-        Q_EMIT message({});
-        return true;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        drag.accept();
-        return true;
-    case Qt::Key_Right:
-    case Qt::Key_Down:
-        drag.nextTarget(1);
-        return true;
-    case Qt::Key_Left:
-    case Qt::Key_Up:
-        drag.nextTarget(-1);
-        return true;
-    default:
-        return true;
-    }
-}
-
-/// Keys that concern the selected link.
-bool CanvasView::keyOfLink(const QKeyEvent *event)
-{
-    const QVector<LinkRef> links = m_scene->selectedLinks();
-    if (links.size() != 1 || !m_scene->currentId().isEmpty()) {
-        return false;
-    }
-    if (event->key() == Qt::Key_L) {
-        m_scene->linkDrag().beginReroute(links.first());
-        return true;
-    }
-    if (event->key() == Qt::Key_Space) {
-        const LinkItem *const item = m_scene->link(links.first());
-        askForInsertion(links.first(), item->path().pointAtPercent(0.5));
-        return true;
-    }
-    return false;
-}
-
-/// Keys that concern the current action.
-bool CanvasView::keyOfCurrent(const QKeyEvent *event)
-{
-    const QString id = m_scene->currentId();
-    if (id.isEmpty() || event->modifiers() != Qt::NoModifier) {
-        return false;
-    }
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        Q_EMIT activated(id);
-        return true;
-    case Qt::Key_F2:
-        Q_EMIT renameWanted(id);
-        return true;
-    case Qt::Key_L:
-        if (m_document.outputCount(id) > 0) {
-            m_scene->linkDrag().beginFrom({id, 0});
-        } else {
-            Q_EMIT message(tr("“%1” has no output.").arg(id));
-        }
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Commands with shortcuts, such as copy, belong to the window.
-void CanvasView::keyPressEvent(QKeyEvent *event)
-{
-    if (keyOfLinkDrag(event) || keyOfCurrent(event) || keyOfLink(event) || keyOfNote(event)) {
-        return;
-    }
-    const bool isArrow = !directionOf(event->key()).isNull();
-    if (event->matches(QKeySequence::Delete) || event->key() == Qt::Key_Backspace) {
-        removeSelection();
-    } else if (isArrow && event->modifiers().testFlag(Qt::AltModifier)) {
-        goToNeighbour(event->key());
-    } else if (isArrow &&
-               (!m_scene->selectedIds().isEmpty() || !m_scene->selectedNotes().isEmpty())) {
-        moveSelection(event->key());
-    } else if (event->key() == Qt::Key_K && event->modifiers() == Qt::NoModifier) {
-        goToNext(m_scene->links(), &CanvasView::showLink);
-    } else if (event->key() == Qt::Key_N && event->modifiers() == Qt::NoModifier) {
-        goToNext(m_scene->notes(), &CanvasView::showNote);
-    } else if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
-        const QString id = m_scene->currentId();
-        const bool hasOutput = !id.isEmpty() && m_document.outputCount(id) > 0;
-        askForAction(hasOutput ? PinRef{id, 0} : PinRef(), freePosition());
-    } else if (event->key() == Qt::Key_Plus) {
-        zoomIn();
-    } else if (event->key() == Qt::Key_Minus) {
-        zoomOut();
-    } else {
-        QGraphicsView::keyPressEvent(event);
-    }
-}
-
-/// Move the selected nodes by a step of the grid; with several keys this is one step for undo.
-void CanvasView::moveSelection(int key)
-{
-    QMap<QString, QPointF> positions;
-    for (const QString &id : m_scene->selectedIds()) {
-        positions.insert(id, m_document.position(id) + directionOf(key) * NodeItem::kGrid);
-    }
-    QMap<int, QPointF> notes;
-    for (const NoteItem *const note : m_scene->notes()) {
-        if (note->isSelected()) {
-            notes.insert(note->key(), note->pos() + directionOf(key) * NodeItem::kGrid);
-        }
-    }
-    m_document.move(positions, m_moveSeries);
-    m_document.moveNotes(notes, m_moveSeries);
-}
-
-/// Make the nearest node in the direction of an arrow current, a linked one first.
-bool CanvasView::goToNeighbour(int key)
-{
-    const NodeItem *const current = m_scene->node(m_scene->currentId());
-    if (current == nullptr) {
-        return focusNextPrevChild(true);
-    }
-    const QPointF direction = directionOf(key);
-    const NodeItem *best = nullptr;
-    double bestCost = 0;
-    for (const NodeItem *const node : m_scene->orderedNodes()) {
-        const QPointF way = node->pos() - current->pos();
-        const double along = QPointF::dotProduct(way, direction);
-        const double across = qAbs(way.x() * direction.y()) + qAbs(way.y() * direction.x());
-        const double cost = along + 2 * across;
-        if (node != current && along > 0 && (best == nullptr || cost < bestCost)) {
-            best = node;
-            bestCost = cost;
-        }
-    }
-    if (best != nullptr) {
-        showAction(best->id());
-    }
-    return best != nullptr;
-}
-
-/// Select the item after the selected one, in the order of the file.
-template <class Item>
-void CanvasView::goToNext(const QVector<Item *> &items, void (CanvasView::*show)(Item *))
-{
-    if (items.isEmpty()) {
-        return;
-    }
-    const auto selected = std::ranges::find_if(items, &Item::isSelected);
-    const bool isLast = selected == items.end() || selected + 1 == items.end();
-    (this->*show)(isLast ? items.first() : *(selected + 1));
 }
 
 // The message is for those who do not see which link it is.

@@ -4,8 +4,8 @@
 // onto a link inserts it; the wheel scrolls, with Ctrl it zooms; the middle button moves the
 // view. A double click asks for an action.
 // Keyboard: Tab goes from node to node, arrows move the selected nodes, Alt+arrows follow links,
-// L draws a link or re-routes the selected one, K goes from link to link, Enter edits, Delete
-// removes, Space asks for an action.
+// L draws a link or re-routes the selected one, K goes from link to link, Enter edits, Space asks
+// for an action. The user can change these keys, except Tab.
 // Threads: the GUI thread.
 #pragma once
 #include "studio/canvas/graph_scene.h"
@@ -74,12 +74,11 @@ Q_SIGNALS:
     void message(const QString &text);
     /// The user wants to edit this action.
     void activated(const QString &id);
-    /// F2 on an action.
-    void renameWanted(const QString &id);
     /// A graph file was dropped.
     void graphDropped(const QString &file);
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     bool focusNextPrevChild(bool next) override;
     void wheelEvent(QWheelEvent *event) override;
@@ -97,14 +96,14 @@ protected:
 private:
     void zoomBy(double factor);
     void growScene();
-    bool keyOfLinkDrag(QKeyEvent *event);
-    bool keyOfLink(const QKeyEvent *event);
-    bool keyOfCurrent(const QKeyEvent *event);
-    bool goToNeighbour(int key);
-    void moveSelection(int key);
+    void makeKeys();
+    void editCurrent();
+    void askAtCurrent();
+    void drawLink();
+    void goToNeighbour(QPointF direction);
+    void moveSelection(QPointF way);
     template <class Item>
     void goToNext(const QVector<Item *> &items, void (CanvasView::*show)(Item *));
-    bool keyOfNote(const QKeyEvent *event);
     void askForAction(const PinRef &from, QPointF place);
     void askForInsertion(const LinkRef &link, QPointF place);
     void addAsked(const QString &type, const PinRef &from, QPointF place);

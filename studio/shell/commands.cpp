@@ -102,7 +102,7 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP("Commands", "Add the actions of the clipboard"), kOfGraph},
     {"edit", "edit.duplicate", QT_TRANSLATE_NOOP("Commands", "D&uplicate"), "Ctrl+D",
      QT_TRANSLATE_NOOP("Commands", "Add copies of the selected actions")},
-    {"edit", "edit.delete", QT_TRANSLATE_NOOP("Commands", "&Delete"), "Del",
+    {"edit", "edit.delete", QT_TRANSLATE_NOOP("Commands", "&Delete"), "Del; Backspace",
      QT_TRANSLATE_NOOP("Commands", "Remove the selected actions and links"), kOfGraph},
     {"edit", "edit.selectAll", QT_TRANSLATE_NOOP("Commands", "Select &All"), "Ctrl+A",
      QT_TRANSLATE_NOOP("Commands", "Select all actions"), kOfGraph | kSeparatorAfter},
@@ -442,11 +442,18 @@ void Commands::setShortcut(QAction *action, const QKeySequence &keys)
 
 QAction *Commands::findConflict(const QAction *action, const QKeySequence &keys) const
 {
-    const QVector<QAction *> others = partOf(*action).isEmpty() ? m_actions : ofParts();
+    // Keys of one part, or of two that share a widget, as the canvas has keys and commands.
+    const auto meets = [&](const QAction *other) {
+        const QObjectList owners = action->associatedObjects();
+        return partOf(*other) == partOf(*action) ||
+               std::ranges::any_of(other->associatedObjects(),
+                                   [&](QObject *owner) { return owners.contains(owner); });
+    };
+    const QVector<QAction *> others = m_actions + ofParts();
     const auto found = std::find_if(others.begin(), others.end(), [&](const QAction *other) {
         // Many commands have no keys, which is not a conflict.
         return other->objectName() != action->objectName() && !keys.isEmpty() &&
-               partOf(*other) == partOf(*action) && other->shortcuts().contains(keys);
+               other->shortcuts().contains(keys) && meets(other);
     });
     return found == others.end() ? nullptr : *found;
 }

@@ -329,10 +329,10 @@ void MainWindow::connectTab(DocumentTab *tab)
 void MainWindow::connectCanvas(CanvasView *canvas)
 {
     m_commands->addGraphShortcuts(canvas);
+    m_commands->adopt(*canvas, tr("Canvas"));
     connect(canvas, &CanvasView::message, m_graphCommands, &GraphCommands::reported);
     connect(canvas, &CanvasView::graphDropped, m_workspace, &Workspace::open);
     connect(canvas, &CanvasView::activated, this, [this] { raise(m_properties); });
-    connect(canvas, &CanvasView::renameWanted, (*m_commands)[u"edit.rename"_s], &QAction::trigger);
     canvas->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(canvas, &QWidget::customContextMenuRequested, this, [this, canvas](QPoint place) {
         // The place of the click says what the commands of the menu are for.

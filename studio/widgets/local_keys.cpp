@@ -10,9 +10,25 @@
 
 namespace corvanta::studio {
 
-LocalKeys::LocalKeys(QWidget *part)
+namespace {
+
+/// As QKeySequenceEdit records it: without the keypad, and a sign without the Shift that makes it.
+QKeySequence keysOf(const QKeyEvent &event)
+{
+    const int key = event.key() == Qt::Key_Enter ? Qt::Key_Return : event.key();
+    Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (key > Qt::Key_Space && key < Qt::Key_Escape && !QChar(key).isLetterOrNumber()) {
+        modifiers &= ~Qt::ShiftModifier;
+    }
+    return QKeyCombination(modifiers, static_cast<Qt::Key>(key));
+}
+
+} // namespace
+
+LocalKeys::LocalKeys(QWidget *part, std::function<bool()> isActive)
     : QObject(part)
     , m_part(part)
+    , m_isActive(std::move(isActive))
 {
     add(part);
 }
@@ -27,10 +43,10 @@ bool LocalKeys::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isKey =
         event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-    if (!isKey) {
+    if (!isKey || !m_isActive()) {
         return QObject::eventFilter(watched, event);
     }
-    const QKeySequence keys(static_cast<QKeyEvent *>(event)->keyCombination());
+    const QKeySequence keys = keysOf(*static_cast<QKeyEvent *>(event));
     const QList<QAction *> actions = m_part->actions();
     const auto found = std::find_if(actions.begin(), actions.end(), [&](const QAction *action) {
         return action->isEnabled() && action->shortcuts().contains(keys);

@@ -6,6 +6,8 @@
 #pragma once
 #include <QObject>
 
+#include <functional>
+
 class QWidget;
 
 namespace corvanta::studio {
@@ -14,8 +16,9 @@ class LocalKeys final : public QObject
 {
 public:
     /// The actions are those of `part` (QWidget::actions), with their current shortcuts. `part`
-    /// owns this object.
-    explicit LocalKeys(QWidget *part);
+    /// owns this object. While `isActive` returns false, `part` gets all keys itself.
+    explicit LocalKeys(
+        QWidget *part, std::function<bool()> isActive = [] { return true; });
     /// Also take the keys from a widget in the part that would use them itself, such as a table.
     void add(QWidget *widget);
 
@@ -24,6 +27,7 @@ protected:
 
 private:
     QWidget *m_part;
+    std::function<bool()> m_isActive;
 };
 
 } // namespace corvanta::studio

@@ -362,6 +362,7 @@ TEST_F(Shell, StartPageListsTheExamples)
 
 TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
 {
+    open(); // the canvas has keys too
     Commands &commands = window().commands();
     for (const QAction *const action : commands.all()) {
         EXPECT_FALSE(action->objectName().isEmpty());
@@ -392,7 +393,23 @@ TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
     tree->setCurrentItem(tree->findItems(u"Data: Reload"_s, Qt::MatchExactly).value(0));
     enter(QKeySequence(u"Ctrl+N"_s));
     EXPECT_NE(child<QAction>("dataReload").shortcut(), QKeySequence(u"Ctrl+N"_s));
+    // The canvas has keys of its own and those of some commands.
+    tree->setCurrentItem(tree->findItems(u"Canvas: Next Link"_s, Qt::MatchExactly).value(0));
+    const auto nextLink = [&] { return child<QAction>("canvasNextLink").shortcut(); };
+    for (const auto &taken : {u"L"_s, u"Backspace"_s, u"Ctrl+C"_s}) {
+        enter(QKeySequence(taken));
+        EXPECT_EQ(nextLink(), QKeySequence(u"K"_s)) << taken.toStdString();
+    }
+    enter(QKeySequence(u"J"_s));
+    EXPECT_EQ(nextLink(), QKeySequence(u"J"_s));
+    tree->setCurrentItem(tree->findItems(u"Copy"_s, Qt::MatchExactly).value(0));
+    enter(QKeySequence(u"J"_s));
+    EXPECT_EQ(commands[u"edit.copy"_s]->shortcut(), QKeySequence(u"Ctrl+C"_s));
+    tree->setCurrentItem(tree->findItems(u"Canvas: Next Action"_s, Qt::MatchExactly).value(0));
+    EXPECT_FALSE(keys->isEnabled()); // Tab stays
     shown.reset();
+    open();
+    EXPECT_EQ(nextLink(), QKeySequence(u"J"_s));
     EXPECT_EQ(window().commands()[u"run.all"_s]->shortcut(), QKeySequence(u"Ctrl+R"_s));
     EXPECT_EQ(child<QAction>("dataFind").shortcut(), QKeySequence(u"Ctrl+N"_s));
     window().commands().setShortcut(window().commands()[u"run.all"_s], QKeySequence(u"F5"_s));

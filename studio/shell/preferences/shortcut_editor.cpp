@@ -90,6 +90,11 @@ void ShortcutEditor::makeTree()
         item->setData(Name, Qt::UserRole, QVariant::fromValue(action));
         showKeys(item);
     }
+    // Without a command: Qt moves the focus with it, so it cannot be changed.
+    new QTreeWidgetItem(m_tree, {tr("Canvas: Next Action"),
+                                 QKeySequence(Qt::Key_Tab).toString(QKeySequence::NativeText),
+                                 tr("Go to the next action, and out of the canvas after the last; "
+                                    "with Shift backwards")});
     m_tree->header()->resizeSections(QHeaderView::ResizeToContents);
     connect(m_tree, &QTreeWidget::currentItemChanged, this, &ShortcutEditor::showCurrent);
 }
@@ -137,7 +142,9 @@ QAction *ShortcutEditor::currentAction() const
 void ShortcutEditor::showCurrent()
 {
     const QAction *const action = currentAction();
-    m_keys->setEnabled(action != nullptr);
+    for (QWidget *const widget : std::initializer_list<QWidget *>{m_keys, m_clear, m_reset}) {
+        widget->setEnabled(action != nullptr);
+    }
     m_keys->setKeySequence(action != nullptr ? action->shortcut() : QKeySequence());
     // The message was about another command, or about keys that are replaced now.
     m_conflict->clear();
