@@ -2,33 +2,31 @@
 #include "corvanta/action_registry.h"
 #include "corvanta/edit/translation.h"
 #include "studio/canvas/canvas_view.h"
-#include "studio/shell/command_text.h"
 #include "studio/shell/commands.h"
 #include "studio/shell/document_tab.h"
 #include "studio/shell/main_window.h"
 #include "studio/shell/palette/catalogue.h"
 #include "studio/shell/preferences/appearance.h"
 #include "studio/shell/preferences/settings.h"
-#include "studio/shell/preferences/shortcut_editor.h"
 #include "studio/shell/views/examples.h"
 #include "studio/shell/workspace.h"
+#include "tests/studio/shell_window.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
-#include <QClipboard>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QHeaderView>
-#include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -47,90 +45,9 @@
 using namespace Qt::StringLiterals;
 using namespace corvanta;
 using namespace corvanta::studio;
+using namespace corvanta::studio::test;
 
 namespace {
-
-const ActionRegistry &registry()
-{
-    static const auto loaded = [] {
-        auto all = std::make_unique<ActionRegistry>();
-        all->loadAll();
-        return all;
-    }();
-    return *loaded;
-}
-
-constexpr char kGraph[] = "<graph version='4.12'>\n"
-                          "  <variable name='year' value='2026'/>\n"
-                          "  <action id='table'><readCSV fileName='orders.csv'/></action>\n"
-                          "  <action id='sort'><sort><keys><s>a</s></keys></sort></action>\n"
-                          "  <action id='book'><writeCSV fileName='out.csv'/></action>\n"
-                          "  <link from='table:0' to='sort:0'/>\n"
-                          "  <link from='sort:0' to='book:0'/>\n"
-                          "</graph>\n";
-
-/// A window with settings of its own.
-class Shell : public testing::Test
-{
-protected:
-    QString path(const QString &name) const { return folder.filePath(name); }
-    QString write(const QString &name, const QByteArray &text) const
-    {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
-        return file.fileName();
-    }
-    MainWindow &window()
-    {
-        if (shown == nullptr) {
-            shown = std::make_unique<MainWindow>(registry(), settings);
-            shown->show();
-            EXPECT_TRUE(QTest::qWaitForWindowExposed(shown.get()));
-        }
-        return *shown;
-    }
-    /// The document of the graph above.
-    GraphDocument &open()
-    {
-        EXPECT_TRUE(window().workspace()->open(write(u"a.graph"_s, kGraph)));
-        return document();
-    }
-    GraphDocument &document() { return *window().workspace()->current()->document(); }
-    CanvasView &canvas() { return *window().workspace()->current()->canvas(); }
-    template <class Widget> Widget &child(const char *name)
-    {
-        auto *const found = window().findChild<Widget *>(QLatin1StringView(name));
-        EXPECT_NE(found, nullptr) << name;
-        return *found;
-    }
-    void trigger(const char *name) { window().commands()[QLatin1StringView(name)]->trigger(); }
-
-    QTemporaryDir folder;
-    Settings settings{folder.filePath(u"studio.ini"_s)};
-    std::unique_ptr<MainWindow> shown;
-};
-
-/// Answers the next message box by the button with this text, without "&".
-void answer(const QString &text)
-{
-    auto *const timer = new QTimer(qApp); // deletes itself
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, text] {
-        auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr) {
-            return;
-        }
-        timer->deleteLater();
-        for (QAbstractButton *const button : box->buttons()) {
-            if (button->text().remove(u'&') == text) {
-                button->click();
-                return;
-            }
-        }
-        box->reject();
-        FAIL() << "no button " << text.toStdString();
-    });
-    timer->start(5);
-}
 
 TEST(Catalogue, FindsByNameKeywordTagAndDescription)
 {
@@ -181,6 +98,32 @@ TEST_F(Shell, FavouritesAreListedFirst)
     const auto *const model = child<QTreeView>("paletteTree").model();
     EXPECT_EQ(model->index(0, 0).data().toString(), u"Favourites"_s);
     EXPECT_EQ(model->rowCount(model->index(0, 0)), 1);
+}
+
+TEST_F(Shell, FavouritesAreChosenByKeysAndKept)
+{
+    const auto toggle = [&](const QString &type) {
+        auto &tree = child<QTreeView>("paletteTree");
+        child<QLineEdit>("paletteSearch").setText(type);
+        QTimer::singleShot(0, [] {
+            for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}) {
+                QTest::keyClick(QApplication::activePopupWidget(), key);
+            }
+        });
+        // What the menu key sends.
+        QContextMenuEvent event(QContextMenuEvent::Keyboard,
+                                tree.inputMethodQuery(Qt::ImCursorRectangle).toRect().center());
+        QApplication::sendEvent(&tree, &event);
+    };
+    toggle(u"join"_s);
+    toggle(u"sort"_s);
+    EXPECT_EQ(Settings(path(u"studio.ini"_s)).favouriteActions(),
+              (QStringList{u"join"_s, u"sort"_s}));
+    shown.reset();
+    const auto *const model = child<QTreeView>("paletteTree").model();
+    EXPECT_EQ(model->rowCount(model->index(0, 0)), 2);
+    toggle(u"join"_s);
+    EXPECT_EQ(settings.favouriteActions(), QStringList{u"sort"_s});
 }
 
 TEST_F(Shell, PropertiesEditNameCommentAndPanelAsSteps)
@@ -360,62 +303,6 @@ TEST_F(Shell, StartPageListsTheExamples)
     EXPECT_EQ(document().ids(), (QStringList{u"table"_s, u"workbook"_s}));
 }
 
-TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
-{
-    open(); // the canvas has keys too
-    Commands &commands = window().commands();
-    for (const QAction *const action : commands.all()) {
-        EXPECT_FALSE(action->objectName().isEmpty());
-        EXPECT_FALSE(action->text().isEmpty());
-        EXPECT_FALSE(action->statusTip().isEmpty()) << action->objectName().toStdString();
-        EXPECT_EQ(commands.findConflict(action, action->shortcut()), nullptr)
-            << action->objectName().toStdString();
-    }
-    QAction *const run = commands[u"run.all"_s];
-    ShortcutEditor editor(commands);
-    auto *const tree = editor.findChild<QTreeWidget *>();
-    tree->setCurrentItem(tree->findItems(u"Run"_s, Qt::MatchExactly).value(0));
-    auto *const keys = editor.findChild<QKeySequenceEdit *>();
-    const auto enter = [&](const QKeySequence &sequence) {
-        keys->setKeySequence(sequence);
-        Q_EMIT keys->editingFinished();
-    };
-    enter(QKeySequence(u"Ctrl+S"_s)); // of another command
-    EXPECT_EQ(run->shortcut(), QKeySequence(u"F5"_s));
-    EXPECT_FALSE(editor.findChild<QLabel *>(u"shortcutConflict"_s)->text().isEmpty());
-    enter(QKeySequence(u"Ctrl+R"_s));
-    EXPECT_EQ(run->shortcut(), QKeySequence(u"Ctrl+R"_s));
-    // Those of a part of the window; a command of the window may have the same one.
-    tree->setCurrentItem(tree->findItems(u"Data: Find"_s, Qt::MatchExactly).value(0));
-    enter(QKeySequence(u"Ctrl+N"_s));
-    const auto find = [&] { return child<QAction>("dataFind").shortcut(); };
-    EXPECT_EQ(find(), QKeySequence(u"Ctrl+N"_s));
-    tree->setCurrentItem(tree->findItems(u"Data: Reload"_s, Qt::MatchExactly).value(0));
-    enter(QKeySequence(u"Ctrl+N"_s));
-    EXPECT_NE(child<QAction>("dataReload").shortcut(), QKeySequence(u"Ctrl+N"_s));
-    // The canvas has keys of its own and those of some commands.
-    tree->setCurrentItem(tree->findItems(u"Canvas: Next Link"_s, Qt::MatchExactly).value(0));
-    const auto nextLink = [&] { return child<QAction>("canvasNextLink").shortcut(); };
-    for (const auto &taken : {u"L"_s, u"Backspace"_s, u"Ctrl+C"_s}) {
-        enter(QKeySequence(taken));
-        EXPECT_EQ(nextLink(), QKeySequence(u"K"_s)) << taken.toStdString();
-    }
-    enter(QKeySequence(u"J"_s));
-    EXPECT_EQ(nextLink(), QKeySequence(u"J"_s));
-    tree->setCurrentItem(tree->findItems(u"Copy"_s, Qt::MatchExactly).value(0));
-    enter(QKeySequence(u"J"_s));
-    EXPECT_EQ(commands[u"edit.copy"_s]->shortcut(), QKeySequence(u"Ctrl+C"_s));
-    tree->setCurrentItem(tree->findItems(u"Canvas: Next Action"_s, Qt::MatchExactly).value(0));
-    EXPECT_FALSE(keys->isEnabled()); // Tab stays
-    shown.reset();
-    open();
-    EXPECT_EQ(nextLink(), QKeySequence(u"J"_s));
-    EXPECT_EQ(window().commands()[u"run.all"_s]->shortcut(), QKeySequence(u"Ctrl+R"_s));
-    EXPECT_EQ(child<QAction>("dataFind").shortcut(), QKeySequence(u"Ctrl+N"_s));
-    window().commands().setShortcut(window().commands()[u"run.all"_s], QKeySequence(u"F5"_s));
-    EXPECT_FALSE(settings.shortcut(u"run.all"_s));
-}
-
 TEST_F(Shell, EveryControlHasAnAccessibleName)
 {
     open();
@@ -500,45 +387,6 @@ TEST_F(Shell, SettingsKeepWhatIsValid)
     }
     EXPECT_EQ(settings.recentFiles().size(), Settings::kMaxRecent);
     EXPECT_EQ(settings.recentFiles().first(), u"/tmp/19.graph"_s);
-}
-
-TEST_F(Shell, CommandAndScriptRunTheGraph)
-{
-    EXPECT_EQ(shellWord(u"a/b.graph"_s), u"a/b.graph"_s);
-    EXPECT_EQ(shellWord(u"it's $x"_s), u"'it'\\''s $x'"_s);
-    write(u"orders.csv"_s, "a\n1\n");
-    const QString name = write(u"it's 100%1 $HOME.graph"_s, kGraph);
-    window().workspace()->open(name);
-    trigger("export.command");
-    EXPECT_EQ(QApplication::clipboard()->text(), runCommandText(name));
-    const QString script = write(u"run.sh"_s, runScriptText(name, path(u"run.sh"_s)).toUtf8());
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"PATH"_s, QCoreApplication::applicationDirPath() + u':' +
-                                      environment.value(u"PATH"_s));
-    process.setProcessEnvironment(environment);
-    process.start(u"/bin/sh"_s, {script, u"--quiet"_s});
-    EXPECT_TRUE(process.waitForFinished());
-    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-    EXPECT_TRUE(QFile::exists(path(u"out.csv"_s)));
-}
-
-/// Neither with a display that does not answer nor with a plug-in of Qt that does not exist.
-TEST(Program, SaysThatThereIsNoDisplay)
-{
-    for (const auto &platform : {u"xcb"_s, u"missing"_s}) {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
-        environment.insert(u"DISPLAY"_s, u":4711"_s);
-        process.setProcessEnvironment(environment);
-        process.start(QCoreApplication::applicationDirPath() + u"/corvanta-studio"_s);
-        EXPECT_TRUE(process.waitForFinished());
-        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(process.exitCode(), 2);
-        EXPECT_TRUE(process.readAllStandardError().contains(
-            "corvanta-studio: no display; start it in a desktop session, or with 'ssh -X'\n"));
-    }
 }
 
 } // namespace

@@ -1,0 +1,155 @@
+// The commands of the window, their shortcuts, and the program itself.
+#include "studio/shell/command_text.h"
+#include "studio/shell/preferences/shortcut_editor.h"
+#include "tests/studio/shell_window.h"
+
+#include <QClipboard>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QProcess>
+#include <QTreeWidget>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+using namespace corvanta::studio;
+using namespace corvanta::studio::test;
+
+namespace {
+
+TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
+{
+    open(); // the canvas has keys too
+    Commands &commands = window().commands();
+    for (const QAction *const action : commands.all()) {
+        EXPECT_FALSE(action->objectName().isEmpty());
+        EXPECT_FALSE(action->text().isEmpty());
+        EXPECT_FALSE(action->statusTip().isEmpty()) << action->objectName().toStdString();
+        EXPECT_EQ(commands.findConflict(action, action->shortcut()), nullptr)
+            << action->objectName().toStdString();
+    }
+    QAction *const run = commands[u"run.all"_s];
+    ShortcutEditor editor(commands);
+    auto *const tree = editor.findChild<QTreeWidget *>();
+    tree->setCurrentItem(tree->findItems(u"Run"_s, Qt::MatchExactly).value(0));
+    auto *const keys = editor.findChild<QKeySequenceEdit *>();
+    const auto enter = [&](const QKeySequence &sequence) {
+        keys->setKeySequence(sequence);
+        Q_EMIT keys->editingFinished();
+    };
+    enter(QKeySequence(u"Ctrl+S"_s)); // of another command
+    EXPECT_EQ(run->shortcut(), QKeySequence(u"F5"_s));
+    EXPECT_FALSE(editor.findChild<QLabel *>(u"shortcutConflict"_s)->text().isEmpty());
+    enter(QKeySequence(u"Ctrl+R"_s));
+    EXPECT_EQ(run->shortcut(), QKeySequence(u"Ctrl+R"_s));
+    // Those of a part of the window; a command of the window may have the same one.
+    tree->setCurrentItem(tree->findItems(u"Data: Find"_s, Qt::MatchExactly).value(0));
+    enter(QKeySequence(u"Ctrl+N"_s));
+    const auto find = [&] { return child<QAction>("dataFind").shortcut(); };
+    EXPECT_EQ(find(), QKeySequence(u"Ctrl+N"_s));
+    tree->setCurrentItem(tree->findItems(u"Data: Reload"_s, Qt::MatchExactly).value(0));
+    enter(QKeySequence(u"Ctrl+N"_s));
+    EXPECT_NE(child<QAction>("dataReload").shortcut(), QKeySequence(u"Ctrl+N"_s));
+    // The canvas has keys of its own and those of some commands.
+    tree->setCurrentItem(tree->findItems(u"Canvas: Next Link"_s, Qt::MatchExactly).value(0));
+    const auto nextLink = [&] { return child<QAction>("canvasNextLink").shortcut(); };
+    for (const auto &taken : {u"L"_s, u"Backspace"_s, u"Ctrl+C"_s}) {
+        enter(QKeySequence(taken));
+        EXPECT_EQ(nextLink(), QKeySequence(u"K"_s)) << taken.toStdString();
+    }
+    enter(QKeySequence(u"J"_s));
+    EXPECT_EQ(nextLink(), QKeySequence(u"J"_s));
+    tree->setCurrentItem(tree->findItems(u"Copy"_s, Qt::MatchExactly).value(0));
+    enter(QKeySequence(u"J"_s));
+    EXPECT_EQ(commands[u"edit.copy"_s]->shortcut(), QKeySequence(u"Ctrl+C"_s));
+    tree->setCurrentItem(tree->findItems(u"Canvas: Next Action"_s, Qt::MatchExactly).value(0));
+    EXPECT_FALSE(keys->isEnabled()); // Tab stays
+    shown.reset();
+    open();
+    EXPECT_EQ(nextLink(), QKeySequence(u"J"_s));
+    EXPECT_EQ(window().commands()[u"run.all"_s]->shortcut(), QKeySequence(u"Ctrl+R"_s));
+    EXPECT_EQ(child<QAction>("dataFind").shortcut(), QKeySequence(u"Ctrl+N"_s));
+    window().commands().setShortcut(window().commands()[u"run.all"_s], QKeySequence(u"F5"_s));
+    EXPECT_FALSE(settings.shortcut(u"run.all"_s));
+}
+
+TEST_F(Shell, CommandsChangeTheGraph)
+{
+    GraphDocument &graph = open();
+    const QStringList ids = graph.ids();
+    const LinkRef first = graph.links().first();
+    canvas().select({u"sort"_s});
+    trigger("edit.duplicate");
+    const QString copy = canvas().selectedIds().value(0);
+    EXPECT_EQ(graph.ids().size(), 4);
+    canvas().graphScene().link(first)->setSelected(true); // with the copy
+    trigger("graph.insert");
+    EXPECT_TRUE(graph.links().contains(LinkRef{{u"table"_s, 0}, {copy, 0}}));
+    trigger("edit.cut");
+    EXPECT_EQ(graph.ids(), ids);
+    canvas().select({u"table"_s, u"sort"_s});
+    trigger("graph.link"); // the cut one took both links with it
+    EXPECT_TRUE(graph.links().contains(first));
+    graph.move({{u"sort"_s, {256, 200}}});
+    trigger("align.top");
+    EXPECT_EQ(graph.position(u"sort"_s).y(), graph.position(u"table"_s).y());
+    trigger("edit.paste");
+    trigger("edit.selectAll");
+    EXPECT_EQ(canvas().selectedIds().size(), 4);
+    trigger("edit.delete");
+    EXPECT_TRUE(graph.ids().isEmpty());
+    trigger("edit.undo");
+    trigger("file.saveAll");
+    EXPECT_FALSE(graph.isModified());
+    trigger("edit.undo"); // back to the first graph
+    graph.undoStack()->setIndex(0);
+    answer(u"Yes"_s);
+    trigger("file.reload");
+    EXPECT_EQ(graph.ids().size(), 4);
+    const double zoom = canvas().zoom();
+    trigger("view.zoomIn");
+    EXPECT_GT(canvas().zoom(), zoom);
+    trigger("view.dark");
+    EXPECT_EQ(settings.theme(), Theme::Dark);
+    trigger("view.dark");
+}
+
+TEST_F(Shell, CommandAndScriptRunTheGraph)
+{
+    EXPECT_EQ(shellWord(u"a/b.graph"_s), u"a/b.graph"_s);
+    EXPECT_EQ(shellWord(u"it's $x"_s), u"'it'\\''s $x'"_s);
+    write(u"orders.csv"_s, "a\n1\n");
+    const QString name = write(u"it's 100%1 $HOME.graph"_s, kGraph);
+    window().workspace()->open(name);
+    trigger("export.command");
+    EXPECT_EQ(QApplication::clipboard()->text(), runCommandText(name));
+    const QString script = write(u"run.sh"_s, runScriptText(name, path(u"run.sh"_s)).toUtf8());
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"PATH"_s, QCoreApplication::applicationDirPath() + u':' +
+                                      environment.value(u"PATH"_s));
+    process.setProcessEnvironment(environment);
+    process.start(u"/bin/sh"_s, {script, u"--quiet"_s});
+    EXPECT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    EXPECT_TRUE(QFile::exists(path(u"out.csv"_s)));
+}
+
+/// Neither with a display that does not answer nor with a plug-in of Qt that does not exist.
+TEST(Program, SaysThatThereIsNoDisplay)
+{
+    for (const auto &platform : {u"xcb"_s, u"missing"_s}) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+        environment.insert(u"DISPLAY"_s, u":4711"_s);
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationDirPath() + u"/corvanta-studio"_s);
+        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 2);
+        EXPECT_TRUE(process.readAllStandardError().contains(
+            "corvanta-studio: no display; start it in a desktop session, or with 'ssh -X'\n"));
+    }
+}
+
+} // namespace
