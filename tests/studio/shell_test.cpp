@@ -110,9 +110,9 @@ TEST_F(Shell, FavouritesAreChosenByKeysAndKept)
                 QTest::keyClick(QApplication::activePopupWidget(), key);
             }
         });
+        const QPoint place = tree.inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
         // What the menu key sends.
-        QContextMenuEvent event(QContextMenuEvent::Keyboard,
-                                tree.inputMethodQuery(Qt::ImCursorRectangle).toRect().center());
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, place, tree.mapToGlobal(place));
         QApplication::sendEvent(&tree, &event);
     };
     toggle(u"join"_s);
