@@ -12,7 +12,7 @@
 
 #include <QApplication>
 #include <QInputDialog>
-#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QtMath>
