@@ -4937,6 +4937,102 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Text:</source>
         <translation>Texte&#xa0;:</translation>
     </message>
+    <message>
+        <source>Edit</source>
+        <translation>Modifier</translation>
+    </message>
+    <message>
+        <source>Edit the current action or note</source>
+        <translation>Modifier l’action courante ou la note</translation>
+    </message>
+    <message>
+        <source>Add Action</source>
+        <translation>Ajouter une action</translation>
+    </message>
+    <message>
+        <source>Search an action to add, after the current one or into the selected link</source>
+        <translation>Rechercher une action à ajouter, après l’action courante ou dans le lien sélectionné</translation>
+    </message>
+    <message>
+        <source>Draw Link</source>
+        <translation>Tracer un lien</translation>
+    </message>
+    <message>
+        <source>Draw a link from the current action, or another end of the selected link</source>
+        <translation>Tracer un lien depuis l’action courante, ou une autre extrémité du lien sélectionné</translation>
+    </message>
+    <message>
+        <source>Next Link</source>
+        <translation>Lien suivant</translation>
+    </message>
+    <message>
+        <source>Go to the next link</source>
+        <translation>Aller au lien suivant</translation>
+    </message>
+    <message>
+        <source>Next Note</source>
+        <translation>Note suivante</translation>
+    </message>
+    <message>
+        <source>Go to the next note</source>
+        <translation>Aller à la note suivante</translation>
+    </message>
+    <message>
+        <source>Zoom In</source>
+        <translation>Zoom avant</translation>
+    </message>
+    <message>
+        <source>Show the graph larger</source>
+        <translation>Agrandir le graphe</translation>
+    </message>
+    <message>
+        <source>Zoom Out</source>
+        <translation>Zoom arrière</translation>
+    </message>
+    <message>
+        <source>Show the graph smaller</source>
+        <translation>Réduire le graphe</translation>
+    </message>
+    <message>
+        <source>Move Left</source>
+        <translation>Déplacer à gauche</translation>
+    </message>
+    <message>
+        <source>Go Left</source>
+        <translation>Aller à gauche</translation>
+    </message>
+    <message>
+        <source>Move Right</source>
+        <translation>Déplacer à droite</translation>
+    </message>
+    <message>
+        <source>Go Right</source>
+        <translation>Aller à droite</translation>
+    </message>
+    <message>
+        <source>Move Up</source>
+        <translation>Déplacer vers le haut</translation>
+    </message>
+    <message>
+        <source>Go Up</source>
+        <translation>Aller vers le haut</translation>
+    </message>
+    <message>
+        <source>Move Down</source>
+        <translation>Déplacer vers le bas</translation>
+    </message>
+    <message>
+        <source>Go Down</source>
+        <translation>Aller vers le bas</translation>
+    </message>
+    <message>
+        <source>Move the selected actions and notes; without any, scroll</source>
+        <translation>Déplacer les actions et notes sélectionnées ; sans sélection, faire défiler</translation>
+    </message>
+    <message>
+        <source>Go to the nearest action in this direction</source>
+        <translation>Aller à l’action la plus proche dans cette direction</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::ColumnLayout</name>
@@ -5555,6 +5651,10 @@ Actions&#xa0;: %2</translation>
         <source>About Corvanta</source>
         <translation>À propos de Corvanta</translation>
     </message>
+    <message>
+        <source>Canvas</source>
+        <translation>Canevas</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::NodeItem</name>
@@ -5904,6 +6004,14 @@ Actions&#xa0;: %2</translation>
     <message>
         <source>%1 is the shortcut of &quot;%2&quot;</source>
         <translation>%1 est le raccourci de «&#xa0;%2&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Canvas: Next Action</source>
+        <translation>Canevas : Action suivante</translation>
+    </message>
+    <message>
+        <source>Go to the next action, and out of the canvas after the last; with Shift backwards</source>
+        <translation>Aller à l’action suivante, et hors du canevas après la dernière ; avec Maj en arrière</translation>
     </message>
 </context>
 <context>
