@@ -1,4 +1,4 @@
-// The reasons for which the dictionaries of SPSS files are refused.
+// The reasons for which the dictionaries of SPSS files and the catalogues of SAS are refused.
 #include "codecs/stat/check/header_check.h"
 
 #include <gtest/gtest.h>
@@ -52,7 +52,94 @@ QByteArray savVariable(quint32 width, quint32 hasLabel = 0)
     return int32s({2, width, hasLabel, 0, 0, 0, 0x20202041, 0x20202020});
 }
 
+/// A catalogue of 32 bits, little-endian, with one format of two values.
+struct Catalogue
+{
+    quint32 pages = 3;
+    int nextPage = 0; // of the link before the block
+    int nextPosition = 0;
+    int blockBytes = 0; // that the link announces; 0: as many as there are
+    int capacity = 2;
+    int used = 2;
+    char nameStart = 'F';
+    int valueBytes = 24;
+    int label = 1; // of the second value
+    int labelBytes = 3;
+
+    QByteArray bytes() const
+    {
+        constexpr int kPage = 4096;
+        constexpr int kHeader = 1024;
+        constexpr int kPosition = 64;
+        QByteArray file(kHeader + 3 * kPage, '\0');
+        file.replace(12, 4, "\xC2\xEA\x81\x63");
+        file[37] = 1;
+        put(&file, 196, {kHeader, kPage, pages});
+        const int entry = kHeader + kPage + 856;
+        file.replace(entry, 4, "XLSR");
+        put(&file, entry + 4, {3});
+        put(&file, entry + 8, {kPosition});
+        file[entry + 50] = 'O';
+        const QByteArray block = this->block();
+        const int at = kHeader + 2 * kPage + kPosition;
+        const int announced = blockBytes > 0 ? blockBytes : static_cast<int>(block.size());
+        put(&file, at, {quint32(nextPage), quint32(nextPosition | announced << 16)});
+        file.replace(at + 16, block.size(), block);
+        return file;
+    }
+
+private:
+    static void put(QByteArray *bytes, int at, std::initializer_list<quint32> numbers)
+    {
+        const QByteArray words = int32s(numbers);
+        bytes->replace(at, words.size(), words);
+    }
+    QByteArray block() const
+    {
+        QByteArray block(106, '\0');
+        block[8] = nameStart;
+        put(&block, 38, {quint32(capacity), quint32(used)});
+        for (int i = 0; i < 2; ++i) {
+            QByteArray value(6 + 24, '\0');
+            value[2] = static_cast<char>(i == 0 ? 24 : valueBytes);
+            value[10] = static_cast<char>(i == 0 ? 0 : label);
+            block += value;
+        }
+        for (const int n : {3, labelBytes}) {
+            block += QByteArray(8, '\0') + char(n & 0xFF) + char(n >> 8) + "abc" + '\0';
+        }
+        return block;
+    }
+};
+
 } // namespace
+
+TEST(HeaderCheck, RefusesACatalogueWithWrongLengths)
+{
+    EXPECT_EQ(refusal(checkCatalogue, Catalogue().bytes()), "");
+    EXPECT_EQ(refusal(checkCatalogue, Catalogue{.used = 0, .labelBytes = 30000}.bytes()), "");
+    EXPECT_EQ(refusal(checkCatalogue, Catalogue{.label = 0}.bytes()), "");
+    const Catalogue wrong[] = {
+        {.nextPage = 3, .nextPosition = 64}, // the block follows itself
+        {.blockBytes = 60000},
+        {.blockBytes = 150}, // ends before the second value
+        {.capacity = 1},
+        {.used = -1},
+        {.capacity = 3},
+        {.nameStart = '$', .valueBytes = 9},
+        {.valueBytes = -1},
+        {.label = 2},
+        {.labelBytes = 60000},
+    };
+    for (const Catalogue &each : wrong) {
+        EXPECT_EQ(refusal(checkCatalogue, each.bytes()),
+                  "the lengths of its value labels are wrong")
+            << &each - wrong;
+    }
+    EXPECT_EQ(refusal(checkCatalogue, Catalogue{.pages = 4}.bytes()),
+              "the header announces 4 pages of 4096 bytes after 1024 bytes, but the file has 13312 "
+              "bytes");
+}
 
 TEST(HeaderCheck, NamesTheFaultOfAPortableFile)
 {

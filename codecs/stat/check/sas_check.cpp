@@ -1,6 +1,6 @@
 // The beginning of a SAS data set (.sas7bdat), as far as it has sizes:
 //
-//   12  C2 EA 81 60
+//   12  C2 EA 81 60; of a catalogue, whose header is the same, C2 EA 81 63
 //   32  '3': a file of 64 bits          35  '3': the offsets from 164 on move by 4
 //   37  1: little-endian               196  header size    200  page size
 //   204 pages (4 bytes, 8 in a file of 64 bits)
@@ -28,13 +28,14 @@ constexpr qint64 kLargestPage = 16 * 1024 * 1024;
 
 std::optional<SasHeader> readSasHeader(CheckedReader &in)
 {
+    constexpr QByteArrayView kMagic("\xC2\xEA\x81");
     constexpr qint64 kMagicAt = 12;
     constexpr qint64 kWideAt = 32;
     constexpr qint64 kShiftedAt = 35;
     constexpr qint64 kByteOrderAt = 37;
     constexpr qint64 kHeaderSizeAt = 196;
     const QByteArray start = in.bytes(kHeaderSizeAt);
-    if (!in.isGood() || start.mid(kMagicAt, 4) != "\xC2\xEA\x81\x60") {
+    if (!in.isGood() || start.mid(kMagicAt, kMagic.size()) != kMagic) {
         return std::nullopt;
     }
     SasHeader header;
