@@ -1,4 +1,14 @@
-// An entry of the text, which is sorted by name: [ "!" ] name ":" hex [ "+" hex ] " ".
+// html_entity_names.inc holds the references in the order of the bytes of their names, each
+// followed by a blank:
+//
+//     name ":" code points in hexadecimal, joined by "+"     "AMP:26", "bne:3D+20E5"
+//     "!" name ...                                           also valid without its ";"
+//
+// Source: https://html.spec.whatwg.org/entities.json, which Python has as html.entities.html5:
+//
+//     names = sorted({name.rstrip(";") for name in html5})
+//     points = "+".join("%X" % ord(c) for c in html5[name + ";"])
+//     ("!" if name in html5 else "") + name + ":" + points, for each name
 #include "codecs/markup/text/html_entities.h"
 
 #include <QChar>
@@ -10,6 +20,10 @@
 namespace corvanta::markup {
 
 namespace {
+
+constexpr std::string_view kHtmlEntities =
+#include "codecs/markup/text/html_entity_names.inc"
+    ;
 
 struct Entry
 {

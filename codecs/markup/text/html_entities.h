@@ -24,7 +24,4 @@ inline constexpr size_t kLongestFreeReference = 6;
 /// first call builds the table; any number of threads may call it.
 std::optional<NamedReference> findReference(std::string_view name);
 
-/// The text from which the table is built; html_entity_names.cpp describes its form.
-extern const std::string_view kHtmlEntities;
-
 } // namespace corvanta::markup
