@@ -28,7 +28,7 @@ static ParamTable<PairsParams> makeTable(Param<PairsParams> file)
 {
     return {
         std::move(file).label("File").meaning("File with a pair on each line.").always().required(),
-        corvanta::text("separator", &PairsParams::separator)
+        text("separator", &PairsParams::separator)
             .label("Separator")
             .meaning("Text between the name and the value.")
             .required(),
