@@ -192,14 +192,4 @@ void CanvasView::goToNext(const QVector<Item *> &items, void (CanvasView::*show)
     (this->*show)(isLast ? items.first() : *(selected + 1));
 }
 
-// The message is for those who do not see which link it is.
-void CanvasView::showLink(LinkItem *link)
-{
-    m_scene->clearSelection();
-    link->setSelected(true);
-    m_scene->setFocusItem(link);
-    ensureVisible(link);
-    Q_EMIT message(link->spokenName());
-}
-
 } // namespace corvanta::studio
