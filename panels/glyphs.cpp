@@ -11,87 +11,66 @@ namespace corvanta {
 namespace {
 
 constexpr int kGrid = 16; // the drawings have this many units per side
-/// A line through the points, in units of the grid.
-void line(QPainterPath &path, std::initializer_list<QPointF> points)
+
+/// The lines of a glyph, each through some points, on the grid with y downwards.
+QList<QList<QPointF>> linesOf(Glyph glyph)
 {
-    path.moveTo(*points.begin());
-    for (const QPointF &point : points) {
-        path.lineTo(point);
+    switch (glyph) {
+    case Glyph::Folded:
+        return {{{6, 4}, {10, 8}, {6, 12}}};
+    case Glyph::Unfolded:
+        return {{{4, 6}, {8, 10}, {12, 6}}};
+    case Glyph::Add:
+        return {{{3, 8}, {13, 8}}, {{8, 3}, {8, 13}}};
+    case Glyph::Remove:
+        return {{{3, 8}, {13, 8}}};
+    case Glyph::Up:
+        return {{{8, 13}, {8, 3}}, {{4, 7}, {8, 3}, {12, 7}}};
+    case Glyph::Down:
+        return {{{8, 3}, {8, 13}}, {{4, 9}, {8, 13}, {12, 9}}};
+    case Glyph::ToRight:
+        return {{{3, 8}, {13, 8}}, {{9, 4}, {13, 8}, {9, 12}}};
+    case Glyph::ToLeft:
+        return {{{13, 8}, {3, 8}}, {{7, 4}, {3, 8}, {7, 12}}};
+    case Glyph::Folder:
+        return {{{2, 13}, {2, 3}, {6, 3}, {8, 5}, {14, 5}, {14, 13}, {2, 13}}};
+    case Glyph::Check:
+        return {{{3, 8.5}, {6.5, 12}, {13, 4}}};
+    case Glyph::Cross:
+        return {{{4, 4}, {12, 12}}, {{12, 4}, {4, 12}}};
+    case Glyph::Warning:
+        return {{{8, 2}, {15, 14}, {1, 14}, {8, 2}}, {{8, 6.5}, {8, 10}}, {{8, 12}, {8, 12.1}}};
+    case Glyph::New:
+        return {{{4, 2}, {9, 2}, {12, 5}, {12, 14}, {4, 14}, {4, 2}},
+                {{8, 7}, {8, 11}},
+                {{6, 9}, {10, 9}}};
+    case Glyph::Open:
+        return {{{7, 3}, {3, 3}, {3, 13}, {13, 13}, {13, 9}},
+                {{7, 9}, {13.5, 2.5}},
+                {{9.5, 2.5}, {13.5, 2.5}, {13.5, 6.5}}};
+    case Glyph::Reset:
+        return {{{6, 3}, {3, 6}, {6, 9}}};
     }
+    return {};
 }
 
-/// Apart, because it is the only drawing with an arc: an arrow that turns back to the left.
-void arrowBack(QPainterPath &path)
+/// The shaft of an arrow that turns back to the left: the only drawing with an arc.
+void addArrowBack(QPainterPath *path)
 {
-    path.moveTo(3, 6);
-    path.lineTo(9.5, 6);
-    path.arcTo(6, 6, 7, 7, 90, -180);
-    path.lineTo(5, 13);
-    line(path, {{6, 3}, {3, 6}, {6, 9}});
+    path->moveTo(3, 6);
+    path->lineTo(9.5, 6);
+    path->arcTo(6, 6, 7, 7, 90, -180);
+    path->lineTo(5, 13);
 }
 
-/// The drawing of a glyph, on a grid of 16 by 16 units with y downwards.
 QPainterPath pathOf(Glyph glyph)
 {
     QPainterPath path;
-    switch (glyph) {
-    case Glyph::Folded:
-        line(path, {{6, 4}, {10, 8}, {6, 12}});
-        break;
-    case Glyph::Unfolded:
-        line(path, {{4, 6}, {8, 10}, {12, 6}});
-        break;
-    case Glyph::Add:
-        line(path, {{3, 8}, {13, 8}});
-        line(path, {{8, 3}, {8, 13}});
-        break;
-    case Glyph::Remove:
-        line(path, {{3, 8}, {13, 8}});
-        break;
-    case Glyph::Up:
-        line(path, {{8, 13}, {8, 3}});
-        line(path, {{4, 7}, {8, 3}, {12, 7}});
-        break;
-    case Glyph::Down:
-        line(path, {{8, 3}, {8, 13}});
-        line(path, {{4, 9}, {8, 13}, {12, 9}});
-        break;
-    case Glyph::ToRight:
-        line(path, {{3, 8}, {13, 8}});
-        line(path, {{9, 4}, {13, 8}, {9, 12}});
-        break;
-    case Glyph::ToLeft:
-        line(path, {{13, 8}, {3, 8}});
-        line(path, {{7, 4}, {3, 8}, {7, 12}});
-        break;
-    case Glyph::Folder:
-        line(path, {{2, 13}, {2, 3}, {6, 3}, {8, 5}, {14, 5}, {14, 13}, {2, 13}});
-        break;
-    case Glyph::Check:
-        line(path, {{3, 8.5}, {6.5, 12}, {13, 4}});
-        break;
-    case Glyph::Cross:
-        line(path, {{4, 4}, {12, 12}});
-        line(path, {{12, 4}, {4, 12}});
-        break;
-    case Glyph::Warning:
-        line(path, {{8, 2}, {15, 14}, {1, 14}, {8, 2}});
-        line(path, {{8, 6.5}, {8, 10}});
-        line(path, {{8, 12}, {8, 12.1}});
-        break;
-    case Glyph::New:
-        line(path, {{4, 2}, {9, 2}, {12, 5}, {12, 14}, {4, 14}, {4, 2}});
-        line(path, {{8, 7}, {8, 11}});
-        line(path, {{6, 9}, {10, 9}});
-        break;
-    case Glyph::Open:
-        line(path, {{7, 3}, {3, 3}, {3, 13}, {13, 13}, {13, 9}});
-        line(path, {{7, 9}, {13.5, 2.5}});
-        line(path, {{9.5, 2.5}, {13.5, 2.5}, {13.5, 6.5}});
-        break;
-    case Glyph::Reset:
-        arrowBack(path);
-        break;
+    if (glyph == Glyph::Reset) {
+        addArrowBack(&path);
+    }
+    for (const QList<QPointF> &line : linesOf(glyph)) {
+        path.addPolygon(line);
     }
     return path;
 }
