@@ -3545,8 +3545,8 @@
         <translation>Genres des colonnes de textes</translation>
     </message>
     <message>
-        <source>column=kind, one per line; kinds: text, integer, decimal, boolean, date, datetime, time. Text columns of the kinds integer and decimal are compared as numbers.</source>
-        <translation>colonne=genre, un par ligne&#xa0;; genres&#xa0;: text, integer, decimal, boolean, date, datetime, time. Les colonnes de textes des genres integer et decimal sont comparées comme des nombres.</translation>
+        <source>column=kind, one per line; kinds: text, integer, decimal, boolean, date, datetime, time. Text columns of the kinds integer and decimal are compared as numbers, those of dates and times by time, and booleans without letter case.</source>
+        <translation>colonne=genre, un par ligne&#xa0;; genres&#xa0;: text, integer, decimal, boolean, date, datetime, time. Les colonnes de textes des genres integer et decimal sont comparées comme des nombres, celles de dates et d&apos;heures selon le temps, et les booléens sans tenir compte de la casse.</translation>
     </message>
     <message>
         <source>Sort the rows</source>

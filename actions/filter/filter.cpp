@@ -11,31 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta {
 
-namespace {
-
-/// How the texts of each column are compared. Kinds of other columns are ignored.
-std::vector<expression::TextOrder> textOrders(const QStringList &kinds, const TableSchema &columns)
-{
-    using Order = expression::TextOrder;
-    const std::vector<bool> hasNumbers = shared::numberColumns(kinds, columns);
-    std::vector<Order> orders;
-    orders.reserve(hasNumbers.size());
-    for (size_t i = 0; i < hasNumbers.size(); ++i) {
-        const QString name = columns.names[static_cast<qsizetype>(i)];
-        const auto isWords = [&](ValueKind kind) {
-            return kinds.contains(name + u'=' + kindName(kind));
-        };
-        const bool areWords = isWords(ValueKind::Boolean) || isWords(ValueKind::Date) ||
-                              isWords(ValueKind::DateTime) || isWords(ValueKind::Time);
-        orders.push_back(hasNumbers[i] ? Order::Numbers
-                         : areWords    ? Order::Words
-                                       : Order::CodePoints);
-    }
-    return orders;
-}
-
-} // namespace
-
 ActionFilter::ActionFilter(const XMLNode &saved, GlobalParameters *parameters)
     : ParamAction(kFilterEntry, saved, parameters)
 {
@@ -77,9 +52,9 @@ bool ActionFilter::begin(const OneRow &columns)
         !shared::checkDecimalPoint(this, m_params.decimal)) {
         return false;
     }
-    auto bound =
-        expression::Condition::bind(*parsed, columns.view(), textOrders(m_params.kinds, schema),
-                                    m_params.decimal[0].toLatin1());
+    auto bound = expression::Condition::bind(*parsed, columns.view(),
+                                             shared::textOrders(m_params.kinds, schema),
+                                             m_params.decimal[0].toLatin1());
     if (!bound && bound.fault().code == expression::Error::UnknownColumn) {
         const QString &name = bound.fault().detail;
         // The first operand is usually a column.

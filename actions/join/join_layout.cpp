@@ -14,7 +14,7 @@ namespace {
 
 bool isText(const rows::KeyColumn &key)
 {
-    return key.type == cell::Type::Text && !key.hasNumbers;
+    return key.type == cell::Type::Text && key.order != TextOrder::Numbers;
 }
 
 class LayoutFinder
@@ -85,11 +85,11 @@ int LayoutFinder::find(const TableSchema &table, const QString &name, const QStr
     return column;
 }
 
-/// A text column of a numeric kind is compared by its numbers, so that 1 and 1.0 are equal.
+/// The kind decides which texts are equal: 1 and 1.0 as numbers, for example.
 rows::KeyColumn LayoutFinder::keyOf(const TableSchema &table, int column) const
 {
     return {column, table.types[column].cellType(), true,
-            shared::numberColumns(m_params.kinds, table)[size_t(column)]};
+            shared::textOrders(m_params.kinds, table)[size_t(column)]};
 }
 
 /// The two sides of a key may have different names and types, but not text and number.
@@ -103,11 +103,16 @@ bool LayoutFinder::addKey(const QString &text)
     if (second < 0) {
         return false;
     }
-    m_layout.firstKey.push_back(keyOf(m_first, first));
-    m_layout.secondKey.push_back(keyOf(m_second, second));
-    if (!checkKey(text, m_layout.firstKey.back(), m_layout.secondKey.back())) {
+    rows::KeyColumn firstKey = keyOf(m_first, first);
+    rows::KeyColumn secondKey = keyOf(m_second, second);
+    if (!checkKey(text, firstKey, secondKey)) {
         return false;
     }
+    if (isText(firstKey)) { // a kind of one of them is enough, because both are equal as values
+        firstKey.order = secondKey.order = std::max(firstKey.order, secondKey.order);
+    }
+    m_layout.firstKey.push_back(firstKey);
+    m_layout.secondKey.push_back(secondKey);
     if (m_params.type == JoinType::Full) {
         keep(second, first);
         ++m_layout.keptKeys;

@@ -40,7 +40,7 @@ bool ActionSort::begin(const OneRow &columns)
     m_run = std::make_unique<RunState>(shared::typesOf(schema), keys,
                                        m_params.decimal[0].toLatin1(), shared::sorterOptions(this));
     for (const rows::KeyColumn &key : keys) {
-        if (key.type == cell::Type::Text && !key.hasNumbers) {
+        if (key.type == cell::Type::Text && key.order == TextOrder::CodePoints) {
             m_run->textKeys.push_back({.column = key.column});
         }
     }
@@ -49,7 +49,7 @@ bool ActionSort::begin(const OneRow &columns)
 
 std::vector<rows::KeyColumn> ActionSort::findKeys(const TableSchema &columns)
 {
-    const std::vector<bool> hasNumbers = shared::numberColumns(m_params.kinds, columns);
+    const std::vector<TextOrder> orders = shared::textOrders(m_params.kinds, columns);
     std::vector<rows::KeyColumn> keys;
     for (const QString &key : m_params.keys) {
         // A column whose name begins with "-" is sorted ascending by its name.
@@ -59,7 +59,7 @@ std::vector<rows::KeyColumn> ActionSort::findKeys(const TableSchema &columns)
             return {};
         }
         keys.push_back({column, columns.types[column].cellType(), !isDescending,
-                        hasNumbers[static_cast<size_t>(column)]});
+                        orders[static_cast<size_t>(column)]});
     }
     if (keys.empty()) {
         fail(u"Error: sort: no column to sort by (keys)\n"_s);
@@ -72,8 +72,8 @@ void ActionSort::declareOrder(const std::vector<rows::KeyColumn> &keys)
     OneRow *const out = getOutputRowForOutputPin(0);
     QVector<SortInfos> order;
     for (const rows::KeyColumn &key : keys) {
-        if (key.hasNumbers) {
-            break; // the order of the numbers is not that of the texts
+        if (key.order != TextOrder::CodePoints) {
+            break; // the order of numbers and times is not that of the texts
         }
         order.append({out->colName(key.column), key.ascending});
     }

@@ -10,21 +10,6 @@
 
 namespace corvanta {
 
-namespace {
-
-/// Orders UTF-16 texts by code point: surrogates come after all other units.
-bool isBeforeByCodePoint(std::u16string_view a, std::u16string_view b)
-{
-    const auto rank = [](char16_t unit) {
-        const bool isHigh = unit >= 0xD800;
-        return !isHigh ? int(unit) : unit < 0xE000 ? unit + 0x10000 : int(unit);
-    };
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [&](char16_t x, char16_t y) { return rank(x) < rank(y); });
-}
-
-} // namespace
-
 size_t DistinctCounter::slotOf(quint64 hash) const
 {
     size_t slot = hash & (m_slots.size() - 1);
@@ -82,10 +67,10 @@ void NumberRange::add(double value, std::u16string_view text)
 
 void TextRange::add(std::u16string_view text)
 {
-    if (m_isEmpty || isBeforeByCodePoint(text, m_smallest)) {
+    if (m_isEmpty || m_compare(text, m_smallest) < 0) {
         m_smallest = text;
     }
-    if (m_isEmpty || isBeforeByCodePoint(m_largest, text)) {
+    if (m_isEmpty || m_compare(m_largest, text) < 0) {
         m_largest = text;
     }
     m_isEmpty = false;

@@ -4,6 +4,7 @@
 // Threads: one at a time per object.
 #pragma once
 #include "base/text/number_value.h"
+#include "base/text/text_order.h"
 
 #include <QString>
 #include <QtGlobal>
@@ -79,11 +80,15 @@ private:
     qint64 m_count = 0;
 };
 
-/// The first and the last text in the order of code points, and the length of the longest one in
-/// characters.
+/// The first and the last text, and the length of the longest one in characters.
 class TextRange
 {
 public:
+    TextRange() = default;
+    explicit TextRange(TextOrder order)
+        : m_compare(order == TextOrder::Words ? compareWords : compareTexts)
+    {
+    }
     void add(std::u16string_view text);
     bool isEmpty() const { return m_isEmpty; }
     QString smallest() const { return QString::fromStdU16String(m_smallest); }
@@ -92,6 +97,7 @@ public:
     size_t longest() const { return m_longest; }
 
 private:
+    std::weak_ordering (*m_compare)(std::u16string_view, std::u16string_view) = compareTexts;
     bool m_isEmpty = true;
     std::u16string m_smallest;
     std::u16string m_largest;

@@ -68,6 +68,17 @@ TEST(TextRange, OrdersByCodePoint)
     EXPECT_EQ(range.longest(), 3U);
 }
 
+TEST(TextRange, OrdersDatesByTime)
+{
+    TextRange range(TextOrder::Words);
+    for (const char16_t *text :
+         {u"2026-01-01 10:00", u"2026-01-01T09:00", u"2026-01-02", u"2026-01-01 23:00"}) {
+        range.add(text);
+    }
+    EXPECT_EQ(range.smallest(), u"2026-01-01T09:00"_s);
+    EXPECT_EQ(range.largest(), u"2026-01-02"_s);
+}
+
 TEST(DistinctCounter, HasLessRoomForManyColumns)
 {
     for (const auto &[columns, most] :

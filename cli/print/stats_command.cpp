@@ -49,6 +49,7 @@ public:
         , m_kind(kind)
         , m_isNumeric(isNumeric)
         , m_distinct(maxDistinct)
+        , m_texts(kind == ValueKind::Text ? TextOrder::CodePoints : TextOrder::Words)
     {
     }
 

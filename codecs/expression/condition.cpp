@@ -15,47 +15,6 @@ namespace corvanta::expression {
 
 namespace {
 
-/// A UTF-16 unit as a number in the order of code points: the surrogates, which stand for code
-/// points above U+FFFF, come after all other units.
-quint32 orderOf(char16_t unit)
-{
-    if (unit < 0xD800) {
-        return unit;
-    }
-    return unit >= 0xE000 ? unit - 0x800U : unit + 0x2000U;
-}
-
-/// Compares by code point, which differs from the order of units only above U+D7FF.
-std::partial_ordering compareTexts(std::u16string_view a, std::u16string_view b)
-{
-    const size_t n = std::min(a.size(), b.size());
-    const auto differ =
-        std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(n), b.begin());
-    if (differ.first != a.begin() + static_cast<std::ptrdiff_t>(n)) {
-        return orderOf(*differ.first) <=> orderOf(*differ.second);
-    }
-    return a.size() <=> b.size();
-}
-
-/// Compares words, dates and times of ASCII. A Z after a time sorts before the point of a fraction.
-std::partial_ordering compareWords(std::u16string_view a, std::u16string_view b)
-{
-    const auto folded = [](char16_t unit) -> quint32 {
-        switch (unit) {
-        case u' ':
-            return u't';
-        case u'Z':
-        case u'z':
-            return 1;
-        default:
-            return unit >= u'A' && unit <= u'Z' ? unit + 0x20U : unit;
-        }
-    };
-    return std::lexicographical_compare_three_way(
-        a.begin(), a.end(), b.begin(), b.end(),
-        [&](char16_t x, char16_t y) { return folded(x) <=> folded(y); });
-}
-
 /// A name that is written like a boolean.
 bool isBooleanWord(const QString &name)
 {

@@ -5,6 +5,7 @@
 // not equal to, less or greater than any number.
 #pragma once
 #include "base/row_view.h"
+#include "base/text/text_order.h"
 #include "codecs/expression/expression.h"
 
 #include <optional>
@@ -13,22 +14,14 @@
 
 namespace corvanta::expression {
 
-/// How the texts of a text column are compared.
-enum class TextOrder : quint8 {
-    CodePoints,
-    Numbers, ///< as numbers
-    /// Booleans, dates and times: neither letter case counts, nor whether a blank or a T is between
-    /// a date and a time. The words true and false without quotes are texts.
-    Words,
-};
-
 /// An expression with its columns found in a table. Evaluates without allocating memory. Threads:
 /// one at a time.
 class Condition
 {
 public:
     /// Find the columns of `expression` in a table. `orders` has one entry per column; the decimal
-    /// point of numbers in texts is `decimalPoint`.
+    /// point of numbers in texts is `decimalPoint`. The words true and false without quotes are
+    /// texts.
     /// Errors: UnknownColumn, TypeMismatch (a column of numbers and a text); the offset counts
     /// characters of the expression from 0.
     static Result<Condition, Error> bind(const Expression &expression, const RowView &columns,

@@ -120,7 +120,7 @@ TEST(Expression, TextsAreOrderedByCodePoint)
     EXPECT_EQ(resultOf(u"u > 'z' and u > '\u00FF'"_s, row), u"1"_s);
 }
 
-TEST(Expression, WordsAreComparedWithoutLetterCase)
+TEST(Expression, WordsAreComparedByTimeAndWithoutLetterCase)
 {
     const auto isTrue = [](const QString &text, const QString &value) {
         TextCell cell(value);
@@ -138,6 +138,10 @@ TEST(Expression, WordsAreComparedWithoutLetterCase)
                        u"2026-01-31 04:30:05"_s));
     EXPECT_TRUE(isTrue(u"w < '2026-01-31T04:30:05.25Z' and w >= '2026-01-31 04:30:05'"_s,
                        u"2026-01-31T04:30:05Z"_s));
+    EXPECT_TRUE(
+        isTrue(u"w = '2026-01-31' and w = '2026-01-31T00:00:00.000Z' and w < '2026-01-31T1'"_s,
+               u"2026-01-31 00:00"_s));
+    EXPECT_TRUE(isTrue(u"w = '04:30:00' and w > '04:29:59.9'"_s, u"04:30"_s));
 }
 
 TEST(Expression, QuotesAreDoubled)

@@ -18,17 +18,20 @@ namespace {
 
 struct KeyBytes
 {
-    quint8 column, isAscending, hasNumbers;
+    quint8 column, isAscending, order;
 };
 
 std::vector<KeyColumn> keyColumns(const RowView &row, const std::array<KeyBytes, 2> &bytes)
 {
+    // Numbers are rare, because few texts are numbers.
+    constexpr TextOrder kOrders[] = {TextOrder::CodePoints, TextOrder::Numbers, TextOrder::Words,
+                                     TextOrder::CodePoints};
     std::vector<KeyColumn> columns;
     columns.reserve(bytes.size());
     for (const KeyBytes &key : bytes) {
         const int column = key.column % row.columns;
         columns.push_back({column, row.type(column), key.isAscending % 2 == 0,
-                           row.type(column) == cell::Type::Text && key.hasNumbers % 4 == 1});
+                           kOrders[key.order % std::size(kOrders)]});
     }
     return columns;
 }

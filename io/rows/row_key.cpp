@@ -7,6 +7,8 @@
 //   number   8 bytes, big-endian: the bits of the double, inverted if it is negative, else with the
 //            sign bit set; from 2^53 on 8 more bytes, big-endian: what an integer in a text is
 //            more than the double, with the sign bit inverted
+//   moment   0x01; 4 bytes, big-endian: the day, with the sign bit inverted; 8 bytes: nanoseconds
+//   word     0x02, text with small letters
 //   text     UTF-8 (lone surrogates in the three bytes of their code point), 0x00 as 00 01; the end
 //            is 00 00
 #include "io/rows/row_key.h"
@@ -26,6 +28,8 @@ namespace {
 
 constexpr char kMissing = '\xFF';
 constexpr char kPresent = '\0';
+constexpr char kMoment = '\1';
+constexpr char kWord = '\2';
 constexpr qsizetype kNumberBytes = 8;
 
 constexpr quint64 kSign = quint64(1) << 63;
@@ -53,12 +57,14 @@ char32_t codePointAt(std::u16string_view text, size_t &i)
     return isPair ? QChar::surrogateToUcs4(unit, text[++i]) : char32_t(unit);
 }
 
-/// The end mark is below every character, so that a text comes before its continuations.
-char *putText(std::u16string_view text, char *out)
+/// The end mark is below every character, so that a text comes before its continuations. In a word
+/// no letter case counts.
+char *putText(std::u16string_view text, bool isWord, char *out)
 {
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] != 0) {
-            out = putUtf8(codePointAt(text, i), out);
+            const char32_t c = codePointAt(text, i);
+            out = putUtf8(isWord && c < 0x80 ? foldedUnit(static_cast<char16_t>(c)) : c, out);
             continue;
         }
         *out++ = '\0';
@@ -67,6 +73,21 @@ char *putText(std::u16string_view text, char *out)
     *out++ = '\0';
     *out++ = '\0';
     return out;
+}
+
+/// The order of what columns of dates, times and booleans have. Other words come after moments.
+char *putWord(std::u16string_view text, char *out)
+{
+    const auto moment = parseMoment(text);
+    *out++ = moment ? kMoment : kWord;
+    if (!moment) {
+        return putText(text, true, out);
+    }
+    constexpr quint32 kSignOfDay = quint32(1) << 31;
+    storeBE(static_cast<quint32>(moment->day) ^ kSignOfDay, out);
+    out += sizeof(quint32);
+    storeBE(static_cast<quint64>(moment->nanoseconds), out);
+    return out + sizeof(quint64);
 }
 
 } // namespace
@@ -128,10 +149,13 @@ char *KeyEncoder::putValue(const KeyColumn &column, const uchar *cell, char *out
     if (text.isMissing()) {
         return out;
     }
-    double value = 0;
-    if (!column.hasNumbers) {
-        return putText(text.view(), out);
+    if (column.order == TextOrder::CodePoints) {
+        return putText(text.view(), false, out);
     }
+    if (column.order == TextOrder::Words) {
+        return putWord(text.view(), out);
+    }
+    double value = 0;
     return parseLocalDouble(text.view(), m_decimalPoint, &value)
                ? putNumber(value, integerRest(text.view(), value), out)
                : nullptr;

@@ -1,10 +1,12 @@
 // Encodes the key columns of a row as bytes whose order is that of the rows.
 //
 // Comparing two keys with memcmp() compares the rows: numbers by value with a NaN after all of
-// them, texts by code point, missing cells last in both directions. Equal keys are equal values,
-// whatever the types of their columns: the number 7 as K, F or a text of a column of numbers.
+// them, texts by the order of their column, missing cells last in both directions. Equal keys are
+// equal values, whatever the types of their columns: the number 7 as K, F or a text of a column of
+// numbers.
 #pragma once
 #include "base/row_view.h"
+#include "base/text/text_order.h"
 
 #include <vector>
 
@@ -16,7 +18,7 @@ struct KeyColumn
     int column = 0; ///< index in the row
     cell::Type type = cell::Type::Text;
     bool ascending = true;
-    bool hasNumbers = false; ///< the texts of the column are compared as numbers
+    TextOrder order = TextOrder::CodePoints; ///< of a column of texts
 };
 
 /// Threads: one at a time.

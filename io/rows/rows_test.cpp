@@ -87,25 +87,49 @@ TEST(RowKey, BytesAreInTheOrderOfTheValues)
     };
     check({0, cell::Type::Double}, numbers, cell::missingDoubleCell());
     check({0, cell::Type::Text}, texts, cell::missingTextCell());
-    check({0, cell::Type::Text, true, true}, numberTexts, cell::missingTextCell());
+    check({0, cell::Type::Text, true, TextOrder::Numbers}, numberTexts, cell::missingTextCell());
+    std::vector<const uchar *> words;
+    for (const QString &text :
+         {u"1969-12-31 23:59:59.9"_s, u"1970-01-01"_s, u"1970-01-01T00:00:00.5"_s,
+          u"1970-01-01 00:00:01"_s, u"10:00"_s, u"1970-01-02T09:00"_s, u"1970-01-02 10:00:00.25"_s,
+          u"FALSE"_s, u"false1"_s, u"true"_s}) {
+        words.push_back(textOf(buffer, text));
+    }
+    check({0, cell::Type::Text, true, TextOrder::Words}, words, cell::missingTextCell());
+}
+
+std::string keyOf(const KeyColumn &column, const uchar *cell)
+{
+    KeyEncoder encoder({column});
+    std::string key(size_t(encoder.bytesAtMost(&cell)), 0);
+    key.resize(size_t(encoder.put(&cell, key.data()) - key.data()));
+    return key;
+}
+
+TEST(RowKey, EqualWordsHaveEqualKeys)
+{
+    RowBuffer buffer(1 << 10);
+    const auto wordKey = [&](const QString &text) {
+        return keyOf({0, cell::Type::Text, true, TextOrder::Words}, textOf(buffer, text));
+    };
+    EXPECT_EQ(wordKey(u"2026-01-31"_s), wordKey(u"2026-01-31T00:00Z"_s));
+    EXPECT_EQ(wordKey(u"2026-01-31 10:00"_s), wordKey(u"2026-01-31T10:00:00.0"_s));
+    EXPECT_EQ(wordKey(u"10:00"_s), wordKey(u"10:00:00"_s));
+    EXPECT_EQ(wordKey(u"TRUE"_s), wordKey(u"true"_s));
+    EXPECT_NE(wordKey(u"\u00C4"_s), wordKey(u"\u00E4"_s)); // only letters of ASCII
 }
 
 TEST(RowKey, EqualNumbersOfAllTypesHaveEqualKeys)
 {
     RowBuffer buffer(1 << 10);
-    const auto keyOf = [](const KeyColumn &column, const uchar *cell) {
-        KeyEncoder encoder({column});
-        std::string key(size_t(encoder.bytesAtMost(&cell)), 0);
-        key.resize(size_t(encoder.put(&cell, key.data()) - key.data()));
-        return key;
-    };
     const std::string key = keyOf({0, cell::Type::Key}, keyCell(&buffer, 7));
     EXPECT_EQ(key, keyOf({0, cell::Type::Double}, doubleCell(&buffer, 7)));
-    EXPECT_EQ(key, keyOf({0, cell::Type::Text, true, true}, textOf(buffer, u"7.0"_s)));
+    EXPECT_EQ(key,
+              keyOf({0, cell::Type::Text, true, TextOrder::Numbers}, textOf(buffer, u"7.0"_s)));
     EXPECT_EQ(keyOf({0, cell::Type::Double}, doubleCell(&buffer, 0.0)),
               keyOf({0, cell::Type::Double}, doubleCell(&buffer, -0.0)));
     const uchar *const text = textOf(buffer, u"x"_s);
-    KeyEncoder encoder({{0, cell::Type::Text, true, true}});
+    KeyEncoder encoder({{0, cell::Type::Text, true, TextOrder::Numbers}});
     char room[64];
     EXPECT_EQ(encoder.put(&text, room), nullptr);
     EXPECT_EQ(encoder.failedColumn(), 0);

@@ -137,6 +137,15 @@ class Sort(Folder):
             self.check_error(local, action(kind, "where='t = 1' decimal='ab'"[-12 if kind == "sort" else 0:], **({"keys": ["t"]} if kind == "sort" else {})),
                              f"Error: {kind}: decimal='ab' is not one ASCII character\n")
 
+    def test_times_are_sorted_by_time(self):
+        times = ["2026-01-01 10:00", "2026-01-01T09:00", "2026-01-02", "2026-01-01T10:00:00", "", "2026-01-01 09:30"]
+        ordered = [times[1], times[5], times[0], times[3], times[2], ""]
+        table = [("d,n\n" + "".join(f"{time},{letter}\n" for time, letter in zip(times, "fedcba")), "")]
+        for keys, expected in ((["d"], ordered), (["d", "n"], [*ordered[:2], times[3], times[0], *ordered[4:]])):
+            rows = [(time or None, "fedcba"[times.index(time)]) for time in expected]
+            self.check(table, [action("sort", keys=keys, kinds=["d=datetime"])], text_of([("d", "n"), *rows]))
+        self.check([("b\ntrue\nFALSE\nTrue\nfalse\n", "")], [action("sort", keys=["b"], kinds=["b=boolean"])], "b\nFALSE\nfalse\ntrue\nTrue\n")
+
     def test_random_tables(self):
         chance = random.Random(11)
         texts = [None, "", "a", "b", "ab", "é", "\uff5e", "\U0001f600"]
@@ -206,6 +215,12 @@ class Join(Folder):
         self.check([first, second], [action("join", keys=["id=nr", "day"], kinds=["nr=decimal"])], "id,day,v,v_2\n1,a,x,8\n2,b,z,9\n",
                    ["join: 1 column of the second table got the suffix '_2'; the first is 'v'\n"])
         self.check([first, ("id,w\n", "F,U")], [action("join", "type='1'", keys=["id"])], "id,day,v,w\n1,a,x,\n2,a,y,\n2,b,z,\n")
+
+    def test_keys_are_equal_times(self):
+        """The kind of one side is enough."""
+        inputs = [("at,v\n2026-01-01 10:00,x\n2026-01-02,y\n", ""), ("when,w\n2026-01-01T10:00:00,8\n2026-01-02T00:00,9\n", "")]
+        for kind in ("at=datetime", "when=datetime"):
+            self.check(inputs, [action("join", keys=["at=when"], kinds=[kind])], "at,v,w\n2026-01-01 10:00,x,8\n2026-01-02,y,9\n")
 
     def test_errors(self):
         first, second = ("id,v\n1,x\n", "K,U"), ("id,v,v_2\na,b,c\n", "")

@@ -21,6 +21,16 @@ Assignment kindOf(const QString &text)
     return {text.left(sign), text.mid(sign + 1)};
 }
 
+TextOrder orderOf(const QString &kind)
+{
+    if (kind == kindName(ValueKind::Text)) {
+        return TextOrder::CodePoints;
+    }
+    const bool areNumbers =
+        kind == kindName(ValueKind::Integer) || kind == kindName(ValueKind::Decimal);
+    return areNumbers ? TextOrder::Numbers : TextOrder::Words;
+}
+
 } // namespace
 
 /// The hint names a similar column, because most mistakes are in the spelling.
@@ -82,18 +92,17 @@ QVector<ParameterProblem> decimalPointProblems(const QString &decimal)
         ParameterProblem{u"decimal"_s, u"decimal='%1' is not one ASCII character"_s.arg(decimal)}};
 }
 
-std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &columns)
+std::vector<TextOrder> textOrders(const QStringList &kinds, const TableSchema &columns)
 {
-    std::vector<bool> hasNumbers(static_cast<size_t>(columns.names.size()), false);
+    std::vector<TextOrder> orders(static_cast<size_t>(columns.names.size()));
     for (const QString &text : kinds) {
         const Assignment kind = kindOf(text);
         const qsizetype column = columns.names.indexOf(kind.column);
         if (column >= 0) {
-            hasNumbers[static_cast<size_t>(column)] =
-                kind.value == "integer"_L1 || kind.value == "decimal"_L1;
+            orders[static_cast<size_t>(column)] = orderOf(kind.value);
         }
     }
-    return hasNumbers;
+    return orders;
 }
 
 bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList &known)

@@ -1,5 +1,6 @@
 // Columns in the parameters of the actions that change tables: names, and texts such as "old=new".
 #pragma once
+#include "base/text/text_order.h"
 #include "corvanta/action_base.h"
 #include "corvanta/meta_info.h"
 #include "corvanta/params/param_table.h"
@@ -34,7 +35,7 @@ template <class P> Param<P> columnKinds()
         .label("Kinds of text columns")
         .meaning("column=kind, one per line; kinds: text, integer, decimal, boolean, date, "
                  "datetime, time. Text columns of the kinds integer and decimal are compared as "
-                 "numbers.");
+                 "numbers, those of dates and times by time, and booleans without letter case.");
 }
 /// The line for the decimal point of the numbers in such columns.
 template <class P> Param<P> decimalPoint()
@@ -48,8 +49,8 @@ template <class P> Param<P> decimalPoint()
 QVector<ParameterProblem> decimalPointProblems(const QString &decimal);
 /// What is wrong with such a list, whatever the columns are.
 QVector<ParameterProblem> kindProblems(const QStringList &kinds);
-/// Whether the texts of each column are compared as numbers. Kinds of other columns are ignored.
-std::vector<bool> numberColumns(const QStringList &kinds, const TableSchema &columns);
+/// How the texts of each column are compared. Kinds of other columns are ignored.
+std::vector<TextOrder> textOrders(const QStringList &kinds, const TableSchema &columns);
 /// Fail the run of `action` if an element is not a column and a kind, or names a column that is not
 /// one of `known`; false then.
 bool checkKinds(ActionBase *action, const QStringList &kinds, const QStringList &known);
