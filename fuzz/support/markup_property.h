@@ -100,7 +100,7 @@ private:
             .levels;
     }
 
-    /// All rows, the columns without values, and the error.
+    /// All rows, the columns without values, the repeats, and the error.
     std::u16string rows(const std::vector<Level> &levels, qint64 buffer, qint64 piece) const
     {
         MemorySource source(m_bytes, piece);
@@ -120,7 +120,11 @@ private:
                     static_cast<size_t>(extractor.columnNames().size()));
             arena.reset();
         }
-        rows += extractor.missingPaths().join(u'\n').toStdU16String();
+        QString unread = extractor.missingPaths().join(u'\n');
+        for (const RepeatedPath &repeated : extractor.unread().repeatedPaths) {
+            unread += repeated.path + QString::number(repeated.count) + repeated.first;
+        }
+        rows += unread.toStdU16String();
         const MarkupError error = row ? MarkupError::None : row.fault().code.error;
         require(errorText(error) != nullptr);
         return rows + static_cast<char16_t>(error);

@@ -127,6 +127,13 @@ inline const uchar *ItemCells::rawCell(const RawText &text, CellArena &arena)
     return text.size > limits::kTextCellUnits ? fail(MarkupError::NoMemory) : textCell(arena, text);
 }
 
+const uchar *ItemCells::textCellOf(const MarkupTree &tree, TextSpan text, CellArena &arena)
+{
+    const RawText raw = tree.raw(text);
+    return isMissingNull(raw.view()) && !tree.isQuoted(text) ? cell::missingTextCell()
+                                                             : rawCell(raw, arena);
+}
+
 /// The text of an element, or its replacement; missing if there is neither.
 const uchar *ItemCells::textOf(const MarkupTree &tree, quint32 element, CellArena &arena)
 {
@@ -134,10 +141,7 @@ const uchar *ItemCells::textOf(const MarkupTree &tree, quint32 element, CellAren
     const quint32 texts = node.count(ItemKind::Text);
     const quint32 clears = m_options.text.clearIsText ? node.count(ItemKind::Clear) : 0;
     if (texts == 1 && clears == 0 && !m_options.allText) {
-        const TextSpan text = tree.item(tree.first(element, ItemKind::Text)).text;
-        const RawText raw = tree.raw(text);
-        return isMissingNull(raw.view()) && !tree.isQuoted(text) ? cell::missingTextCell()
-                                                                 : rawCell(raw, arena);
+        return textCellOf(tree, tree.item(tree.first(element, ItemKind::Text)).text, arena);
     }
     const auto gather = m_options.allText ? foldText : joinText;
     if ((m_options.allText || texts + clears > 0) &&

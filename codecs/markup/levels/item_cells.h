@@ -24,7 +24,9 @@ public:
     /// in `arena`, or the shared missing cell.
     const uchar *cellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
                         CellArena &arena);
-    /// The same with the value as a text of JSON. Only for JSON.
+    /// The cell of an element that has one piece of text, which is `text`, and nothing else.
+    const uchar *textCellOf(const MarkupTree &tree, TextSpan text, CellArena &arena);
+    /// As cellOf(), with the value as a text of JSON. Only for JSON.
     const uchar *jsonCellOf(const MarkupTree &tree, const LevelItem &item, quint32 found,
                             CellArena &arena);
     /// The cell of a text with the quotes and escapes of JSON.

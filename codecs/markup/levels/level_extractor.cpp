@@ -44,6 +44,10 @@ LevelExtractor::LevelExtractor(const std::vector<Level> &levels, const ExtractOp
     }
     m_reader = std::make_unique<OccurrenceReader>(*m_levels.front(), options, m_unread);
     setTypes(static_cast<size_t>(column));
+    const bool hasJsonCells = options.types.find('J') != std::string::npos;
+    if (canTakeLeaves() && m_levels.size() == 1 && !hasJsonCells) {
+        m_leaves = std::make_unique<LeafKeeper>(leafColumns(), levels.front().items.size());
+    }
     beginFile();
 }
 
@@ -84,6 +88,10 @@ void LevelExtractor::beginDocument(MarkupTokenizer &tokenizer)
 {
     m_reader->beginDocument(tokenizer);
     m_isJson = dynamic_cast<JSONTokenizer *>(&tokenizer) != nullptr;
+    if (m_scans.empty()) {
+        // An element of XML may have texts between its leaves, which are unread or not by them.
+        m_reader->setLeafTaker(m_isJson ? m_leaves.get() : nullptr);
+    }
     m_failure.reset();
     m_items.clearError();
     m_badValue.reset();
@@ -192,6 +200,9 @@ bool LevelExtractor::readFirstLevel(CellArena &arena)
 {
     for (;;) {
         ++m_occurrences;
+        if (m_leaves) {
+            m_leaves->beginRecord();
+        }
         const auto found = m_reader->next();
         if (!found) {
             m_failure = found.fault().code;
@@ -286,8 +297,9 @@ QString LevelExtractor::placeOfText(quint32 occurrence) const
 /// Count what the occurrence has and the row does not show. Rarely called.
 void LevelExtractor::countUnread(LevelState &state, Occurrences *odd)
 {
-    state.paths.placeRepeats([this](quint32 item) { return m_reader->placeOf(item); });
+    state.paths.placeRepeats([this](TextSpan name) { return m_reader->placeOf(name); });
     const bool hasItem =
+        (m_leaves && m_leaves->hasAny()) ||
         std::ranges::any_of(state.found, [](quint32 item) { return item != MarkupTree::kNone; });
     if (odd != nullptr && !hasItem && !isReadOutside(state)) {
         odd->add([&] { return placeOfText(state.occurrence); });
@@ -338,10 +350,12 @@ inline void LevelExtractor::fillCells(LevelState &state, CellArena &arena)
     }
     for (size_t i = 0; i < state.level.items.size(); ++i) {
         const LevelItem &item = state.level.items[i];
-        const bool isFound = found[i] != MarkupTree::kNone;
-        *cell++ = isFound ? m_items.cellOf(tree(), item, found[i], arena)
-                          : m_items.absentCell(item, arena);
-        if (isFound && !state.wasFound[i]) {
+        const bool isInTree = found[i] != MarkupTree::kNone;
+        const MarkupTokenizer::Leaf *const leaf = leafOf(state, i);
+        *cell++ = leaf != nullptr ? m_items.textCellOf(tree(), leaf->text, arena)
+                  : isInTree      ? m_items.cellOf(tree(), item, found[i], arena)
+                                  : m_items.absentCell(item, arena);
+        if ((isInTree || leaf != nullptr) && !state.wasFound[i]) {
             state.wasFound[i] = true;
         }
     }

@@ -4,6 +4,7 @@
 // the token stream (OccurrenceReader), those of the other levels from the tree of that occurrence.
 #pragma once
 #include "codecs/markup/levels/item_cells.h"
+#include "codecs/markup/levels/leaf_columns.h"
 #include "codecs/markup/levels/occurrence_reader.h"
 #include "codecs/values/column_scan.h"
 
@@ -96,6 +97,8 @@ private:
     class LeafScan;
 
     bool isLast(size_t level) const { return level + 1 == m_levels.size(); }
+    bool canTakeLeaves() const;
+    LeafColumns leafColumns() const;
     void addSpans(const PathSyntax &syntax);
     bool readFirstLevel(CellArena &arena);
     bool beginTableRow(quint32 row);
@@ -111,7 +114,17 @@ private:
     const uchar *nameCell(quint32 occurrence, size_t column, CellArena &arena);
     void fillRow(LevelState &state, CellArena &arena);
     void fillTypedCells(LevelState &state, CellArena &arena);
-    const uchar *typedCell(const LevelItem &item, quint32 found, size_t column, CellArena &arena);
+    /// The leaf that gives the cell of an item; null if the item is in the tree or missing.
+    const MarkupTokenizer::Leaf *leafOf(LevelState &state, size_t item)
+    {
+        const MarkupTokenizer::Leaf *const leaf = m_leaves ? m_leaves->leafOf(item) : nullptr;
+        const bool isTwice = leaf != nullptr && state.found[item] != MarkupTree::kNone;
+        return isTwice ? firstOf(state, item, *leaf) : leaf;
+    }
+    const MarkupTokenizer::Leaf *firstOf(LevelState &state, size_t item,
+                                         const MarkupTokenizer::Leaf &leaf);
+    const uchar *typedCell(const LevelItem &item, quint32 found, const MarkupTokenizer::Leaf *leaf,
+                           size_t column, CellArena &arena);
     const uchar *numberCell(std::string_view text, size_t column, CellArena &arena);
     void setBadValue(std::string_view text, size_t column);
     void fillCells(LevelState &state, CellArena &arena);
@@ -149,10 +162,11 @@ private:
     std::vector<const uchar *> m_missing; // the missing cell of each column
     std::optional<BadValue> m_badValue;
     std::span<values::ColumnScan> m_scans; // empty: rows have cells
-    std::unique_ptr<MarkupTreeBuilder::LeafTaker>
-        m_leafScan;           // null: all values are found in the trees
-    qint64 m_rows = 0;        // scanned
-    qint64 m_occurrences = 0; // of the first level that were looked for
+    // Null: all values are found in the trees.
+    std::unique_ptr<MarkupTreeBuilder::LeafTaker> m_leafScan;
+    std::unique_ptr<LeafKeeper> m_leaves; // for rows of one level
+    qint64 m_rows = 0;                    // scanned
+    qint64 m_occurrences = 0;             // of the first level that were looked for
     bool m_isJson = false;
     UnreadParts m_unread;
     /// Off where no row or cell depends on it: HTML, and cells that say whether an element exists.

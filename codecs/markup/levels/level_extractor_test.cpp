@@ -211,6 +211,49 @@ TEST(LevelExtractor, CountsWhatItDoesNotRead)
     }
 }
 
+// Whether a member is in the tree or not depends on escapes and on the sizes of reads.
+TEST(LevelExtractor, CountsMembersThatRepeat)
+{
+    struct Repeated
+    {
+        const char *record;
+        const char *row;
+        int count;
+        const char *first; // column
+    };
+    for (const Repeated &one : {Repeated{R"({"v":1,"v":2})", "1,-", 1, "9"},
+                                {R"({"v":"\u0031","v":2,"w":3})", "1,3", 1, "16"},
+                                {R"({"v":1,"v":"\u0032","v":3,"V":4})", "1,-", 3, "9"},
+                                {R"({"v":"\u0031","v":"\u0032","v":3})", "1,-", 2, "16"},
+                                {R"({"v":"\u0031","v":2,"v":"\u0033"})", "1,-", 2, "16"},
+                                {R"({"w":[],"v":1,"w":2,"w":3})", "1,-", 2, "16"},
+                                {R"({"":0,"v":1,"_":2})", "1,-", 0, ""},
+                                {R"({"v":null,"v":1})", "-,-", 1, "12"}}) {
+        for (const bool isArray : {false, true}) {
+            const QByteArray json = (isArray ? "[\n" : "{\"w\":0}\n") + QByteArray(one.record) +
+                                    (isArray ? ",{\"w\":9}]" : "\n{\"w\":9}");
+            for (const qint64 piece : {-1, 1, 7}) {
+                MemorySource source(json, piece);
+                JSONTokenizer tokenizer(source, 0, u"");
+                ExtractOptions options;
+                options.nullIsMissing = true;
+                LevelExtractor extractor(levelsOf({u"||v,w"_s}), options);
+                EXPECT_EQ(extract(extractor, tokenizer).toStdString(),
+                          (isArray ? "" : "-,0;") + std::string(one.row) + ";-,9;");
+                const UnreadParts unread = extractor.unread();
+                EXPECT_FALSE(unread.bareArrays.any());
+                ASSERT_EQ(unread.repeatedPaths.size(), one.count > 0 ? 1U : 0U) << one.record;
+                if (one.count > 0) {
+                    EXPECT_EQ(unread.repeatedPaths[0].count, one.count) << one.record;
+                    EXPECT_EQ(unread.repeatedPaths[0].first.toStdString(),
+                              std::string("line 2, column ") + one.first)
+                        << one.record << " in pieces of " << piece;
+                }
+            }
+        }
+    }
+}
+
 // A value that is an occurrence of an inner level can be read by an item of an outer one.
 TEST(LevelExtractor, KnowsWhichSingleValuesAreRead)
 {
@@ -525,6 +568,7 @@ TEST(LevelExtractor, ScansTheValuesOfJson)
     EXPECT_EQ(kinds(R"({"a":{"a":"x"},"b":{"a":1}})", {u"||a"_s}), u"-U"); // one record
     EXPECT_EQ(kinds(R"({"m1":{"v":1},"m2":{"v":2}})", {u"||v"_s}), u"iK"); // a map of records
     EXPECT_EQ(kinds(R"([{"v":12345678901234567890}])", {u"||v"_s}), u"dU");
+    EXPECT_EQ(kinds(R"([{"b":1,"b":"x"}])", {u"||b"_s, u"|b|"_s}), u"iK|-U:x");
 }
 
 TEST(LevelExtractor, ScansTheRowsThatItExtracts)

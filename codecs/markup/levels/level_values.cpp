@@ -29,104 +29,34 @@ std::string_view viewOf(const QByteArray &bytes)
 
 // ---- The values without cells.
 
-/// Scans the leaves of the first level's occurrences before they get into a tree, as far as their
-/// names are the whole path of one item. All others are found in the tree.
+/// Scans the leaves of the first level's occurrences before they get into a tree. All others are
+/// found in the tree.
 class LevelExtractor::LeafScan final : public MarkupTreeBuilder::LeafTaker
 {
 public:
     explicit LeafScan(LevelExtractor &extractor)
         : m_extractor(extractor)
+        , m_columns(extractor.leafColumns())
+        , m_last(extractor.m_levels.front()->level.items.size(), 0)
+        , m_scans(extractor.m_scans.subspan(extractor.m_options.outputSubTags ? 1 : 0))
     {
-        const LevelState &first = *extractor.m_levels.front();
-        const PathSyntax syntax{extractor.m_options.zeroBased, u'/'};
-        std::vector<std::vector<PathStep>> paths;
-        for (const LevelItem &item : first.level.items) {
-            paths.push_back(parsePath(item.path, syntax));
-        }
-        for (size_t i = 0; i < paths.size(); ++i) {
-            if (!first.level.items[i].tagName && isName(paths[i])) {
-                const std::u16string &name = paths[i].front().name;
-                const QString &path = first.level.items[i].path;
-                const bool isWritten = QStringView(name) == path.toLower();
-                m_columns.push_back({name,
-                                     static_cast<size_t>(first.firstColumn) + i +
-                                         (extractor.m_options.outputSubTags ? 1 : 0),
-                                     isWritten ? path.toStdString() : std::string()});
-            }
-        }
-        if (extractor.m_levels.size() > 1) {
-            paths.push_back(extractor.m_levels[1]->initialPath);
-        }
-        std::erase_if(m_columns, [&](const Column &column) { return isShared(column, paths); });
     }
 
     bool take(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf) override
     {
-        if (Column *const column = find(tokenizer.resolve(leaf.name))) {
-            scan(tokenizer, leaf, *column);
-            return true;
+        const size_t item = m_columns.find(tokenizer.resolve(leaf.name));
+        if (item != LeafColumns::kNone) {
+            scan(tokenizer, leaf, item);
         }
-        return false;
+        return item != LeafColumns::kNone;
     }
 
 private:
-    struct Column
+    void scan(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf, size_t item)
     {
-        std::u16string name; // in lower case
-        size_t index = 0;
-        std::string bytes; // of the last name that matched: most are equal
-        qint64 last = 0;   // occurrence in which it had a value: further ones are not read
-    };
-
-    static bool hasBytes(const RawText &name, const Column &column)
-    {
-        return name.view().size() == column.bytes.size() &&
-               equalBytes(name.data, column.bytes.data(), column.bytes.size());
-    }
-    /// The column with the name; null if it is not among the next ones. Most records have the same
-    /// members in the same order. Some lack one, or have one at another place than the sample: then
-    /// the next member is expected where it was before.
-    Column *find(const RawText &name)
-    {
-        constexpr size_t kSkipped = 4;
-        constexpr size_t kSearched = 32;
-        const size_t count = m_columns.size();
-        size_t index = m_next;
-        for (size_t i = 0; i < std::min(kSearched, count); ++i, ++index) {
-            index = index < count ? index : 0;
-            if (hasBytes(name, m_columns[index])) {
-                m_next = i < kSkipped ? index + 1 : m_next;
-                return &m_columns[index];
-            }
-        }
-        index = m_next;
-        for (size_t i = 0; i < std::min(kSkipped, count); ++i, ++index) {
-            index = index < count ? index : 0;
-            if (nameMatches(name, m_columns[index].name)) {
-                m_columns[index].bytes = name.view();
-                return &m_columns[index];
-            }
-        }
-        return nullptr;
-    }
-    static bool isName(const std::vector<PathStep> &path)
-    {
-        return path.size() == 1 && !path[0].anyName && !path[0].isIndexed && path[0].index == 0 &&
-               !path[0].isAttribute() && !path[0].name.empty();
-    }
-    /// Whether other paths select elements of the name, too.
-    static bool isShared(const Column &column, const std::vector<std::vector<PathStep>> &paths)
-    {
-        const auto begins = [&](const std::vector<PathStep> &path) {
-            return path.empty() || path[0].anyName || path[0].name == column.name;
-        };
-        return std::count_if(paths.begin(), paths.end(), begins) != 1;
-    }
-    void scan(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf, Column &column)
-    {
-        values::ColumnScan &scan = m_extractor.m_scans[column.index];
+        values::ColumnScan &scan = m_scans[item];
         const bool isFirst =
-            std::exchange(column.last, m_extractor.m_occurrences) != m_extractor.m_occurrences;
+            std::exchange(m_last[item], m_extractor.m_occurrences) != m_extractor.m_occurrences;
         if (!isFirst || !leaf.hasText || scan.isDecided()) {
             return;
         }
@@ -140,16 +70,40 @@ private:
     }
 
     LevelExtractor &m_extractor;
-    std::vector<Column> m_columns;
-    size_t m_next = 0; // where the next member is expected
+    LeafColumns m_columns;
+    std::vector<qint64> m_last;            // by item: the occurrence in which it had a value
+    std::span<values::ColumnScan> m_scans; // by item of the first level
 };
+
+/// Whether the values of leaves depend on nothing but the leaves.
+bool LevelExtractor::canTakeLeaves() const
+{
+    return m_options.keepRoot && !m_options.presence && !m_options.allText &&
+           !m_options.expandSpans && !m_options.ignoreEmpty && m_options.skip == 0;
+}
+
+LeafColumns LevelExtractor::leafColumns() const
+{
+    const bool isOne = m_levels.size() == 1;
+    return {*m_levels.front(), PathSyntax{m_options.zeroBased, u'/'},
+            isOne ? nullptr : m_levels[1].get()};
+}
+
+/// The leaf, or null, if the same item is in the tree before it. The other one is a repeat.
+const MarkupTokenizer::Leaf *LevelExtractor::firstOf(LevelState &state, size_t item,
+                                                     const MarkupTokenizer::Leaf &leaf)
+{
+    const TextSpan inTree = tree().item(state.found[item]).text;
+    const bool isFirst = leaf.name.offset() < inTree.offset();
+    state.paths.addRepeat(item, isFirst ? inTree : leaf.name);
+    return isFirst ? &leaf : nullptr;
+}
 
 void LevelExtractor::scanValues(std::span<values::ColumnScan> scans)
 {
     m_scans = scans;
-    // Where a value depends on more than its leaf, all are found in the tree.
-    if (m_options.keepRoot && !m_options.presence && !m_options.allText && !m_options.expandSpans &&
-        !m_options.ignoreEmpty && m_options.skip == 0) {
+    m_leaves.reset();
+    if (canTakeLeaves()) {
         m_leafScan = std::make_unique<LeafScan>(*this);
         m_reader->setLeafTaker(m_leafScan.get());
     }
@@ -248,16 +202,19 @@ void LevelExtractor::fillTypedCells(LevelState &state, CellArena &arena)
     }
     for (size_t i = 0; i < state.level.items.size(); ++i, ++column) {
         const LevelItem &item = state.level.items[i];
-        const bool isFound = state.found[i] != MarkupTree::kNone;
+        const bool isInTree = state.found[i] != MarkupTree::kNone;
+        const MarkupTokenizer::Leaf *const leaf = leafOf(state, i);
         if (isNumberColumn(column)) {
-            m_cells[column] = typedCell(item, state.found[i], column, arena);
-        } else if (isFound && m_options.types[column] == 'J') {
+            m_cells[column] = typedCell(item, state.found[i], leaf, column, arena);
+        } else if (leaf != nullptr) {
+            m_cells[column] = m_items.textCellOf(tree(), leaf->text, arena);
+        } else if (isInTree && m_options.types[column] == 'J') {
             m_cells[column] = m_items.jsonCellOf(tree(), item, state.found[i], arena);
         } else {
-            m_cells[column] = isFound ? m_items.cellOf(tree(), item, state.found[i], arena)
-                                      : m_items.absentCell(item, arena);
+            m_cells[column] = isInTree ? m_items.cellOf(tree(), item, state.found[i], arena)
+                                       : m_items.absentCell(item, arena);
         }
-        if (isFound && !state.wasFound[i]) {
+        if ((isInTree || leaf != nullptr) && !state.wasFound[i]) {
             state.wasFound[i] = true;
         }
     }
@@ -275,13 +232,15 @@ const uchar *LevelExtractor::nameCell(quint32 occurrence, size_t column, CellAre
                                           : textCell(arena, name);
 }
 
-/// The cell of a number; `found` may be kNone.
-inline const uchar *LevelExtractor::typedCell(const LevelItem &item, quint32 found, size_t column,
+/// The cell of a number; `found` may be kNone, and `leaf` null.
+inline const uchar *LevelExtractor::typedCell(const LevelItem &item, quint32 found,
+                                              const MarkupTokenizer::Leaf *leaf, size_t column,
                                               CellArena &arena)
 {
     const bool isFound = found != MarkupTree::kNone;
-    const std::optional<TextSpan> text =
-        isFound ? m_items.singleText(tree(), item, found) : std::nullopt;
+    const std::optional<TextSpan> text = leaf != nullptr ? std::optional(leaf->text)
+                                         : isFound       ? m_items.singleText(tree(), item, found)
+                                                         : std::nullopt;
     if (text && text->form() == TextForm::Plain) {
         const std::string_view value = tree().raw(*text).view();
         return m_items.isMissingNull(value) && !tree().isQuoted(*text)

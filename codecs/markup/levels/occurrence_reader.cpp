@@ -163,9 +163,8 @@ PathSet::Repeats OccurrenceReader::repeats() const
     return {inTrees.count + inStream.count(), inStream.any() ? inStream.first() : inTrees.first};
 }
 
-QString OccurrenceReader::placeOf(quint32 item) const
+QString OccurrenceReader::placeOf(TextSpan text) const
 {
-    const TextSpan text = m_tree->item(item).text;
     const bool isInBuffer = m_tokenizer->isPinned() && !text.isExternal();
     return placeText(isInBuffer ? m_tokenizer->positionInPinned(text.offset())
                                 : m_tokenizer->position());
@@ -405,7 +404,7 @@ OccurrenceReader::Found OccurrenceReader::readWholeValue()
     }
     m_tree = root.tree();
     m_treeContainer = m_rootPath.resolve(*m_tree, root.index()).front();
-    m_rootPath.placeRepeats([this](quint32 item) { return placeOf(item); });
+    m_rootPath.placeRepeats([this](TextSpan name) { return placeOf(name); });
     if (m_treeContainer == MarkupTree::kNone) {
         return kNoOccurrence;
     }

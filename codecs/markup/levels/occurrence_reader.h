@@ -58,8 +58,9 @@ public:
 
     /// Further matches of the initial path, which are not read.
     PathSet::Repeats repeats() const;
-    /// The place of an item of tree().
-    QString placeOf(quint32 item) const;
+    /// The place of an item of tree(), and of its name or text.
+    QString placeOf(quint32 item) const { return placeOf(m_tree->item(item).text); }
+    QString placeOf(TextSpan text) const;
 
     /// The last occurrence is a row of an HTML table: changes when another group of rows (thead,
     /// tbody, tfoot) has begun.

@@ -343,9 +343,24 @@ void PathSet::addRepeats(const MarkupTree &tree, Visit at)
             while (!selects(edge.step, tree.raw(child)) || before-- > 0) {
                 child = tree.sibling(child);
             }
-            m_newRepeats.push_back({at.node, i, child});
+            m_newRepeats.push_back({at.node, i, tree.item(child).text});
         }
         edge.repeats += matches - node.mostRead[i];
+    }
+}
+
+/// The first one in the record has the place.
+void PathSet::addRepeat(size_t path, TextSpan name)
+{
+    const auto [node, number] = m_steps[path].front();
+    const auto isSame = [&](const NewRepeat &repeat) {
+        return repeat.node == node && repeat.edge == number;
+    };
+    const auto known = std::ranges::find_if(m_newRepeats, isSame);
+    if (m_nodes[node]->edges[number].repeats++ == 0) {
+        m_newRepeats.push_back({node, number, name});
+    } else if (known != m_newRepeats.end() && name.offset() < known->name.offset()) {
+        known->name = name;
     }
 }
 

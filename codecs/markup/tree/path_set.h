@@ -42,11 +42,14 @@ public:
     void countRepeats(bool on) { m_countsRepeats = on; }
     /// True when the last lookup found the first one of a step: call placeRepeats() then.
     bool hasNewRepeats() const { return !m_newRepeats.empty(); }
-    /// Store where they are. `placeOf(item)` returns the place of an item of the tree as text.
+    /// Count a match of a path of one step that is not in the tree. `name` is where it is.
+    void addRepeat(size_t path, TextSpan name);
+    /// Store where they are. `placeOf(name)` returns the place of an item of the tree with that
+    /// name as text.
     template <class PlaceOf> void placeRepeats(PlaceOf placeOf)
     {
         for (const NewRepeat &repeat : std::exchange(m_newRepeats, {})) {
-            m_nodes[repeat.node]->edges[repeat.edge].firstRepeat = placeOf(repeat.item);
+            m_nodes[repeat.node]->edges[repeat.edge].firstRepeat = placeOf(repeat.name);
         }
     }
     /// How many there are, and the place of the first.
@@ -91,7 +94,7 @@ private:
     {
         quint32 node;
         quint32 edge;
-        quint32 item;
+        TextSpan name;
     };
     using Numbers = std::vector<quint32>;
     /// A node of the trie. The root, number 0, is the element where all paths start.
