@@ -28,18 +28,24 @@ QByteArray quoted(const QString &text)
     return array.mid(1, array.size() - 2);
 }
 
-/// Whether a value of that kind is written without quotes.
-bool isBare(ValueKind kind, const QString &text)
+/// A value of that kind, without quotes where JSON has it so.
+QByteArray valueOf(ValueKind kind, const QString &text)
 {
+    bool isBare = false;
+    QString value = text;
     switch (kind) {
     case ValueKind::Integer:
     case ValueKind::Decimal:
-        return corvanta::isJsonNumber(std::u16string_view(text.toStdU16String()));
+        isBare = corvanta::isJsonNumber(std::u16string_view(text.toStdU16String()));
+        break;
     case ValueKind::Boolean:
-        return text == u"true" || text == u"false";
+        value = text.toLower();
+        isBare = value == u"true" || value == u"false";
+        break;
     default:
-        return false;
+        break;
     }
+    return isBare ? value.toLatin1() : quoted(text);
 }
 
 } // namespace
@@ -69,9 +75,7 @@ void JsonRows::add(const OneRow &row)
         const auto column = static_cast<size_t>(i);
         m_text += i > 0 ? ", " : "";
         m_text += m_members[column];
-        m_text += text.isNull()                   ? QByteArray("null")
-                  : isBare(m_kinds[column], text) ? text.toLatin1()
-                                                  : quoted(text);
+        m_text += text.isNull() ? QByteArray("null") : valueOf(m_kinds[column], text);
     }
     m_text += '}';
     if (m_text.size() >= kFlushBytes) {
