@@ -155,6 +155,7 @@ private:
             kind.exception = QString::fromUtf16(text.data(), text.size());
             kind.exceptionPlace = u"row %1 of the file '%2'"_s.arg(QString::number(row), file);
         }
+        kind.isUtc = column.isUtc.value_or(false);
     }
 
     QVector<ColumnKind> &m_kinds;

@@ -6,7 +6,9 @@
 // Each of those between the readers and the writer exists only if an option needs it.
 #include "cli/convert/pipeline.h"
 
+#include "base/counted.h"
 #include "base/mapped.h"
+#include "base/text/text_order.h"
 #include "cli/column_types.h"
 #include "cli/convert/file_arguments.h"
 #include "cli/file_types.h"
@@ -35,8 +37,22 @@ struct Chain
     QVector<ColumnKind> kinds;
     QVector<ColumnNotes> notes;
     QStringList withoutValues; ///< columns that have no value in any input so far
+    QStringList chosen;        ///< the columns of --select; empty: all
+    QStringList mixedZones;    ///< columns that are texts because only some times end with Z
+    QString causeOfMixed;      ///< what made the first of them a text
     QString decimalPoint;      ///< of the numbers in texts; empty: the usual one
 
+    bool isWritten(const QString &column) const
+    {
+        return chosen.isEmpty() || chosen.contains(column);
+    }
+    void addMixedZones(const QString &column, const QString &cause)
+    {
+        if (isWritten(column) && !mixedZones.contains(column)) {
+            causeOfMixed = mixedZones.isEmpty() ? cause : causeOfMixed;
+            mixedZones << column;
+        }
+    }
     /// Add an action that reads `last`, and make its output the last one. The fault is a usage
     /// error.
     CommandResult<void> append(const QString &id, ActionItem &action)
@@ -56,6 +72,13 @@ struct Chain
         return action ? append(id.isEmpty() ? type : id, **action) : action.fault();
     }
 };
+
+/// Of the columns those that are written.
+template <class Column> QVector<Column> writtenOf(QVector<Column> columns, const Chain &chain)
+{
+    columns.removeIf([&](const Column &column) { return !chain.isWritten(column.column); });
+    return columns;
+}
 
 /// The names of a list such as `a,"b,c"`: quotes hold names with commas and blanks at their ends.
 CommandResult<QStringList> namesOf(const CommandLine &line, const QString &option)
@@ -142,6 +165,14 @@ bool isDay(ValueKind kind)
     return kind == ValueKind::Date || kind == ValueKind::DateTime;
 }
 
+/// Whether the column of an input is a text because only some of its times end with Z.
+bool hasMixedZones(const ColumnKind &kind)
+{
+    return kind.kind == ValueKind::Text && isDay(kind.before) &&
+           kind.exception.endsWith(u'Z') != kind.isUtc &&
+           parseMoment(kind.exception.toStdU16String());
+}
+
 /// The kind that values of both kinds have.
 ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
 {
@@ -151,9 +182,9 @@ ColumnKind joined(const ColumnKind &a, const ColumnKind &b)
         result.letter = a.letter == b.letter                 ? a.letter
                         : a.letter == 'U' || b.letter == 'U' ? 'U'
                                                              : 'F';
-    } else if (isDay(a.kind) && isDay(b.kind)) {
+    } else if (isDay(a.kind) && isDay(b.kind) && a.isUtc == b.isUtc) {
         result.kind = a.kind == b.kind ? a.kind : ValueKind::DateTime;
-    } else if (a.kind != b.kind || a.letter != b.letter) {
+    } else if (a.kind != b.kind || a.letter != b.letter || a.isUtc != b.isUtc) {
         result.kind = ValueKind::Text;
         result.letter = 'U';
     }
@@ -168,11 +199,15 @@ qsizetype indexOf(const QString &column, const QVector<ColumnKind> &kinds)
     return found == kinds.end() ? -1 : found - kinds.begin();
 }
 
-/// Add the columns of another input to those of the inputs before it. Columns without values decide
-/// nothing; `isScanned`: they are texts without an exception.
-void joinKinds(const QVector<ColumnKind> &more, bool isScanned, Chain *chain)
+/// Add the columns of the input `word` to those of the inputs before it. Columns without values
+/// decide nothing; `isScanned`: they are texts without an exception.
+void joinKinds(const QString &word, const QVector<ColumnKind> &more, bool isScanned, Chain *chain)
 {
     for (const ColumnKind &kind : more) {
+        if (hasMixedZones(kind)) {
+            chain->addMixedZones(kind.column, u"'%1' in %2 of '%3'"_s.arg(
+                                                  kind.exception, kind.exceptionPlace, word));
+        }
         const bool isEmpty =
             isScanned && kind.kind == ValueKind::Text && kind.exceptionPlace.isEmpty();
         const qsizetype same = indexOf(kind.column, chain->kinds);
@@ -181,6 +216,9 @@ void joinKinds(const QVector<ColumnKind> &more, bool isScanned, Chain *chain)
             chain->withoutValues << (isEmpty ? QStringList(kind.column) : QStringList());
         } else if (!isEmpty) {
             ColumnKind &all = chain->kinds[same];
+            if (isDay(all.kind) && isDay(kind.kind) && all.isUtc != kind.isUtc) {
+                chain->addMixedZones(kind.column, u"'%1'"_s.arg(word));
+            }
             all = chain->withoutValues.removeAll(kind.column) > 0 ? kind : joined(all, kind);
         }
     }
@@ -223,10 +261,9 @@ CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegist
                                      Chain *chain)
 {
     const auto keys = namesOf(line, u"--sort"_s);
-    const auto columns = namesOf(line, u"--select"_s);
     const auto range = rowsOf(line);
-    if (!keys || !columns || !range) {
-        return !keys ? keys.fault() : !columns ? columns.fault() : range.fault();
+    if (!keys || !range) {
+        return !keys ? keys.fault() : range.fault();
     }
     QStringList kinds = kindSettings(chain->kinds);
     if (!chain->decimalPoint.isEmpty()) {
@@ -248,7 +285,9 @@ CommandResult<void> appendRowActions(const CommandLine &line, const ActionRegist
             return added;
         }
     }
-    QStringList select = settingsOf(u"columns"_s, *columns);
+    QStringList select = settingsOf(u"columns"_s, chain->chosen);
+    chain->kinds = writtenOf(chain->kinds, *chain);
+    chain->notes = writtenOf(chain->notes, *chain);
     const auto renamed = renameColumns(line, chain);
     if (!renamed) {
         return renamed.fault();
@@ -314,9 +353,17 @@ CommandResult<void> findKinds(const CommandLine &line, const QStringList &words,
         }
         input.kinds = isJson ? jsonKinds(line, *std::move(kinds)) : *std::move(kinds);
         if (writer.needsColumnKinds()) {
-            noteNumbersAmongTexts(word, input.kinds);
+            noteNumbersAmongTexts(word, writtenOf(input.kinds, *chain));
         }
-        joinKinds(input.kinds, hasScannedKinds(line, *input.reader), chain);
+        joinKinds(word, input.kinds, hasScannedKinds(line, *input.reader), chain);
+    }
+    const qsizetype mixed = chain->mixedZones.size();
+    if (mixed > 0 && writer.needsColumnKinds()) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"%1 %2 text, because only some of the times end with Z; the first is '%3', because of %4"_s
+                .arg(counted(mixed, u"column"_s), isOrAre(mixed), chain->mixedZones.first(),
+                     chain->causeOfMixed));
     }
     return {};
 }
@@ -454,7 +501,12 @@ CommandResult<CorvantaGraph> makePipeline(const CommandLine &line, const ActionR
             return checked.fault();
         }
     }
+    auto chosen = namesOf(line, u"--select"_s);
+    if (!chosen) {
+        return chosen.fault();
+    }
     Chain chain;
+    chain.chosen = *std::move(chosen);
     if (const auto added = addInputs(line, words, registry, parameters, &chain); !added) {
         return added.fault();
     }

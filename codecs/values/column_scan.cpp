@@ -52,11 +52,11 @@ void ColumnScan::except(std::string_view text, const QString &place)
 ColumnResult ColumnScan::result() const
 {
     if (m_isText) {
-        return {Kind::Text, 'U', m_exception, m_exceptionPlace, m_before};
+        return {Kind::Text, 'U', m_exception, m_exceptionPlace, m_before, m_isUtc};
     }
     const bool isNumber = m_kind == Kind::Integer || m_kind == Kind::Decimal;
     if (!isNumber || !m_isExact) {
-        return {m_kind, 'U', m_exception, m_exceptionPlace, m_before};
+        return {m_kind, 'U', m_exception, m_exceptionPlace, m_before, m_isUtc};
     }
     return {m_kind, m_kind == Kind::Integer && m_isKey ? 'K' : 'F', {}, {}, Kind::Text};
 }

@@ -23,6 +23,7 @@ struct ColumnResult
     QString exception;
     QString exceptionPlace;
     Kind before = Kind::Text; ///< the kind of the values before it; Text: it is the first value
+    bool isUtc = false;       ///< the values, or those before the exception, are times in UTC
 };
 
 /// The values of one column, in any order of rows. Missing values are not passed.

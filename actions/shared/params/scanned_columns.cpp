@@ -44,7 +44,8 @@ QVector<ColumnKind> kindsOf(const QStringList &names, std::span<const values::Co
                             found.letter,
                             found.exception,
                             found.exceptionPlace,
-                            kindOf(found.before)};
+                            kindOf(found.before),
+                            found.isUtc};
     }
     return kinds;
 }

@@ -143,6 +143,8 @@ struct ColumnKind
     QString exceptionPlace; ///< for people: "row 7"
     /// Of a column with an exception: what the values before it are.
     ValueKind before = ValueKind::Text;
+    /// The values, or those before the exception, are times in UTC: their texts end with Z.
+    bool isUtc = false;
 };
 
 /// "text", "integer", "datetime", ... as parameters and commands name it.
