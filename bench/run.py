@@ -26,6 +26,10 @@ MAX_RATIO = 1.03
 PAIRED_RUNS = 7
 
 
+class ProgramFailed(Exception):
+    pass
+
+
 def timed(command, folder):
     """Wall seconds, CPU seconds and peak memory (MiB) of one run."""
     begin = time.monotonic()
@@ -35,7 +39,7 @@ def timed(command, folder):
     wall = time.monotonic() - begin
     process.returncode = os.waitstatus_to_exitcode(status)
     if process.returncode != 0:
-        sys.exit(f"{command[0]} ended with status {process.returncode}")
+        raise ProgramFailed(f"{command[0]} ended with status {process.returncode}")
     return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
 
 
@@ -82,14 +86,18 @@ class Bench:
         return [([program, *command[1:]], output) for program, command, output in found if program]
 
     def with_peers(self, job, peers):
-        """The figures of ours, and of each peer; all run in turn."""
-        ours, theirs = [], [[] for _ in peers]
+        """The figures of ours, and each peer with its figures; all run in turn. A peer that fails is left out."""
+        ours, theirs = [], [(peer, []) for peer in peers]
         for _ in range(self.runs):
             ours.append(self.ours(job, self.bin))
-            for (command, output), runs in zip(peers, theirs):
+            for (command, output), runs in list(theirs):
                 (self.folder / output).unlink(missing_ok=True)
-                runs.append(timed(command, self.folder))
-        return medians(ours), [medians(runs) for runs in theirs]
+                try:
+                    runs.append(timed(command, self.folder))
+                except ProgramFailed as failure:
+                    print(f"  (no peer: {failure})")
+                    theirs.remove(((command, output), runs))
+        return medians(ours), [(peer, medians(runs)) for peer, runs in theirs]
 
     def with_other(self, job, other_bin):
         """The figures of both programs. They run in turn, and each goes first in half of the pairs; the first pair warms up."""
@@ -111,7 +119,7 @@ def measure(bench, job):
     peers = bench.peers_of(job)
     ours, theirs = bench.with_peers(job, peers)
     bench.show_speed("corvanta", job, ours, job.output)
-    for (command, output), figures in zip(peers, theirs):
+    for (command, output), figures in theirs:
         bench.show_speed(pathlib.Path(command[0]).name, job, figures, output)
         print(f"  {figures['wall'] / ours['wall']:.1f} times the speed of the peer")
     if job.peer and not peers:
@@ -188,7 +196,10 @@ def main():
     rows = args.rows or (load_baseline().get("rows") if args.compare == "" else None) or 1_000_000
     runs = args.runs or (3 if args.compare is None else PAIRED_RUNS)
     with tempfile.TemporaryDirectory(prefix="corvanta_bench_") as name:
-        grown = run_jobs(args, rows, Bench(pathlib.Path(name), args.bin, rows, runs))
+        try:
+            grown = run_jobs(args, rows, Bench(pathlib.Path(name), args.bin, rows, runs))
+        except ProgramFailed as failure:
+            sys.exit(str(failure))
     if grown:
         sys.exit(f"More than {MAX_RATIO - 1:.0%} larger, or unknown:\n  " + "\n  ".join(grown))
 
