@@ -1,6 +1,6 @@
 // The catalogues of the modules: their actions, in the order of the plug-in interface.
 #pragma once
-#include "corvanta/catalogue_plugin.h"
+#include "corvanta/plugin_interface.h"
 
 namespace corvanta {
 

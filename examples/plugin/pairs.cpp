@@ -6,8 +6,8 @@
 #include <QLineEdit>
 
 #include <corvanta/action_base.h>
-#include <corvanta/catalogue_plugin.h>
 #include <corvanta/failure_reason.h>
+#include <corvanta/plugin_interface.h>
 #include <corvanta/target_file.h>
 #include <corvanta/update_class_widget.h>
 

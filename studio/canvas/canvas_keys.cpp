@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
+// Arrows are four actions each, because a shortcut does not say which of its keys was pressed.
 void CanvasView::makeKeys()
 {
     const ActionSpec specs[] = {
@@ -26,9 +27,9 @@ void CanvasView::makeKeys()
          tr("Draw a link from the current action, or another end of the selected link"),
          [this] { drawLink(); }},
         {u"canvasNextLink"_s, tr("Next Link"), Qt::Key_K, tr("Go to the next link"),
-         [this] { goToNext(m_scene->links(), &CanvasView::showLink); }},
+         [this] { goToNextLink(); }},
         {u"canvasNextNote"_s, tr("Next Note"), Qt::Key_N, tr("Go to the next note"),
-         [this] { goToNext(m_scene->notes(), &CanvasView::showNote); }},
+         [this] { goToNextNote(); }},
         {u"canvasZoomIn"_s, tr("Zoom In"), Qt::Key_Plus, tr("Show the graph larger"),
          [this] { zoomIn(); }},
         {u"canvasZoomOut"_s, tr("Zoom Out"), Qt::Key_Minus, tr("Show the graph smaller"),
@@ -98,6 +99,7 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
     }
 }
 
+// A note is current when it has the focus; several may be selected.
 void CanvasView::editCurrent()
 {
     const auto *const note = qgraphicsitem_cast<NoteItem *>(m_scene->focusItem());
@@ -108,6 +110,7 @@ void CanvasView::editCurrent()
     }
 }
 
+// An action without an output cannot be followed by another one.
 void CanvasView::askAtCurrent()
 {
     const QString id = m_scene->currentId();
@@ -121,6 +124,7 @@ void CanvasView::askAtCurrent()
     }
 }
 
+// From the first output; arrows choose the target, not another output.
 void CanvasView::drawLink()
 {
     const QString id = m_scene->currentId();
@@ -190,6 +194,18 @@ void CanvasView::goToNext(const QVector<Item *> &items, void (CanvasView::*show)
     const auto selected = std::ranges::find_if(items, &Item::isSelected);
     const bool isLast = selected == items.end() || selected + 1 == items.end();
     (this->*show)(isLast ? items.first() : *(selected + 1));
+}
+
+// In the order of the file, as in the outline.
+void CanvasView::goToNextLink()
+{
+    goToNext(m_scene->links(), &CanvasView::showLink);
+}
+
+// In the order of the file, too.
+void CanvasView::goToNextNote()
+{
+    goToNext(m_scene->notes(), &CanvasView::showNote);
 }
 
 } // namespace corvanta::studio

@@ -101,6 +101,8 @@ private:
     void askAtCurrent();
     void drawLink();
     void goToNeighbour(QPointF direction);
+    void goToNextLink();
+    void goToNextNote();
     void moveSelection(QPointF way);
     template <class Item>
     void goToNext(const QVector<Item *> &items, void (CanvasView::*show)(Item *));

@@ -142,9 +142,7 @@ QAction *ShortcutEditor::currentAction() const
 void ShortcutEditor::showCurrent()
 {
     const QAction *const action = currentAction();
-    for (QWidget *const widget : std::initializer_list<QWidget *>{m_keys, m_clear, m_reset}) {
-        widget->setEnabled(action != nullptr);
-    }
+    m_keys->setEnabled(action != nullptr);
     m_keys->setKeySequence(action != nullptr ? action->shortcut() : QKeySequence());
     // The message was about another command, or about keys that are replaced now.
     m_conflict->clear();

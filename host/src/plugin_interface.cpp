@@ -1,4 +1,4 @@
-#include "corvanta/catalogue_plugin.h"
+#include "corvanta/plugin_interface.h"
 
 #include <exception>
 
