@@ -1,8 +1,11 @@
-// Rows of any content as a Parquet file: reading the file gives the same cells.
+// Rows of any content as a Parquet file: reading the file gives the same cells. Cells as values of
+// typed columns: dates and times are those that another reader of them finds.
 //
 // Bytes 0 to 3: options of the writer, and how often the rows are repeated. The table follows.
+#include "base/time/iso_time.h"
 #include "codecs/parquet/read/table_reader.h"
 #include "codecs/parquet/write/file_writer.h"
+#include "codecs/parquet/write/typed_value.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/table.h"
 
@@ -43,6 +46,32 @@ bool isSame(cell::Type type, const uchar *written, const uchar *read)
     std::u16string expected = withoutLoneSurrogates(text.view());
     expected.resize(expected.find_last_not_of(u'\0') + 1);
     return text.isMissing() == back.isMissing() && expected == back.view();
+}
+
+/// Moments are those of the reader of ISO texts, and a number is a value of one or of both types.
+void checkTyped(cell::Type type, const uchar *cell)
+{
+    const auto of = [&](Storage storage) { return typedValueOf(storage, type, cell); };
+    const bool isText = type == cell::Type::Text;
+    const std::u16string_view text = isText ? cell::readText(cell).view() : std::u16string_view();
+    const auto day = parseIsoDate(text);
+    const auto date = of(Storage::Date);
+    require(day.has_value() == date.has_value() && (!day || *day == date->number));
+    const auto clock = parseIsoTime(text);
+    const auto time = of(Storage::Time);
+    require(time.has_value() == (clock && *clock % 1000 == 0));
+    require(!time || time->number * 1000 == *clock);
+    const auto moment = parseIsoDateTime(text);
+    const auto stamp = of(Storage::Timestamp);
+    require(stamp.has_value() == (moment && moment->nanoseconds % 1000 == 0));
+    require(!stamp || (stamp->isUtc == moment->isUtc &&
+                       stamp->number == moment->day * 86'400'000'000 + moment->nanoseconds / 1000));
+    const auto integer = of(Storage::Integer);
+    require(!integer || !isText ||
+            QString::number(integer->number) == QStringView(text.data(), qsizetype(text.size())));
+    const auto boolean = of(Storage::Boolean);
+    require(!boolean || boolean->number == 0 || boolean->number == 1);
+    require(!isText || !isNull(type, cell) || !(date || time || stamp || integer || boolean));
 }
 
 /// Whether the file could be written: a text may be too long for a page.
@@ -92,6 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const auto more = (*reader)->next(cells.data());
         require(more && *more);
         for (int i = 0; i < names.columns; ++i) {
+            checkTyped(names.type(i), table.row(row % table.rowCount()).cells[i]);
             require(isSame(names.type(i), table.row(row % table.rowCount()).cells[i],
                            cells[static_cast<size_t>(i)]));
         }

@@ -4,6 +4,7 @@
 // Dates, names and rows on their own: see sheet_values.h. Bytes 0 to 4: options. The formats of
 // numbers and dates and the table follow.
 #include "codecs/opc/outline.h"
+#include "codecs/sheet/column_meter.h"
 #include "codecs/xlsx/new_workbook.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/sheet_property.h"
@@ -101,6 +102,26 @@ SheetSetup setupOf(Feed &feed)
     return setup;
 }
 
+/// Columns of a sheet have a width that keeps it readable, whatever is in them.
+void checkWidths(const FuzzTable &table, const SheetSetup &setup)
+{
+    const auto columns = static_cast<size_t>(table.row(0).columns);
+    sheet::ColumnMeter meter({sheetColumns(table, setup.kinds), setup.options.floatFormat,
+                              setup.options.urlTag, std::vector<int>(columns, setup.kinds % 11),
+                              QStringList(qsizetype(columns), setup.dateFormat)});
+    meter.addHeader(setup.options.crop, setup.options.noNans);
+    for (int row = 0; row < table.rowCount(); ++row) {
+        const std::vector<double> before = meter.widths();
+        meter.add(table.row(row));
+        require(std::ranges::equal(before, meter.widths(), std::less_equal<>()));
+    }
+    require(meter.widths().size() == columns && meter.rows() == table.rowCount());
+    constexpr double kWidestInFiles = 255;
+    for (const double width : meter.widths()) {
+        require(width > 0 && width <= kWidestInFiles);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -111,6 +132,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const int dateFormat = feed.below(13);
     const int more = feed.below(8);
     const FuzzTable table(feed);
+    checkWidths(table, setup);
     xlsx::NewWorkbook workbook(QStringLiteral("A&\"'"), dateFormat,
                                {(more & 1) != 0, (more & 2) != 0, (more & 4) != 0});
     MemoryPackage package;

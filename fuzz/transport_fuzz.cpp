@@ -1,8 +1,10 @@
 // Rows of any content as a SAS transport file: a reader of its own gives the same values. The same
-// rows as a data set, by way of a spool.
+// rows as a data set, by way of a spool. Texts as dates: another reader of them finds the same.
 //
 // Bytes 0 to 2: version, encoding and widths. The table follows.
+#include "base/time/iso_time.h"
 #include "codecs/sas/data_set_writer.h"
+#include "codecs/sas/iso_date.h"
 #include "codecs/sas/transport_writer.h"
 #include "codecs/sas/variable_names.h"
 #include "codecs/stat/check/header_check.h"
@@ -115,6 +117,25 @@ private:
     TransportVersion m_version;
     qsizetype m_at = 0;
 };
+
+/// A text that is a date for all readers has the same day, and the same time in it.
+void checkDate(std::u16string_view text)
+{
+    constexpr qint64 kDaysTo1970 = 3653;
+    const auto moment = parseIsoDateTime(text);
+    const auto seconds = dateValue(text, DateUnit::Seconds);
+    const auto days = dateValue(text, DateUnit::Days);
+    require(!moment || seconds);
+    if (moment) {
+        const double whole = double(moment->day + kDaysTo1970) * 86400;
+        require(std::abs(*seconds - whole - double(moment->nanoseconds) / 1e9) < 1e-4);
+        require(days.has_value() == (moment->nanoseconds == 0));
+    }
+    require(!days || *days * 86400 == *seconds);
+    const auto clock = parseIsoTime(text);
+    const auto time = dateValue(text, DateUnit::Time);
+    require(!clock || (time && std::abs(*time - double(*clock) / 1e9) < 1e-4));
+}
 
 double numberOf(cell::Type type, const uchar *cell)
 {
@@ -233,6 +254,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         for (int c = 0; c < row.columns; ++c) {
             const int width = variables[static_cast<size_t>(c)].width;
             if (row.type(c) == cell::Type::Text) {
+                checkDate(cell::readText(row.cells[c]).view());
                 require(check.text(width) == expectedText(encoder, row.cells[c], width));
             } else {
                 const double stored = check.number(width);

@@ -1,10 +1,12 @@
 // Any bytes as an input file of any kind: content and failure do not depend on the sizes of reads,
-// and the file can be read again from any position.
+// and the file can be read again from any position. The bytes as a pipe, from which a sample is
+// read.
 //
 // Byte 0: the name, which decides the kind. The file follows.
 #include "corvanta/main_ui.h"
 #include "fuzz/support/feed.h"
 #include "fuzz/support/require.h"
+#include "io/input/kept_pipe.h"
 #include "io/input/whole_input.h"
 
 #include <QFile>
@@ -75,6 +77,46 @@ void checkWhole(const QString &name, const Read &all)
     }
 }
 
+/// A pipe, which cannot be read twice.
+class Pipe final : public input::InputSource
+{
+public:
+    explicit Pipe(QByteArrayView bytes)
+        : m_memory(bytes)
+    {
+    }
+    qint64 read(void *buffer, qint64 n) override { return m_memory.read(buffer, n); }
+    qint64 size() override { return -1; }
+    bool seek(qint64) override { return false; }
+    qint64 progressPosition() const override { return 0; }
+
+private:
+    MemorySource m_memory;
+};
+
+QByteArray readFrom(ByteSource &source, qsizetype n)
+{
+    QByteArray bytes(n, '\0');
+    bytes.truncate(readFully(source, bytes.data(), n));
+    return bytes;
+}
+
+/// What a sample has read of a pipe is read again, wherever it is kept, and the rest follows.
+void checkPipe(QByteArrayView bytes)
+{
+    const qsizetype third = bytes.size() / 3;
+    input::ReplayedSource source(std::make_unique<Pipe>(bytes), third / 2);
+    source.rewind(true);
+    require(readFrom(source, third) == bytes.first(third));
+    require(!source.seek(-1) && !source.seek(third + 1) && source.seek(third / 2));
+    require(readFrom(source, third) == bytes.sliced(third / 2, third));
+    source.rewind(true);
+    require(readFrom(source, 2 * third) == bytes.first(2 * third));
+    source.rewind(false);
+    require(!source.seek(0));
+    require(readFrom(source, bytes.size() + 1) == bytes);
+}
+
 } // namespace
 
 /// The libraries for RAR archives ask for any size that a header names, and can be refused.
@@ -95,6 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     require(file.open(QIODevice::WriteOnly) &&
             file.write(feed.rest().data(), feed.rest().size()) >= 0);
     file.close();
+    checkPipe(feed.rest());
 
     InputFile input(nullptr, name, true);
     InputFile again(nullptr, name, false);

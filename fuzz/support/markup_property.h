@@ -45,19 +45,35 @@ public:
         const std::u16string whole = tokens(1 << 16, -1, balanced, false);
         require(tokens(1024, m_variant.pieceBytes, balanced, false) == whole);
         require(tokens(1024, m_variant.pieceBytes, balanced, true) == whole);
-        std::vector<Level> found = levels(1024, m_variant.pieceBytes);
-        require(found == levels(1 << 16, -1));
+        std::vector<Level> found = sample(1024, m_variant.pieceBytes).tables.front().levels;
+        const SampledDocument document = sample(1 << 16, -1);
+        require(found == document.tables.front().levels);
         for (Level &level : found) {
             if (!level.items.empty()) {
                 level.items.front().tagName = m_variant.tagNames;
             }
         }
         checkLevels(found);
+        checkRelated(document.related);
     }
 
     void checkLevels(const std::vector<Level> &levels) const
     {
         require(rows(levels, 1024, m_variant.pieceBytes) == rows(levels, 1 << 16, -1));
+        require(kinds(levels, 1024, m_variant.pieceBytes) == kinds(levels, 1 << 16, -1));
+    }
+
+    /// The same document without repeated values, joined by keys where there are any.
+    void checkRelated(const std::vector<RelatedTable> &related) const
+    {
+        constexpr size_t kMostTables = 3;
+        std::vector<bool> areKeys;
+        for (const RelatedTable &table : related) {
+            areKeys.push_back(!table.key.name.isEmpty() && m_variant.presence);
+        }
+        for (size_t i = 0; i < std::min(kMostTables, related.size()); ++i) {
+            checkLevels(joinedLevels(related, i, areKeys));
+        }
     }
 
     /// A tokenizer that starts again reads what a new one reads. Not for one with an encoding,
@@ -91,13 +107,11 @@ private:
         return tokens + placeOf(*tokenizer);
     }
 
-    std::vector<Level> levels(qint64 buffer, qint64 piece) const
+    SampledDocument sample(qint64 buffer, qint64 piece) const
     {
-        MemorySource sample(m_bytes, piece);
-        const auto tokenizer = m_make(sample, buffer);
-        return sampleDocument(*tokenizer, {m_variant.records, m_options.text, m_options.zeroBased})
-            .tables.front()
-            .levels;
+        MemorySource source(m_bytes, piece);
+        const auto tokenizer = m_make(source, buffer);
+        return sampleDocument(*tokenizer, {m_variant.records, m_options.text, m_options.zeroBased});
     }
 
     /// All rows, the columns without values, the repeats, and the error.

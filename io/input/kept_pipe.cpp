@@ -130,7 +130,7 @@ void ReplayedSource::setLost()
 bool ReplayedSource::seek(qint64 offset)
 {
     // Bytes that were read and not kept are gone.
-    const bool isKept = m_records && offset <= keptBytes();
+    const bool isKept = m_records && offset >= 0 && offset <= keptBytes();
     m_at = isKept ? offset : m_at;
     return isKept;
 }

@@ -1,9 +1,7 @@
 // Scans of random texts in pieces on several threads find what one scan of the whole text finds:
 // kinds, exceptions and their places, wherever the text is cut.
-#include "codecs/csv/record_pieces.h"
-#include "codecs/markup/levels/line_pieces.h"
-#include "codecs/markup/tokens/json_tokenizer.h"
 #include "tests/support/failing_source.h"
+#include "tests/support/piece_kinds.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +9,7 @@
 #include <random>
 
 using namespace corvanta;
-using namespace corvanta::values;
+using namespace corvanta::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -19,20 +17,6 @@ namespace {
 constexpr int kTexts = 400;
 constexpr size_t kColumns = 3;
 constexpr int kWorkers = 2;
-
-using Scans = std::vector<ColumnScan>;
-
-std::string describe(const Scans &scans, qint64 rows)
-{
-    std::string text = std::to_string(rows) + " rows";
-    for (const ColumnScan &scan : scans) {
-        const ColumnResult found = scan.result();
-        text += " | " + std::to_string(static_cast<int>(found.kind)) + found.letter + ' ' +
-                found.exception.toStdString() + " in " + found.exceptionPlace.toStdString() +
-                " after " + std::to_string(static_cast<int>(found.before));
-    }
-    return text;
-}
 
 /// Texts that are regular for some rows, so that exceptions are in later pieces.
 class RandomText
@@ -91,29 +75,6 @@ std::string csvText(RandomText &random)
     return text;
 }
 
-/// Kinds of the columns of a text whose first record has names; 0: in one piece.
-std::string csvKinds(ByteSource &source, bool fillsRagged, qsizetype pieceBytes, int workers)
-{
-    const csv::Dialect dialect{.comment = "#"};
-    csv::RecordReader reader(source, dialect, {64, 1 << 20});
-    Scans scans(kColumns);
-    const std::vector<QByteArray> nulls{"NA"};
-    const csv::RecordScan::Rules rules{'.', nulls, fillsRagged, {}};
-    csv::RecordScan scan(scans, rules);
-    const auto header = reader.next();
-    if (!header || !*header) {
-        return "empty";
-    }
-    if (pieceBytes == 0) {
-        scan.addAll(reader, std::numeric_limits<qint64>::max());
-    } else {
-        csv::RecordPieces(scan, reader, rules, [] {
-            return std::vector<csv::RecordScan::Value>();
-        }).run(scans, workers, pieceBytes);
-    }
-    return describe(scans, scan.rows());
-}
-
 std::string jsonText(RandomText &random)
 {
     static constexpr std::array kUsual{"1", "2.5", "\"2026-01-31\"", "true", "null", "\"x\""};
@@ -154,32 +115,6 @@ std::string jsonText(RandomText &random)
         text += "}" + lineEnd;
     }
     return text;
-}
-
-std::string jsonKinds(ByteSource &source, const std::vector<markup::Level> &levels,
-                      qsizetype pieceBytes, int workers)
-{
-    using namespace markup;
-    ExtractOptions options;
-    options.nullIsMissing = true;
-    LevelExtractor extractor(levels, options);
-    Scans scans(static_cast<size_t>(extractor.columnCount()));
-    extractor.scanValues(scans);
-    extractor.beginFile();
-    const auto makeTokenizer = [](ByteSource &text) {
-        auto tokenizer = std::make_unique<JSONTokenizer>(text, 4096, u"");
-        tokenizer->setPermissiveNumbers(true);
-        return tokenizer;
-    };
-    if (pieceBytes == 0) {
-        const auto tokenizer = makeTokenizer(source);
-        extractor.beginDocument(*tokenizer);
-        scanRows(extractor, std::numeric_limits<qint64>::max());
-    } else {
-        LinePieces(levels, options, extractor, makeTokenizer)
-            .run(source, scans, workers, pieceBytes);
-    }
-    return describe(scans, extractor.rows());
 }
 
 /// Compare `kinds(source, pieceBytes, workers)` for pieces of all sizes with that for one piece.
