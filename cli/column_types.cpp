@@ -2,6 +2,7 @@
 
 #include "base/counted.h"
 #include "corvanta/action_item.h"
+#include "corvanta/corvanta_graph.h"
 #include "corvanta/main_ui.h"
 #include "visible_text.h"
 
@@ -109,8 +110,10 @@ std::optional<QVector<ColumnKind>> examinedKinds(const QString &fileName, Action
         // depend on it.
         kinds = reader->columnKinds(extent);
     }
-    // The run says why, unless the file can be read by then.
-    if (!kinds && QFileInfo::exists(fileName)) {
+    // The run says why, unless the file can be read by then, or is a pipe. Only the run reports a
+    // missing file.
+    const bool exists = fileName == "-"_L1 || QFileInfo::exists(fileOfInput(fileName));
+    if (!kinds && exists) {
         MainUI::addLog(
             MainUI::Warning,
             readsTexts(*reader)

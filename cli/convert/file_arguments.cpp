@@ -222,17 +222,17 @@ QString withoutPacking(const QString &name)
     return name;
 }
 
-QString lastPartOf(const QString &name)
+QString withoutArchive(const QString &name)
 {
     // Names of other files may have an "@" too.
     const auto marker = ".zip@"_L1;
     const qsizetype at = name.indexOf(marker);
-    return QFileInfo(at < 0 ? name : name.mid(at + marker.size())).fileName();
+    return at < 0 ? name : name.mid(at + marker.size());
 }
 
 QString stemOf(const QString &name)
 {
-    const QString last = withoutPacking(lastPartOf(name));
+    const QString last = withoutPacking(QFileInfo(name).fileName());
     const qsizetype dot = last.lastIndexOf(u'.');
     return dot > 0 ? last.left(dot) : last;
 }

@@ -42,9 +42,9 @@ CommandResult<void> checkClobber(const CommandLine &line, const QString &target)
 
 /// The name without its last ending if that says how the file is compressed (".gz", ".Z").
 QString withoutPacking(const QString &name);
-/// The last part of a name: without folders, and of a member without its archive.
-QString lastPartOf(const QString &name);
-/// The last part without its extension and what says how the file is compressed.
+/// The name without the archive that holds the file.
+QString withoutArchive(const QString &name);
+/// The name without folders, its extension and what says how the file is compressed.
 QString stemOf(const QString &name);
 
 /// Whether both names are those of one file that exists.

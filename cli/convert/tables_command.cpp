@@ -71,7 +71,7 @@ QString fileNameOf(QString name)
 /// The name of the input without folders and extensions.
 QString tableStemOf(const QString &input)
 {
-    const QString stem = lastPartOf(input).section(u'.', 0, 0);
+    const QString stem = QFileInfo(withoutArchive(input)).fileName().section(u'.', 0, 0);
     return stem.isEmpty() || input == "-"_L1 ? u"records"_s : stem;
 }
 

@@ -54,7 +54,7 @@ class SheetNames
 public:
     QString add(const QString &part)
     {
-        const QString stem = stemOf(part);
+        const QString stem = stemOf(withoutArchive(part));
         const QString valid = validSheetName(stem);
         QString name = valid;
         for (int n = 2; !m_taken.insert(name.toLower()).second; ++n) {

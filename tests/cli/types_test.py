@@ -12,6 +12,7 @@ import sys
 import tempfile
 import threading
 import unittest
+import zipfile
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 
@@ -244,6 +245,17 @@ class Found(Case):
             self.put(name, beginning + bytes(600))
             self.assertIn(f"Dates and booleans of '{name}' are texts or numbers: the file could not be examined",
                           self.corvanta("convert", name, "cut.xlsx", status=1).stderr)
+        with zipfile.ZipFile(self.folder / "cut.zip", "w") as archive:
+            archive.write(self.folder / "cut.sav", "cut.sav")
+        self.assertIn("of 'cut.zip@cut.sav' are texts or numbers", self.corvanta("convert", "cut.zip@cut.sav", "cut.xlsx", status=1).stderr)
+
+    def test_types_in_a_pipe(self):
+        self.put("in.csv", "day\n2026-01-31\n")
+        self.corvanta("convert", "in.csv", "in.parquet")
+        with subprocess.Popen(["cat", self.folder / "in.parquet"], stdout=subprocess.PIPE) as cat:
+            self.assertIn("Dates and booleans of '-' are texts or numbers: the file could not be examined",
+                          self.corvanta("convert", "-", "out.xlsx", "--from", "parquet", stdin=cat.stdout).stderr)
+        self.assertEqual(self.types("out.xlsx"), ["day=text U"])
 
     def test_encodings_of_dbase(self):
         header = struct.pack("<BxxxIHH20x", 3, 1, 65, 5) + struct.pack("<11sc4xB15x", b"T", b"C", 4) + b"\r"
