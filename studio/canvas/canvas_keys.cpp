@@ -5,6 +5,7 @@
 #include "studio/widgets/local_keys.h"
 #include "studio/widgets/part_action.h"
 
+#include <QAction>
 #include <QKeyEvent>
 #include <QScrollBar>
 
@@ -17,6 +18,10 @@ namespace corvanta::studio {
 // Arrows are four actions each, because a shortcut does not say which of its keys was pressed.
 void CanvasView::makeKeys()
 {
+    const auto add = [this](const ActionSpec &spec) {
+        // The field for a new action is a child, too, and uses the keys itself.
+        makeAction(this, spec)->setShortcutContext(Qt::WidgetShortcut);
+    };
     const ActionSpec specs[] = {
         {u"canvasEdit"_s, tr("Edit"), Qt::Key_Return, tr("Edit the current action or note"),
          [this] { editCurrent(); }},
@@ -35,9 +40,7 @@ void CanvasView::makeKeys()
         {u"canvasZoomOut"_s, tr("Zoom Out"), Qt::Key_Minus, tr("Show the graph smaller"),
          [this] { zoomOut(); }},
     };
-    for (const ActionSpec &spec : specs) {
-        makeAction(this, spec);
-    }
+    std::ranges::for_each(specs, add);
     const struct Arrow
     {
         Qt::Key key;
@@ -50,12 +53,12 @@ void CanvasView::makeKeys()
         {Qt::Key_Down, {0, 1}, u"Down"_s, tr("Move Down"), tr("Go Down")},
     };
     for (const Arrow &arrow : arrows) {
-        makeAction(this, {u"canvasMove"_s + arrow.name, arrow.move, arrow.key,
-                          tr("Move the selected actions and notes; without any, scroll"),
-                          [this, way = arrow.way] { moveSelection(way); }});
-        makeAction(this, {u"canvasGo"_s + arrow.name, arrow.go, Qt::ALT | arrow.key,
-                          tr("Go to the nearest action in this direction"),
-                          [this, way = arrow.way] { goToNeighbour(way); }});
+        add({u"canvasMove"_s + arrow.name, arrow.move, arrow.key,
+             tr("Move the selected actions and notes; without any, scroll"),
+             [this, way = arrow.way] { moveSelection(way); }});
+        add({u"canvasGo"_s + arrow.name, arrow.go, Qt::ALT | arrow.key,
+             tr("Go to the nearest action in this direction"),
+             [this, way = arrow.way] { goToNeighbour(way); }});
     }
     new LocalKeys(this, [this] { return !m_scene->linkDrag().isActive(); }); // owned by this
 }

@@ -91,6 +91,16 @@ TEST_F(Shell, PaletteAddsByKeysAndChainsActions)
     EXPECT_EQ(dragged->data(u"application/x-corvanta-action"_s), "sort");
 }
 
+TEST_F(Shell, PaletteKeepsItsWidth)
+{
+    auto &tree = child<QTreeView>("paletteTree");
+    for (const QSize size : {QSize(1300, 1000), QSize(900, 500)}) { // without and with a scroll bar
+        window().resize(size);
+        QTest::qWait(20);
+        EXPECT_EQ(tree.header()->length(), tree.viewport()->width());
+    }
+}
+
 TEST_F(Shell, FavouritesAreListedFirst)
 {
     settings.setFavouriteAction(u"join"_s, true);

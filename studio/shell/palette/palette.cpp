@@ -56,6 +56,8 @@ void Palette::makeTree()
     m_tree->setHeaderHidden(true);
     // A narrow column ends with dots; one that is wider than the view is cut without a sign.
     m_tree->header()->setMinimumSectionSize(fontMetrics().averageCharWidth());
+    m_tree->header()->setStretchLastSection(false);
+    m_tree->viewport()->installEventFilter(this);
     m_tree->setDragEnabled(true);
     const int size = fontMetrics().height() * 4 / 3;
     m_tree->setIconSize({size, size});
@@ -81,6 +83,7 @@ void Palette::search(const QString &text)
     m_model->setSearch(text);
     m_tree->expandAll();
     m_tree->resizeColumnToContents(0);
+    stretchDescriptions();
     // Only categories can be closed, and results have none.
     m_tree->setRootIsDecorated(text.trimmed().isEmpty());
     // Enter in the search field adds the current one.
@@ -143,8 +146,18 @@ void Palette::showMenu(const QPoint &position)
     menu.exec(m_tree->viewport()->mapToGlobal(position));
 }
 
+/// Does what the header does only while it is visible: the last column has the rest of the width.
+void Palette::stretchDescriptions()
+{
+    QHeaderView *const header = m_tree->header();
+    header->resizeSection(1, qMax(0, m_tree->viewport()->width() - header->sectionSize(0)));
+}
+
 bool Palette::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_tree->viewport() && event->type() == QEvent::Resize) {
+        stretchDescriptions();
+    }
     if (watched == m_search && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Down || key == Qt::Key_PageDown) {

@@ -37,7 +37,7 @@ Q_SIGNALS:
     void helpRequested(const QString &type);
 
 protected:
-    /// Moves from the search field into the tree by the arrow keys.
+    /// Moves from the search field into the tree by the arrow keys, and follows its width.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -46,6 +46,7 @@ private:
     void makeTree();
     /// Show what matches the text, with the first match as the current one.
     void search(const QString &text);
+    void stretchDescriptions();
     /// The first action that is shown; invalid when nothing matches.
     QModelIndex firstAction() const;
     /// Add the action of a row; a category adds nothing.
