@@ -424,6 +424,13 @@ class BadInput(Case):
         self.put("a.csv", self.content("book.xlsx"))
         self.convert("a.csv", "out.json", status=1)
         self.assertIn("'a.csv' is not a csv file: it begins like a zip archive or a workbook; --from xlsx reads it", self.said)
+        for content, said in ((b"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", "a legacy Office file; --from xls reads it if it is a workbook"),
+                              (b"PAR1\x15\x04\x15\x80", "a Parquet file; --from parquet reads it"), (b"\x1F\x8B\x08\0", "a gzip file; rename it to end in .gz"),
+                              (b"Rar!\x1A\x07\x01\0", "a RAR archive; rename it to end in .rar"), (b"$FL2@(#) SPSS", "an SPSS file; --from sav reads it"),
+                              (b"%PDF-1.7\n", "a PDF document; it cannot be read"), (b"\xFF\xD8\xFF\xE0", "an image; it cannot be read")):
+            self.put("a.csv", content)
+            self.convert("a.csv", "out.json", status=1)
+            self.assertIn(f"'a.csv' is not a csv file: it begins like {said}\n", self.said)
         self.put("b.csv", b"a,b\n1," + bytes(8) + b"\n")
         self.convert("b.csv", "out.json", status=1)
         self.assertIn("'b.csv' is not a csv file: there is a zero byte in line 2; --encoding NAME reads it if", self.said)
