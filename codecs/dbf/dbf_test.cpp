@@ -515,17 +515,23 @@ TEST(Dbf, ImpossibleHeadersAreRejected)
 {
     const QByteArray good = makeTable(3, {{"a", 'C', 2}}, {"r1"});
     test::forEveryTruncation(good.first(65), [](const QByteArray &cut) {
-        EXPECT_EQ(read({.table = cut}).fault->code, Error::ShortHeader);
+        const Fault<Error> fault = read({.table = cut}).fault.value();
+        EXPECT_EQ(fault.code, Error::ShortHeader);
+        EXPECT_EQ(fault.detail.toStdString(), "it ends within its header");
     });
     struct Case
     {
         qsizetype at;
         quint16 value;
+        const char *detail = "its header or record length is not possible";
     };
-    for (const Case &c : {Case{10, 0}, Case{10, 2}, Case{8, 31}, Case{8, 0}}) {
+    for (const Case &c : {Case{10, 0}, Case{10, 2, "its fields do not fit its record length"},
+                          Case{8, 31}, Case{8, 0}}) {
         QByteArray bad = good;
         storeLE(c.value, bad.data() + c.at);
-        EXPECT_EQ(read({.table = bad}).fault->code, Error::BadHeader) << c.at << '=' << c.value;
+        const Fault<Error> fault = read({.table = bad}).fault.value();
+        EXPECT_EQ(fault.code, Error::BadHeader) << c.at << '=' << c.value;
+        EXPECT_EQ(fault.detail.toStdString(), c.detail) << c.at << '=' << c.value;
     }
     QByteArray beyond = good;
     storeLE<quint16>(0xFFFF, beyond.data() + 8);

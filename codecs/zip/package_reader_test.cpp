@@ -69,11 +69,13 @@ struct Opened
             reader = std::move(*result);
         } else {
             error = result.fault().code;
+            detail = result.fault().detail;
         }
     }
     MemorySource source;
     std::unique_ptr<PackageReader> reader;
     Error error = {};
+    QString detail;
 };
 
 TEST(PackageReader, ReadsWhatWasWritten)
@@ -196,30 +198,35 @@ TEST(PackageReader, RejectsFilesThatAreNotPackages)
         const char *what;
         qsizetype at;
         QByteArray bytes;
-        Error error;
+        const char *detail; // null: not a package at all
     };
     const Case cases[] = {
-        {"disk number", end + 4, "\1", Error::BadDirectory},
-        {"entry count", end + 10, "\3", Error::BadDirectory},
-        {"directory too long", end + 12, "\xff\xff", Error::BadDirectory},
-        {"directory beyond the end", end + 16, "\xff\xff\xff\x7f", Error::BadDirectory},
-        {"zip64 without its record", end + 16, "\xff\xff\xff\xff", Error::BadDirectory},
-        {"no entry", entry, "PK\5\6", Error::BadDirectory},
-        {"name longer than the directory", entry2 + 28, "\xff\xff", Error::BadDirectory},
-        {"comment longer than the directory", entry2 + 32, "\1", Error::BadDirectory},
-        {"member after the directory", entry2 + 42, "\xff\xff", Error::BadDirectory},
-        {"member over another", entry2 + 42, QByteArray("\0", 1), Error::BadDirectory},
-        {"member into the next", entry + 20, "\x40", Error::BadDirectory},
-        {"zip64 size without its field", entry + 24, "\xff\xff\xff\xff", Error::BadDirectory},
-        {"no end", end, "XX", Error::NotAPackage},
+        {"disk number", end + 4, "\1", "part of a set of several files"},
+        {"entry count", end + 10, "\3", "wrong number of entries"},
+        {"directory too long", end + 12, "\xff\xff", "directory outside the file"},
+        {"directory beyond the end", end + 16, "\xff\xff\xff\x7f", "directory outside the file"},
+        {"zip64 without its locator", end + 16, "\xff\xff\xff\xff", "directory outside the file"},
+        {"no entry", entry, "PK\5\6", "bad entry"},
+        {"name longer than the directory", entry2 + 28, "\xff\xff", "bad entry"},
+        {"comment longer than the directory", entry2 + 32, "\1", "bad entry"},
+        {"member after the directory", entry2 + 42, "\xff\xff", "bad entry"},
+        {"member over another", entry2 + 42, QByteArray("\0", 1), "members overlap"},
+        {"member into the next", entry + 20, "\x40", "members overlap"},
+        {"zip64 size without its field", entry + 24, "\xff\xff\xff\xff", "bad entry"},
+        {"no end", end, "XX", nullptr},
     };
     for (const Case &bad : cases) {
         QByteArray bytes = package;
         bytes.replace(bad.at, bad.bytes.size(), bad.bytes);
         Opened opened(bytes);
         EXPECT_FALSE(opened.reader) << bad.what;
-        EXPECT_EQ(opened.error, bad.error) << bad.what;
+        EXPECT_EQ(opened.error, bad.detail ? Error::BadDirectory : Error::NotAPackage) << bad.what;
+        EXPECT_EQ(opened.detail.toStdString(), bad.detail ? bad.detail : "") << bad.what;
     }
+    QByteArray zip64 = package;
+    zip64.insert(end, QByteArray("PK\6\7").leftJustified(20, '\0'));
+    zip64.replace(zip64.size() - 6, 4, "\xff\xff\xff\xff");
+    EXPECT_EQ(Opened(zip64).detail.toStdString(), "no zip64 end record");
 }
 
 TEST(PackageReader, RejectsMembersWithWrongFacts)
@@ -229,18 +236,21 @@ TEST(PackageReader, RejectsMembersWithWrongFacts)
         const char *what;
         std::function<void(RawMember &)> lie;
         Error error;
+        const char *detail = "";
     };
     const Case cases[] = {
         {"encrypted", [](RawMember &r) { r.member.flags = 1; }, Error::Encrypted},
-        {"method", [](RawMember &r) { r.member.method = 9; }, Error::UnknownMethod},
-        {"bomb", [](RawMember &r) { r.member.size = 1 << 30; }, Error::BadSize},
+        {"method", [](RawMember &r) { r.member.method = 9; }, Error::UnknownMethod, "9"},
+        {"bomb", [](RawMember &r) { r.member.size = 1 << 30; }, Error::BadSize,
+         "more than deflate can say in so few bytes"},
         {"too long", [](RawMember &r) { r.member.size += 1; }, Error::BadSize},
         {"too short", [](RawMember &r) { r.member.size -= 1; }, Error::BadSize},
         {"checksum", [](RawMember &r) { r.member.crc ^= 1; }, Error::BadChecksum},
         {"no deflate", [](RawMember &r) { r.bytes.fill('\xff'); }, Error::BadData},
-        {"cut", [](RawMember &r) { r.bytes.chop(1), r.member.compressedSize -= 1; },
-         Error::BadData},
-        {"stored sizes", [](RawMember &r) { r.member.method = kStored; }, Error::BadSize},
+        {"cut", [](RawMember &r) { r.bytes.chop(1), r.member.compressedSize -= 1; }, Error::BadData,
+         "the data ends too early"},
+        {"stored sizes", [](RawMember &r) { r.member.method = kStored; }, Error::BadSize,
+         "more than deflate can say in so few bytes"},
     };
     for (const Case &bad : cases) {
         RawMember raw = deflateMember("a", QByteArray(1000, 'a') + "some bytes");
@@ -252,6 +262,7 @@ TEST(PackageReader, RejectsMembersWithWrongFacts)
         const auto whole = opened.reader->readWhole("a");
         ASSERT_FALSE(whole) << bad.what;
         EXPECT_EQ(whole.fault().code, bad.error) << bad.what;
+        EXPECT_EQ(whole.fault().detail.toStdString(), bad.detail) << bad.what;
         MemorySink sink;
         PackageWriter writer(sink);
         const auto copied = writer.copyRaw(*opened.reader, opened.reader->members()[0]);

@@ -137,7 +137,7 @@ Result<EndRecord, Error> readEndRecord(ByteSource &source)
 {
     const qint64 size = source.size();
     if (size < kEndBytes) {
-        return Fault{Error::NotAPackage, u"shorter than a zip file"_s, size};
+        return Fault{Error::NotAPackage, {}, size};
     }
     const qint64 tailBytes = std::min(size, kEndBytes + kMaxCommentBytes);
     const auto tail = readAt(source, size - tailBytes, tailBytes);
@@ -146,7 +146,7 @@ Result<EndRecord, Error> readEndRecord(ByteSource &source)
     }
     const auto ending = findEndRecord(*tail, size - tailBytes);
     if (!ending) {
-        return Fault{Error::NotAPackage, u"no end of central directory"_s, size};
+        return Fault{Error::NotAPackage, {}, size};
     }
     return readEndRecord64(source, *ending); // some packers write it although no field is saturated
 }

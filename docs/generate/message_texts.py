@@ -15,6 +15,8 @@ WORDS = re.compile(r"[A-Za-z]{2,}\W+[A-Za-z]{2,}")
 SEVERITY = re.compile(r"(?:\\n)?(?:error|warning)\b", re.IGNORECASE)
 LINE_FEED = re.compile(r"(?<!\\)\\n$")
 LOGS = re.compile(r"\b(?:fail|warn|failOnInput|badUsage|addLog|logReason|logException)\(")
+STATIC = re.compile(r"static_assert\([^;]*;| //(?:/<)? [^\n]*")  # what no program says
+REASON = re.compile(r"[^<\\]*\b[a-z]+ [a-z]+\b[^<\\]*")
 INCLUDE = re.compile(r'#include "([^"]+)"')
 
 
@@ -55,6 +57,14 @@ def messages_of(code, is_help=False):
             yield text
 
 
+def reasons_of(code):
+    """What the lower layers say is wrong, for the line after a message: texts of at least three words. Lists of words, with blanks
+    at their ends, and texts with escapes are data."""
+    for text in TEXT.findall(STATIC.sub("", JOINT.sub("", COMMENT.sub("", code)))):
+        if len(text.split()) >= 3 and text == text.strip() and REASON.fullmatch(text):
+            yield text
+
+
 def all_messages(root, layers=tuple(LAYERS)):
     """(source, text) of each message, in the order of the sources; equal texts of one source once."""
     found = []
@@ -62,6 +72,12 @@ def all_messages(root, layers=tuple(LAYERS)):
         code = (root / name).read_text(encoding="utf-8")
         found += [(str(name), text) for text in messages_of(code, str(name) in HELP)]
     return list(dict.fromkeys(found))
+
+
+def all_reasons(root):
+    """(source, text) of each reason of the lower layers."""
+    return [(str(name), text) for name in sources(root, ["base", "codecs", "io"])
+            for text in dict.fromkeys(reasons_of((root / name).read_text(encoding="utf-8")))]
 
 
 def descriptions(root):

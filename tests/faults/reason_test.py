@@ -75,6 +75,12 @@ def rar_file(name, flags, content):
     return rar_block(0x74, 0x8000 | flags, fields, content)
 
 
+def rar5_block(kind, fields):
+    """A block without data, of less than 128 bytes."""
+    header = bytes([2 + len(fields), kind, 0]) + fields
+    return struct.pack("<I", zlib.crc32(header)) + header
+
+
 class Reasons(unittest.TestCase):
     def setUp(self):
         holder = tempfile.TemporaryDirectory(prefix="corvanta_reason_")
@@ -104,16 +110,16 @@ class Reasons(unittest.TestCase):
         good = archive(("x.json", DOCUMENT, 8))
         bad = {
             "encrypted.zip": (changed(good, b"PK\1\2", 8, 1), "is encrypted"),
-            "method.zip": (archive(("x.json", DOCUMENT, zipfile.ZIP_BZIP2)), "method 12, which is not supported"),
-            "header.zip": (changed(good, b"PK\3\4", 0, 0), "is damaged: its header does not match"),
+            "method.zip": (archive(("x.json", DOCUMENT, zipfile.ZIP_BZIP2)), "is packed by method 12, which is not supported: pack it with deflate"),
+            "header.zip": (changed(good, b"PK\3\4", 0, 0), "is damaged: its header does not match the directory of the archive"),
             "content.zip": (changed(changed(good, b"PK\1\2", 16, 7), b"PK\3\4", 14, 7),
                             "the zip member 'x.json' is damaged: it does not match its size and checksum"),
             "longer.zip": (changed(changed(good, b"PK\1\2", 24, 3), b"PK\3\4", 22, 3),
                            "the zip member 'x.json' is damaged: it is longer than its header says"),
             "deflate.zip": (changed(good, b"PK\3\4", 36, 0xFF), "the zip member 'x.json' is damaged or truncated"),
             "cut.zip": (good[:60], "not a zip archive, or it is truncated"),
-            "folders.zip": (archive(("d/", b"", 0)), "has no file in it"),
-            "good.zip@y.json": (good, "has no member 'y.json'"),
+            "folders.zip": (archive(("d/", b"", 0)), "the zip archive has no file in it"),
+            "good.zip@y.json": (good, "the zip archive has no member 'y.json'"),
         }
         for name, (content, reason) in bad.items():
             with self.subTest(name=name):
@@ -123,7 +129,8 @@ class Reasons(unittest.TestCase):
     def test_members_of_workbooks(self):
         good = archive(("xl/workbook.xml", b"<workbook/>", 8))
         for content, reason in ((changed(good, b"PK\1\2", 8, 1), "'xl/workbook.xml' needs a password"),
-                                (changed(changed(good, b"PK\1\2", 10, 12), b"PK\3\4", 8, 12), "'xl/workbook.xml' is packed by method 12"),
+                                (changed(changed(good, b"PK\1\2", 10, 12), b"PK\3\4", 8, 12),
+                                 "'xl/workbook.xml' is packed by method 12, only stored and deflated members are read"),
                                 (changed(good, b"PK\3\4", 0, 0), "'xl/workbook.xml' is damaged")):
             (self.folder / "book.xlsx").write_bytes(content)
             self.check_refused("<readExcelSheets fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"), reason)
@@ -133,6 +140,84 @@ class Reasons(unittest.TestCase):
                                                             (name, b"<Relationships/>", zipfile.ZIP_BZIP2)))
             done, _ = self.run_graph("<readExcel fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"))
             self.assertIn(f"'{name}' is packed by method 12", done.stderr)
+
+    def test_damaged_parts_of_workbooks(self):
+        book = ("xl/workbook.xml", b"<workbook><sheets><sheet name='s'/></sheets></workbook>", 8)
+        rows = b"<worksheet><sheetData>" + b"<row><c><v>1</v></c></row>" * 9
+        utf16 = "<?xml version='1.0' encoding='UTF-16'?><worksheet/>".encode("utf-16")
+        relation = b"<Relationships><Relationship Id='r' Type='http://x/officeDocument' Target='ppt/presentation.xml'/></Relationships>"
+        for parts, reason in (
+                ([book, ("xl/worksheets/sheet1.xml", rows, 8)], "'xl/worksheets/sheet1.xml': the text ends too early"),
+                ([book, ("xl/worksheets/sheet1.xml", rows + b"< ></row>", 8)], "'xl/worksheets/sheet1.xml': the markup is broken"),
+                ([book, ("xl/worksheets/sheet1.xml", utf16, 8)], "'xl/worksheets/sheet1.xml': the text is not UTF-8"),
+                ([(book[0], utf16, 8)], "'xl/workbook.xml': the text is not UTF-8"),
+                ([(book[0], b"<other/>", 8)], "'xl/workbook.xml' has other content than its kind"),
+                ([(book[0], b"<workbook><sheets>", 8)], "'xl/workbook.xml': the markup is broken"),
+                ([("_rels/.rels", relation, 8), ("ppt/presentation.xml", b"", 0)], "it is a PowerPoint presentation")):
+            with self.subTest(reason=reason):
+                (self.folder / "book.xlsx").write_bytes(archive(*parts))
+                self.check_refused("<readExcel fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"), reason)
+        whole = archive(book, ("xl/worksheets/sheet1.xml", rows, 8))
+        for content, reason in ((b"\0\1\2 no text", "its content is neither a workbook nor a text"),
+                                (b"<?xml version='1.0'?><Workbook xmlns='urn:schemas-microsoft-com:office:spreadsheet'/>",
+                                 "an XML spreadsheet of 2003"),
+                                (changed(whole, b"PK\5\6", 10, 9), "the zip directory is damaged")):
+            with self.subTest(reason=reason):
+                (self.folder / "book.xlsx").write_bytes(content)
+                self.check_refused("<readExcel fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"), reason)
+        (self.folder / "book.xls").write_bytes(whole)
+        self.check_refused("<readExcelOld fileName='book.xls'/>", WRITERS["csv"].format("out.csv"), "its content is that of an .xlsx workbook")
+        (self.folder / "book.xls").write_bytes(bytes.fromhex("d0cf11e0a1b11ae1") + bytes(2000))
+        self.check_refused("<readExcelOld fileName='book.xls'/>", WRITERS["csv"].format("out.csv"),
+                           "it is damaged: its compound file has no usable directory")
+        update = "<writeExcel mode='1' createIfNotExists='0' fileNameDestination='book.xlsx' sheetName='New'/>"
+        (self.folder / "book.xlsx").write_bytes(changed(whole, b"PK\5\6", 10, 9))
+        self.check_refused(READERS["csv"].format("in.csv"), update, "the package is damaged: wrong number of entries")
+
+    def test_workbooks_beyond_the_limits(self):
+        book = ("xl/workbook.xml", b"<workbook><sheets><sheet name='s'/></sheets></workbook>", 8)
+        cells = b"<worksheet><sheetData><row>" + b"<c/>" * (1 << 20) + b"</row></sheetData></worksheet>"
+        areas = b"<worksheet><sheetData/><mergeCells>" + b"<mergeCell ref='A1:B2'/>" * ((1 << 20) + 1) + b"</mergeCells></worksheet>"
+        for reader, parts, reason in (
+                ("readExcelSheets", [("xl/workbook.xml", b"<workbook>" + b" " * (33 << 20), 8)], "xl/workbook.xml is larger than 32 MiB"),
+                ("readExcel", [book, ("xl/worksheets/sheet1.xml", cells, 8)], "row 1 has too much content"),
+                ("readExcel fillMerged='1'", [book, ("xl/worksheets/sheet1.xml", areas, 8)], "the sheet has too many areas")):
+            with self.subTest(reason=reason):
+                (self.folder / "book.xlsx").write_bytes(archive(*parts))
+                self.check_refused(f"<{reader} fileName='book.xlsx'/>", WRITERS["csv"].format("out.csv"), reason)
+
+    def test_damaged_archives_and_tables(self):
+        packed = gzip.compress(b"[" + b'{"a":1},' * 99 + b'{"a":1}]')
+        marker = b"Rar!\x1a\x07\0"
+        start = marker + rar_block(0x73, 0, bytes(6))
+        good = start + rar_file(b"x.json", 0, DOCUMENT) + rar_block(0x7B, 0x4000, b"")
+        data = good.find(DOCUMENT)
+        wrong_sum = good[:data] + b'[{"b":1}]' + good[data + len(DOCUMENT):]
+        fields = struct.pack("<IIBIIBBHI", 9, 90, 3, 0, 0, 29, 0x33, 6, 0) + b"x.json"
+        for name, content, reason in (
+                ("a.json.gz", packed[:2] + b"\7" + packed[3:], "its gzip variant is not known"),
+                ("b.json.gz", packed[:10] + b"\xff" + packed[11:], "the gzip data is damaged"),
+                ("c.json.gz", packed[:-1] + b"\1", "the gzip data does not agree with its checksum"),
+                ("a.rar", b"Rar?" + good[4:], "it does not start like a RAR archive"),
+                ("b.rar", good[:9] + b"\1" + good[10:], "a header of the archive is damaged or truncated"),
+                ("c.rar", start + rar_block(0x7B, 0x4000, b""), "the archive is empty"),
+                ("d.rar", start + rar_file(b"x.json", 2, DOCUMENT), "its entry 'x.json' is spread over several volumes"),
+                ("e.rar", wrong_sum, "the RAR entry 'x.json' does not agree with its checksum"),
+                ("f.rar", start + rar_block(0x74, 0x8000, fields, DOCUMENT), "the RAR entry 'x.json' is damaged or compressed by an "
+                 "unsupported method"),
+                ("g.rar", b"Rar!\x1a\x07\1\0" + rar5_block(1, b"\0") + rar5_block(2, b"\x08\0\0\0\1\6x.json"),
+                 "the size of its entry 'x.json' is not stored"),
+                ("a.zip", changed(archive(("x.json", DOCUMENT, 8)), b"PK\1\2", 27, 0x80), "the zip member 'x.json' is damaged"),
+                ("b.zip", changed(archive(("x.json", DOCUMENT, 8)), b"PK\1\2", 0, 9), "the directory of the zip archive is damaged")):
+            with self.subTest(name=name):
+                (self.folder / name).write_bytes(content)
+                self.check_refused(READERS["json"].format(name), WRITERS["csv"].format("out.csv"), reason)
+
+    def test_texts_that_are_other_files(self):
+        for content, kind in ((bytes.fromhex("d0cf11e0a1b11ae1") + bytes(600), "a legacy Office file"), (gzip.compress(b"a"), "a gzip file")):
+            (self.folder / "text.csv").write_bytes(content)
+            done, _ = self.run_graph(READERS["csv"].format("text.csv"), WRITERS["csv"].format("out.csv"))
+            self.assertIn(kind, done.stderr)
 
     def test_gzip_files_that_are_cut_anywhere(self):
         whole = gzip.compress(b"a\n1\n")

@@ -99,6 +99,34 @@ class StatInput(unittest.TestCase):
                 error = self.convert("cut.xpt", "out.csv", status=1)
                 self.assertRegex(error, "ERROR: cannot read the statistical file '.*cut.xpt': (the file is truncated|the file ends in the dictionary|the header announces 2 variables)", size)
 
+    def test_the_reasons_of_damaged_transport_files(self):
+        whole = self.transport("k,t\n" + "".join(f"{i},text number {i}\n" for i in range(100)))
+        for data, reason in ((whole[:-1], f"its {len(whole) - 1} bytes are not a multiple of 80"),
+                             (whole[:-80], "its last row is not complete"),
+                             (whole.replace(b"HEADER RECORD*******MEMBER", b"HEADER RECORD*******NUMBER", 1), "the file has no data set"),
+                             (whole.replace(b"01600000000140", b"01600000000136", 1),
+                              "the descriptions of its variables have 136 bytes instead of 140, which is not supported")):
+            self.write("odd.xpt", data)
+            self.assertIn(reason, self.convert("odd.xpt", "out.csv", status=1))
+
+    def test_parts_that_contradict_the_header(self):
+        seeds = CASES.parents[2] / "fuzz/seeds/stat_read"
+        sas = (seeds / "sas").read_bytes()[1:]  # the first byte has options
+        self.write("cut.sas7bdat", sas[:len(sas) // 2])
+        self.assertRegex(self.convert("cut.sas7bdat", "out.csv", status=1),
+                         r"the header announces \d+ pages? of \d+ bytes after \d+ bytes, but the file has \d+ bytes")
+        old = bytearray(stata_old([b"one", b"two"]))
+        old[6:10] = struct.pack("<I", 1 << 30)
+        self.write("rows.dta", bytes(old))
+        self.assertIn("the header announces 1 variable and 1073741824 rows, which the file is too small for",
+                      self.convert("rows.dta", "out.csv", status=1))
+        long_texts = stata(118, False, [((1, 1), 1, (2, 1))], {(1, 1): b"first", (2, 1): b"second"})
+        at = long_texts.rindex(b"GSO")
+        self.write("long.dta", long_texts[:at] + b"GSX" + long_texts[at + 3:])
+        self.assertIn(f"the long text (strL) at offset {at} is damaged", self.convert("long.dta", "out.csv", status=1))
+        self.write("portable.sav", (seeds / "por").read_bytes()[1:])
+        self.assertIn("an SPSS portable file (.por)", self.convert("portable.sav", "out.csv"))
+
     def test_a_stata_file_that_is_cut_in_its_labels(self):
         data = (CASES / "labels/v.dta").read_bytes()
         self.write("cut.dta", data[:data.index(b"<lbl>") + 20])

@@ -109,7 +109,7 @@ XlsxReader::Done XlsxReader::openPackage()
                 return Fault{WorkbookError::Damaged,
                              u"it ends before the directory of its zip package"_s};
             }
-            return Fault{WorkbookError::NotAWorkbook, u"it is not a zip package"_s};
+            return Fault{WorkbookError::NotAWorkbook}; // described by its content
         case zip::Error::ReadFailed:
             return Fault{WorkbookError::ReadFailed, u"the file cannot be read"_s};
         default:
