@@ -32,6 +32,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolBar>
@@ -466,7 +467,9 @@ void MainWindow::restoreArrangement()
     (*m_commands)[u"view.dark"_s]->setChecked(isDark(palette()));
     // A first start, or the file of another version.
     if (!restoreGeometry(m_settings.windowGeometry())) {
-        resize(1280, 800);
+        // Larger texts need more room, as far as the screen has it.
+        const QSize wanted = QSize(1280, 800) * qMax(1.0, m_settings.fontPercent() / 100.0);
+        resize(wanted.boundedTo(screen()->availableSize()));
     }
     restoreState(m_settings.windowState());
 }

@@ -28,6 +28,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -89,6 +90,13 @@ TEST_F(Shell, PaletteAddsByKeysAndChainsActions)
     const auto *const model = tree.model();
     std::unique_ptr<QMimeData> dragged(model->mimeData({tree.currentIndex()}));
     EXPECT_EQ(dragged->data(u"application/x-corvanta-action"_s), "sort");
+}
+
+TEST_F(Shell, AFirstWindowFitsOnTheScreen)
+{
+    const QSize room = window().screen()->availableSize();
+    EXPECT_EQ(window().size().boundedTo(room), room.boundedTo(QSize(1280, 800)));
+    EXPECT_LE(window().width(), qMax(room.width(), window().minimumSizeHint().width()));
 }
 
 TEST_F(Shell, PaletteKeepsItsWidth)
