@@ -99,7 +99,7 @@ class Development(Installed):
         self.corvanta("convert", path, "c.csv", "c.pairs")
         self.assertEqual((self.folder / "c.pairs").read_text(encoding="utf-8"), (example / "settings.pairs").read_text(encoding="utf-8"))
         (self.folder / "d.pairs").write_text("a\nb=1\nc\n", encoding="utf-8")
-        self.assertIn("'d.pairs' has a line without a separator: a\n", self.corvanta("convert", path, "d.pairs", "c.csv", status=1))
+        self.assertIn("d.pairs' has a line without a separator: a\n", self.corvanta("convert", path, "d.pairs", "c.csv", status=1))
         # The editor lists its actions, and shows its panel and its help.
         if (BUILD / "bin/shell_test").exists():
             shown = self.run_program(BUILD / "bin/shell_test", "--gtest_filter=*OtherModules", env={**self.env, "CORVANTA_PLUGIN_PATH": str(module.parent)})
