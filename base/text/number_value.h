@@ -52,13 +52,20 @@ inline bool parseFinite(std::string_view text, double *value)
 inline constexpr double kInexactFrom = 0x1p53;
 
 /// By how much the integer `text` is greater than `nearest`, the value of parseDouble() for it, so
-/// that both together compare exactly. 0 for other texts, and for integers of 2^64 and more.
+/// that both together compare exactly. A sign, and a fraction of zeros, may be in the text. 0 for
+/// other texts, and for integers of 2^64 and more.
 inline qint64 integerRest(std::u16string_view text, double nearest)
 {
+    if (std::abs(nearest) < kInexactFrom) {
+        return 0;
+    }
     const bool isNegative = text.starts_with(u'-');
+    text.remove_prefix(isNegative || text.starts_with(u'+') ? 1 : 0);
+    const size_t point = std::min(text.find(u'.'), text.size());
+    const bool hasFraction = text.find_first_not_of(u".0", point) != text.npos;
     quint64 size = 0;
-    if (std::abs(nearest) < kInexactFrom ||
-        !parseUInt(text.substr(isNegative ? 1 : 0), std::numeric_limits<quint64>::max(), &size)) {
+    if (hasFraction ||
+        !parseUInt(text.substr(0, point), std::numeric_limits<quint64>::max(), &size)) {
         return 0;
     }
     // The difference is small, so that it does not matter that 2^64 wraps to 0.

@@ -44,12 +44,13 @@ class ColumnStats
 {
 public:
     /// `isNumeric`: all values are numbers, also those of a Text, which has too many digits.
-    ColumnStats(cell::Type type, ValueKind kind, bool isNumeric, size_t maxDistinct)
+    ColumnStats(cell::Type type, const ColumnKind &kind, bool isNumeric, size_t maxDistinct)
         : m_type(type)
-        , m_kind(kind)
+        , m_kind(kind.kind)
+        , m_isExact(kind.letter != 'U')
         , m_isNumeric(isNumeric)
         , m_distinct(maxDistinct)
-        , m_texts(kind == ValueKind::Text ? TextOrder::CodePoints : TextOrder::Words)
+        , m_texts(kind.kind == ValueKind::Text ? TextOrder::CodePoints : TextOrder::Words)
     {
     }
 
@@ -81,11 +82,15 @@ private:
             ++m_missing;
             return;
         }
+        addDistinct(value);
+        m_numbers.add(value);
+    }
+    void addDistinct(double value)
+    {
         // Zero has two representations, which are one value.
         const double unsignedZero = value == 0 ? 0 : value;
         m_distinct.add(std::hash<std::string_view>()(
             {reinterpret_cast<const char *>(&unsignedZero), sizeof unsignedZero}));
-        m_numbers.add(value);
     }
     void addText(const cell::Text &text)
     {
@@ -93,9 +98,13 @@ private:
             ++m_missing;
             return;
         }
-        m_distinct.add(std::hash<std::u16string_view>()(text.view()));
         double value = 0;
         m_isNumeric = m_isNumeric && parseDouble(text.view(), &value);
+        if (m_isNumeric && m_isExact) {
+            addDistinct(value); // 1.0 and 1.00 are one number
+        } else {
+            m_distinct.add(std::hash<std::u16string_view>()(text.view()));
+        }
         if (m_isNumeric) {
             m_numbers.add(value, text.view());
         }
@@ -106,6 +115,7 @@ private:
 
     cell::Type m_type;
     ValueKind m_kind;
+    bool m_isExact;   ///< a double holds each number of the column
     bool m_isNumeric; ///< the values so far are numbers
     qint64 m_rows = 0;
     qint64 m_missing = 0;
@@ -221,7 +231,7 @@ private:
             const ValueKind kind = kinds[i].kind;
             const bool isNumeric = kind == ValueKind::Integer || kind == ValueKind::Decimal ||
                                    m_facts.longNumbers.contains(columns.names[i]);
-            m_columns.emplace_back(columns.types[i].cellType(), kind, isNumeric, maxDistinct);
+            m_columns.emplace_back(columns.types[i].cellType(), kinds[i], isNumeric, maxDistinct);
         }
         m_names = columns.names;
     }

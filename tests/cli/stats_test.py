@@ -67,6 +67,10 @@ class Stats(Case):
             self.assertEqual(tuple(column.get(key) for key in ("type", "minimum", "maximum", "mean")), limits)
             self.assertIn("  -9223372036854775807  9223372036854775807", self.corvanta("stats", name))
 
+    def test_one_number_in_several_forms_is_one_value(self):
+        self.put("in.csv", "n,t,long\n1,1,9007199254740993\n1.0,1.0,9007199254740992\n1.00,x,9007199254740993\n-0,-0,1\n0,0,1\n")
+        self.assertEqual([column["distinct"] for column in json.loads(self.corvanta("stats", "in.csv", "--json"))], [2, 5, 3])
+
     def test_numbers_with_a_decimal_comma(self):
         self.put("in.csv", "n;t\n9,5;a\n10,25;b\n")
         column = json.loads(self.corvanta("stats", "in.csv", "--json", "--reader", "decimal=,"))[0]
