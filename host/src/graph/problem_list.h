@@ -24,7 +24,7 @@ public:
     void add(qint64 line, const QString &text, Kind kind = Kind::Invalid)
     {
         if (m_file.isEmpty()) {
-            m_problems.append({text});
+            m_problems.append({text, kind});
             return;
         }
         const QString place = line > 0 ? m_file + u':' + QString::number(line) : m_file;
