@@ -2,8 +2,19 @@
 #include "studio/document/content.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace corvanta::studio {
+
+QPointF canvasPosition(QPointF position)
+{
+    const auto whole = [](double coordinate) {
+        constexpr double kFarthest = 1e6;
+        return std::isnan(coordinate) ? 0
+                                      : std::round(std::clamp(coordinate, -kFarthest, kFarthest));
+    };
+    return {whole(position.x()), whole(position.y())};
+}
 
 // Documents keep a table of the indexes; this is for states that are being made.
 int Content::indexOf(const QString &id) const

@@ -31,6 +31,10 @@ struct LinkRef
     bool operator==(const LinkRef &) const = default;
 };
 
+/// The position on the canvas for one of a file or a user: whole numbers, so that a file differs
+/// only when something moves, and within what the canvas can draw. What is not a number becomes 0.
+QPointF canvasPosition(QPointF position);
+
 /// An action of the graph.
 struct Node
 {
@@ -41,7 +45,7 @@ struct Node
     QString id;       ///< also its name; unique in the graph
     XMLNode element;  ///< named after the type, with the parameters
     int revision = 0; ///< of the element; differs after each edit
-    QPointF position; ///< upper left corner on the canvas, whole numbers
+    QPointF position; ///< upper left corner, see canvasPosition()
     /// False for an action without a position in its file; `position` is then only shown.
     bool isPlaced = false;
     bool isElementEdited = false; ///< the element differs from that in the opened file

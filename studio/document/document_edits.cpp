@@ -12,7 +12,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -31,12 +30,6 @@ void placeAll(Content *content)
             content->changeNode(i, [](Node &node) { node.isPlaced = true; });
         }
     }
-}
-
-/// Whole numbers, so that the file differs only when the user moves something.
-QPointF rounded(QPointF position)
-{
-    return {std::round(position.x()), std::round(position.y())};
 }
 
 /// The element with another value of one parameter; empty if the value is not of its type.
@@ -81,7 +74,7 @@ Node GraphDocument::newNode(const QString &wantedId, const XMLNode &element, QPo
     node.key = m_nextKey++;
     node.id = uniqueId(wantedId);
     node.element = element;
-    node.position = rounded(position);
+    node.position = canvasPosition(position);
     node.isPlaced = true;
     return node;
 }
@@ -282,9 +275,10 @@ void GraphDocument::move(const QMap<QString, QPointF> &positions, int series)
     bool isMoved = false;
     for (auto it = positions.begin(); it != positions.end(); ++it) {
         const int index = m_indexes.value(it.key(), -1);
-        if (index >= 0 && after.nodes[index]->position != rounded(it.value())) {
+        if (index >= 0 && after.nodes[index]->position != canvasPosition(it.value())) {
             isMoved = true;
-            after.changeNode(index, [&](Node &node) { node.position = rounded(it.value()); });
+            after.changeNode(index,
+                             [&](Node &node) { node.position = canvasPosition(it.value()); });
         }
     }
     if (isMoved) {

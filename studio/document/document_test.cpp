@@ -4,7 +4,6 @@
 #include "studio/document/document_file.h"
 #include "studio/document/element_comments.h"
 #include "studio/document/graph_document.h"
-#include "studio/document/layered_layout.h"
 #include "tests/support/graph_folder.h"
 
 #include <QApplication>
@@ -352,35 +351,6 @@ TEST_F(StudioDocument, CopiesKeepTheirLinksAndGetNewNames)
     EXPECT_EQ(document->position(u"out3"_s), QPointF(500, 500));
     document->undoStack()->setIndex(0);
     EXPECT_EQ(document->toXml(), kGraph);
-}
-
-TEST_F(StudioDocument, LayoutLeadsToTheRightWithoutOverlaps)
-{
-    GraphDocument document(test::allActions());
-    QStringList ids;
-    for (int i = 0; i < 40; ++i) {
-        ids << document.addAction(i % 4 == 0 ? u"readCSV"_s : u"union"_s, {});
-    }
-    for (int i = 1; i < 40; ++i) {
-        document.addLink({ids[i / 3], 0}, {ids[i], 0});
-        document.addLink({ids[i - 1], 0}, {ids[i], 1});
-    }
-    document.layout();
-    for (const LinkRef &link : document.links()) {
-        EXPECT_LT(document.position(link.from.action).x(), document.position(link.to.action).x());
-    }
-    for (const QString &a : ids) {
-        for (const QString &b : ids) {
-            const QPointF distance = document.position(a) - document.position(b);
-            EXPECT_TRUE(a == b || qAbs(distance.x()) >= kLayerStep.width() ||
-                        qAbs(distance.y()) >= kLayerStep.height())
-                << a.toStdString() << ' ' << b.toStdString();
-        }
-    }
-    document.align(ids, GraphDocument::Alignment::Top);
-    document.align(ids, GraphDocument::Alignment::Columns);
-    EXPECT_EQ(document.position(ids[0]).y(), document.position(ids[39]).y());
-    EXPECT_TRUE(document.undoStack()->undoText().startsWith("Move "_L1));
 }
 
 TEST_F(StudioDocument, ADataFileBecomesItsFilledReader)

@@ -12,7 +12,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -169,7 +168,7 @@ Content GraphDocument::contentOf(const CorvantaGraph &graph, const SourceText &s
         node.origin = isKept ? i : -1;
         node.id = action.id;
         node.element = action.parameters;
-        node.position = {std::round(action.x), std::round(action.y)};
+        node.position = canvasPosition({action.x, action.y});
         node.isPlaced = isKept ? source.hasPosition(i) : action.x != 0 || action.y != 0;
         node.comment = action.comment;
         content.nodes.append(std::make_shared<const Node>(node));

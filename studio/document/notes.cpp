@@ -2,22 +2,12 @@
 #include "studio/document/graph_document.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace corvanta::studio {
 
-namespace {
-
-QPointF wholeNumbers(QPointF position)
-{
-    return {std::round(position.x()), std::round(position.y())};
-}
-
-} // namespace
-
 int GraphDocument::addNote(QPointF position, const QString &text)
 {
-    const Note note{m_nextKey++, -1, wholeNumbers(position), text};
+    const Note note{m_nextKey++, -1, canvasPosition(position), text};
     push(tr("Add note"), [&](Content &content) { content.notes.append(note); });
     return note.key;
 }
@@ -47,7 +37,7 @@ void GraphDocument::moveNotes(const QMap<int, QPointF> &positions, int series)
 {
     QVector<Note> notes = m_content.notes;
     for (Note &note : notes) {
-        note.position = wholeNumbers(positions.value(note.key, note.position));
+        note.position = canvasPosition(positions.value(note.key, note.position));
     }
     if (notes != m_content.notes) {
         push(

@@ -19,7 +19,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -98,6 +97,16 @@ QString writtenElement(const XMLNode &element)
 QString pinText(const PinRef &pin)
 {
     return pin.action + u':' + QString::number(pin.pin);
+}
+
+/// The position that an element of the file gives, as the host reads its numbers.
+QPointF positionOf(const QMap<QString, QString> &attributes)
+{
+    const auto number = [&](const QString &name) {
+        const QString text = attributes.value(name);
+        return xmltof(reinterpret_cast<const char16_t *>(text.utf16()), 0);
+    };
+    return canvasPosition({number(u"x"_s), number(u"y"_s)});
 }
 
 QString numberText(double position)
@@ -257,9 +266,8 @@ QVector<Note> SourceText::notes() const
     QVector<Note> all;
     for (const Element &element : m_elements) {
         if (element.kind == Kind::Note) {
-            const QPointF place(std::round(element.attributes.value(u"x"_s).toDouble()),
-                                std::round(element.attributes.value(u"y"_s).toDouble()));
-            all.append({0, element.number, place, element.attributes.value(u"text"_s)});
+            all.append({0, element.number, positionOf(element.attributes),
+                        element.attributes.value(u"text"_s)});
         }
     }
     return all;
@@ -465,8 +473,7 @@ private:
     /// Positions of the file need not be whole numbers.
     static bool isAt(const Element &element, QPointF position)
     {
-        return qRound64(element.attributes.value(u"x"_s).toDouble()) == qRound64(position.x()) &&
-               qRound64(element.attributes.value(u"y"_s).toDouble()) == qRound64(position.y()) &&
+        return positionOf(element.attributes) == position &&
                (element.attributes.contains(u"x"_s) || element.attributes.contains(u"y"_s));
     }
 

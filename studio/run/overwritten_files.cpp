@@ -4,9 +4,9 @@
 
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
+#include "corvanta/files.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
@@ -27,18 +27,11 @@ struct Texts
 /// The files of a name in which "*" is what depends on the rows.
 QStringList filesOf(const QString &name)
 {
-    const QFileInfo info(name);
-    if (info.isFile()) {
-        return {name};
+    QStringList files{name};
+    if (!QFileInfo(name).isFile() && name.contains(u'*')) {
+        listFiles(name, &files);
     }
-    QStringList files;
-    if (info.fileName().contains(u'*')) {
-        const QDir folder = info.dir();
-        const QStringList entries = folder.entryList({info.fileName()}, QDir::Files, QDir::Name);
-        for (const QString &entry : entries) {
-            files << folder.filePath(entry);
-        }
-    }
+    files.removeIf([](const QString &file) { return !QFileInfo(file).isFile(); });
     return files;
 }
 

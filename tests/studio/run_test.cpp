@@ -140,12 +140,14 @@ TEST(GraphRun, NamesThatDependOnTheRowsMatchFiles)
 {
     const StudioFolder folder(
         "<action id='in'><readCSV fileName='in.csv'/></action>"
-        "<action id='out'><writeParquet file='part.parquet' split='1' splitVar='name'/></action>"
+        "<action id='out'><writeParquet file='part[1].parquet' split='1' splitVar='name'/></action>"
         "<link from='in:0' to='out:0'/>");
-    folder.write(u"part__a.parquet"_s, "");
-    folder.write(u"other.parquet"_s, "");
+    for (const QString &name : {u"part[1]__a.parquet"_s, u"part1__a.parquet"_s,
+                                u"Part[1]__a.parquet"_s, u"other.parquet"_s}) {
+        folder.write(name, "");
+    }
     EXPECT_EQ(existingTargets(folder.document->graph(), test::allActions()),
-              QStringList{folder.path(u"part__a.parquet"_s)});
+              QStringList{folder.path(u"part[1]__a.parquet"_s)});
 }
 
 TEST(GraphRun, FailuresAreInTheLogWithTheirActions)
