@@ -93,17 +93,26 @@ LineEditor::LineEditor(const FieldContext &context, const QString &hint)
     if (!context.info.unit.isEmpty()) {
         row->addWidget(new QLabel(unitText(context.info.unit, 2)));
     }
-    m_line->setPlaceholderText(hint.isEmpty() ? context.info.defaultValue : hint);
+    const ParameterInfo &info = context.info;
+    const QString &usual = info.lowMeaning.isEmpty() ? info.defaultValue : info.lowMeaning;
+    m_line->setPlaceholderText(hint.isEmpty() ? usual : hint);
     setMainControl(m_line);
     connect(m_line, &QLineEdit::textEdited, this,
-            [this](const QString &text) { report(text, Edit::Typing); });
+            [this](const QString &text) { report(valueOf(text), Edit::Typing); });
+}
+
+/// A number without an amount is an empty line, where its meaning is shown.
+QString LineEditor::valueOf(const QString &text) const
+{
+    const ParameterInfo &info = context().info;
+    return text.isEmpty() && !info.lowMeaning.isEmpty() ? QString::number(info.low) : text;
 }
 
 void LineEditor::setValue(const QString &value)
 {
     // Setting an equal text would move the cursor while the user types.
-    if (m_line->text() != value) {
-        m_line->setText(value);
+    if (valueOf(m_line->text()) != value) {
+        m_line->setText(value == valueOf({}) ? QString() : value);
     }
 }
 
@@ -147,14 +156,14 @@ ParameterProblem FloatFormatEditor::problem() const
 
 // ---- A number
 
-NumberEditor::NumberEditor(const FieldContext &context, const QString &lowest)
+NumberEditor::NumberEditor(const FieldContext &context)
     : FieldEditor(context)
     , m_box(new QSpinBox(this))
 {
     const ParameterInfo &info = context.info;
     m_box->setRange(static_cast<int>(info.low), static_cast<int>(info.high));
     m_box->setLocale(QLocale::c()); // files have no digit groups
-    m_box->setSpecialValueText(lowest);
+    m_box->setSpecialValueText(info.lowMeaning);
     showUnit();
     auto *const row = plainLayout<QHBoxLayout>(this);
     row->addWidget(m_box);

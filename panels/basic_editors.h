@@ -18,7 +18,8 @@ namespace corvanta {
 class NoteLabel;
 
 /// One line of text. Also for real numbers, which any locale writes with a point.
-/// The default is shown as a placeholder, or `hint` where an empty text needs one.
+/// The default is shown as a placeholder, or `hint` where an empty text needs one. If the smallest
+/// number has a meaning, the line is empty for it and shows the meaning.
 class LineEditor : public FieldEditor
 {
 public:
@@ -29,6 +30,9 @@ protected:
     QLineEdit *line() const { return m_line; }
 
 private:
+    /// The value that the user means with `text`.
+    QString valueOf(const QString &text) const;
+
     QLineEdit *m_line;
 };
 
@@ -49,13 +53,12 @@ private:
     NoteLabel *m_example;
 };
 
-/// A whole number in the range of int, with its unit. Numbers outside the range of the parameter
-/// cannot be entered.
+/// A whole number in the range of int, with its unit. The smallest number is shown as its meaning,
+/// if it has one. Numbers outside the range of the parameter cannot be entered.
 class NumberEditor final : public FieldEditor
 {
 public:
-    /// `lowest` is shown for the smallest value, if it has a meaning of its own.
-    explicit NumberEditor(const FieldContext &context, const QString &lowest = {});
+    explicit NumberEditor(const FieldContext &context);
 
 protected:
     void setValue(const QString &value) override;

@@ -147,6 +147,9 @@ QString shownValue(const ParameterInfo &info, const QString &value)
         return value == "0"_L1 ? QCoreApplication::translate("Panels", "off")
                                : QCoreApplication::translate("Panels", "on");
     }
+    if (!info.lowMeaning.isEmpty() && value == QString::number(info.low)) {
+        return info.lowMeaning;
+    }
     const QString text = info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
     return text.isEmpty() ? value
                           : QCoreApplication::translate("Panels", "\u201c%1\u201d").arg(text);

@@ -108,7 +108,8 @@ QString translated(const QString &text);
 /// The unit of a parameter as it is written after `count`, in the language of the user: "row" for
 /// 1, "rows" for 2.
 QString unitText(const QString &unit, int count);
-/// A value as texts show it: the text of a choice, or on and off. `info` is translated.
+/// A value as texts show it: the text of a choice, on and off, or what a number means. `info` is
+/// translated.
 QString shownValue(const ParameterInfo &info, const QString &value);
 /// The label before a field, with a colon unless it is a sentence.
 QString captionOf(const QString &label);

@@ -47,6 +47,7 @@ ParameterInfo translatedInfo(ParameterInfo info)
 {
     info.label = translated(info.label.isEmpty() ? info.name : info.label);
     info.meaning = translated(info.meaning);
+    info.lowMeaning = translated(info.lowMeaning);
     for (QStringList *const texts : {&info.choices, &info.explanations}) {
         std::transform(texts->begin(), texts->end(), texts->begin(), translated);
     }

@@ -924,10 +924,6 @@
         <translation>saut de ligne, ou retour chariot dans un fichier sans saut de ligne</translation>
     </message>
     <message>
-        <source>all rows</source>
-        <translation>toutes les lignes</translation>
-    </message>
-    <message>
         <source>All texts; or K,F,U …</source>
         <translation>Tout en texte ; ou K,F,U …</translation>
     </message>
@@ -1723,10 +1719,6 @@
     <message>
         <source>Wait for other programs</source>
         <translation>Attendre les autres programmes</translation>
-    </message>
-    <message>
-        <source>How long the action waits while another program writes to the file. Negative: without a limit.</source>
-        <translation>Durée pendant laquelle l&apos;action attend qu&apos;un autre programme ait fini d&apos;écrire dans le fichier. Négatif&#xa0;: sans limite.</translation>
     </message>
     <message>
         <source>Columns to write</source>
@@ -3735,6 +3727,22 @@
     <message>
         <source>Files to join, in this order; patterns such as part-*.parquet stand for the files that they match. All have the format of the output.</source>
         <translation>Fichiers à réunir, dans cet ordre ; un motif tel que part-*.parquet représente les fichiers qui lui correspondent. Tous ont le format du fichier écrit.</translation>
+    </message>
+    <message>
+        <source>all rows</source>
+        <translation>toutes les lignes</translation>
+    </message>
+    <message>
+        <source>no limit</source>
+        <translation>sans limite</translation>
+    </message>
+    <message>
+        <source>How long the action waits while another program writes to the file; -1: without limit.</source>
+        <translation>Durée pendant laquelle l&apos;action attend qu&apos;un autre programme ait fini d&apos;écrire dans le fichier&#xa0;; -1&#xa0;: sans limite.</translation>
+    </message>
+    <message>
+        <source>the last row of the table</source>
+        <translation>la dernière ligne de la table</translation>
     </message>
 </context>
 <context>

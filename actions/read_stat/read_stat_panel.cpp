@@ -24,7 +24,7 @@ PanelLayout panelLayout()
           {"encoding", shared::declaredEncodingField}}},
         previewGroup(),
         {kAdvancedGroup,
-         {{"maxRows", shared::rowLimitField},
+         {"maxRows",
           "firstRow",
           "rowCount",
           "fileNameColumn",

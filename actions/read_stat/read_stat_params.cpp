@@ -63,6 +63,7 @@ ParamGroup<P> additions()
                      "Off: as the numbers that are stored."),
         number("maxRows", &P::maxRows)
             .range(0, 2147483647)
+            .lowMeans("all rows")
             .unit("rows")
             .label("Rows to read")
             .meaning("Reads only this number of rows of each file; 0: all."),

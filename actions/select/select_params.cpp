@@ -13,6 +13,7 @@ const ParamTable<SelectParams> &selectParamTable()
             .meaning("Number of the first row of the output; rows count from 1."),
         number("lastRow", &P::lastRow)
             .range(-1, std::numeric_limits<qint64>::max())
+            .lowMeans("the last row of the table")
             .label("Last row")
             .meaning("Number of the last row of the output; -1: the last row of the table. The "
                      "input is read no further."),

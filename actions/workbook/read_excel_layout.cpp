@@ -1,6 +1,5 @@
 #include "actions/workbook/read_excel_layout.h"
 
-#include "actions/shared/panels/text_fields.h"
 #include "panels/fill/auto_fill.h"
 #include "panels/preview/preview.h"
 
@@ -19,7 +18,7 @@ PanelLayout readExcelLayout()
          {"range", "skipRows", "firstLineContainsColumnNames", "emptyRows"}},
         {QT_TRANSLATE_NOOP("Panels", "Values"),
          {"allText",
-          {"scanRows", shared::rowLimitField},
+          "scanRows",
           "sampleOnly",
           "dates",
           "errorCells",

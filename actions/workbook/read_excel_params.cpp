@@ -75,6 +75,7 @@ ParamGroup<P> values()
             .meaning("Reads all columns as texts. Off: the cells decide the types."),
         number("scanRows", &P::scanRows)
             .range(0, 1048576)
+            .lowMeans("all rows")
             .unit("rows")
             .ignoredWhen("allText", {QStringLiteral("1")})
             .label("Rows that decide types")

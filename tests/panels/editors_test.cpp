@@ -8,6 +8,7 @@
 #include "tests/panels/panel_keys.h"
 #include "tests/panels/panel_support.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -124,11 +125,36 @@ TEST(Editors, ANumberHasItsRangeAndUnit)
     box->selectAll();
     QTest::keyClicks(box, u"1200"_s);
     EXPECT_EQ(editor.last(), u"120"_s) << "1200 is out of range";
-    const Editor limit(
-        info, [](const FieldContext &context) { return new NumberEditor(context, u"all rows"_s); });
-    EXPECT_EQ(limit.find<QSpinBox>()->text(), u"all rows"_s);
-    QTest::keyClick(limit.find<QSpinBox>(), Qt::Key_Up);
-    EXPECT_EQ(limit.last(), u"1"_s);
+}
+
+TEST(Editors, ASpecialNumberIsShownAsItsMeaning)
+{
+    ParameterInfo info = infoOf(Type::Integer);
+    info.low = -1;
+    info.lowMeaning = u"no limit"_s;
+    const Editor editor = editorOf(info);
+    editor->showValue(u"-1"_s);
+    auto *const box = editor.find<QSpinBox>();
+    EXPECT_EQ(box->text(), u"no limit"_s);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(box)->text(QAccessible::Value), u"no limit"_s);
+    box->selectAll();
+    QTest::keyClicks(box, u"7"_s);
+    EXPECT_EQ(editor.last(), u"7"_s);
+    box->selectAll();
+    QTest::keyClicks(box, u"-1"_s);
+    EXPECT_EQ(editor.last(), u"-1"_s);
+    EXPECT_EQ(shownValue(info, u"-1"_s), u"no limit"_s) << "in tool tips";
+    // A number that is too great for a spin box.
+    info.high = std::numeric_limits<qint64>::max();
+    const Editor line = editorOf(info);
+    line->showValue(u"-1"_s);
+    auto *const text = line.find<QLineEdit>();
+    EXPECT_EQ(text->text(), QString());
+    EXPECT_EQ(text->placeholderText(), u"no limit"_s);
+    QTest::keyClicks(text, u"7"_s);
+    EXPECT_EQ(line.last(), u"7"_s);
+    QTest::keyClick(text, Qt::Key_Backspace);
+    EXPECT_EQ(line.last(), u"-1"_s);
 }
 
 TEST(Editors, TheWheelChangesOnlyTheFieldWithTheFocus)

@@ -25,7 +25,7 @@ public:
         for (const ParameterInfo &info : infos) {
             print(info.label.isEmpty() ? info.name : info.label);
             for (const QString &text :
-                 QStringList{info.meaning} + info.choices + info.explanations) {
+                 QStringList{info.meaning, info.lowMeaning} + info.choices + info.explanations) {
                 print(text);
             }
             printUnit(info.unit);

@@ -134,11 +134,6 @@ FieldEditor *readLineEndField(const FieldContext &context)
     return new ChoiceEditor(context, kReadLineEnds);
 }
 
-FieldEditor *rowLimitField(const FieldContext &context)
-{
-    return new NumberEditor(context, QCoreApplication::translate("Panels", "all rows"));
-}
-
 FieldEditor *typeLettersField(const FieldContext &context)
 {
     return new LineEditor(context,

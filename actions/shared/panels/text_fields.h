@@ -23,8 +23,6 @@ FieldEditor *decimalSignField(const FieldContext &context);
 FieldEditor *quoteField(const FieldContext &context);
 /// What happens to lines of another length.
 FieldEditor *raggedField(const FieldContext &context);
-/// A number of rows of which the smallest value means all.
-FieldEditor *rowLimitField(const FieldContext &context);
 /// One type for each column, as letters.
 FieldEditor *typeLettersField(const FieldContext &context);
 /// Columns with their types, their kinds, or their new names, which are typed in place.

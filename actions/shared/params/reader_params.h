@@ -39,6 +39,7 @@ template <class P> Param<P> timeOut()
     return number<P>("timeOut", &P::timeOut)
         .role(ParameterInfo::Role::RetryTime)
         .range(-1, 86400)
+        .lowMeans("no limit")
         .unit("seconds")
         .label("Retry for")
         .meaning("How long reading a file is retried while it cannot be read; -1: without limit.");

@@ -6,6 +6,8 @@
 #pragma once
 #include "corvanta/params/param_table.h"
 
+#include <limits>
+
 namespace corvanta::shared {
 
 /// Off, both columns are written; some readers then show only one of them.
@@ -29,11 +31,12 @@ template <class P> Param<P> createDir()
 template <class P> Param<P> lockTimeOut()
 {
     return number<P>("timeOut", &P::timeOut)
+        .range(-1, std::numeric_limits<int>::max())
+        .lowMeans("no limit")
         .unit("seconds")
         .label("Wait for other programs")
         .meaning(
-            "How long the action waits while another program writes to the file. Negative: without "
-            "a limit.");
+            "How long the action waits while another program writes to the file; -1: without limit.");
 }
 
 // The selection of rows. Some graphs save the three lines in another order, so that each has its

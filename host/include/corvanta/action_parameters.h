@@ -48,6 +48,7 @@ struct ParameterInfo
     bool saveAlways = false;
     bool isMultiLine = false; ///< a Text that may hold line feeds
     qint64 low = 0;           ///< smallest value of an Integer
+    QString lowMeaning;       ///< what `low` means instead of an amount, "no limit"; empty: nothing
     qint64 high = 0;          ///< greatest value of an Integer
     /// A Text that is a whole number from `low` to `high` once its variables are replaced.
     bool isNumberText = false;

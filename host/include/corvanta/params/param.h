@@ -61,6 +61,12 @@ public:
         m_info.high = high;
         return std::move(*this);
     }
+    /// What the smallest number means instead of an amount, for forms: "no limit".
+    Param &&lowMeans(const char *text) &&
+    {
+        m_info.lowMeaning = QString::fromUtf8(text);
+        return std::move(*this);
+    }
     /// A text that holds a whole number within these bounds, usually because it may contain
     /// variables. Only checks use the bounds; the action reads the text. Implies expanded().
     Param &&wholeNumber(qint64 low, qint64 high) &&
