@@ -155,6 +155,12 @@ QString shownValue(const ParameterInfo &info, const QString &value)
                           : QCoreApplication::translate("Panels", "\u201c%1\u201d").arg(text);
 }
 
+bool isNarrow(const QWidget &form, int width)
+{
+    constexpr int characters = 64; // about 380 pixels
+    return width < form.fontMetrics().averageCharWidth() * characters;
+}
+
 QString captionOf(const QString &label)
 {
     // Languages differ in the space before a colon.

@@ -111,6 +111,8 @@ QString unitText(const QString &unit, int count);
 /// A value as texts show it: the text of a choice, on and off, or what a number means. `info` is
 /// translated.
 QString shownValue(const ParameterInfo &info, const QString &value);
+/// Whether labels belong above the fields of a form that is `width` pixels wide.
+bool isNarrow(const QWidget &form, int width);
 /// The label before a field, with a colon unless it is a sentence.
 QString captionOf(const QString &label);
 /// The tool tip of a field: the name of the attribute, its meaning and its default.

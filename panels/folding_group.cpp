@@ -29,25 +29,31 @@ QFrame *makeRule()
     return rule;
 }
 
+/// Wide editors and long labels need the whole width.
+bool canBeLeft(const QLabel *label, const FieldEditor &editor)
+{
+    return label != nullptr && !editor.isWide() && label->text().size() <= kMaxLabelCharacters;
+}
+
 } // namespace
 
 FoldingGroup::FoldingGroup(const QString &title, QWidget *parent)
     : QWidget(parent)
+    , m_headingRow(new QHBoxLayout)
     , m_heading(new QToolButton)
     , m_status(new NoteLabel)
     , m_content(new QWidget)
     , m_grid(new QGridLayout(m_content))
 {
     auto *const column = new QVBoxLayout(this);
-    auto *const row = new QHBoxLayout;
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(2);
     column->addWidget(makeRule());
-    column->addLayout(row);
+    column->addLayout(m_headingRow);
     column->addWidget(m_content);
-    row->addWidget(m_heading, 0, Qt::AlignLeft);
-    row->addWidget(m_status, 1);
-    row->addStretch(0);
+    m_headingRow->addWidget(m_heading, 0, Qt::AlignLeft);
+    m_headingRow->addWidget(m_status, 1);
+    m_headingRow->addStretch(0);
     m_grid->setContentsMargins(kIndent, 2, 0, 8);
     m_grid->setColumnStretch(1, 1);
     m_grid->setHorizontalSpacing(10);
@@ -68,43 +74,91 @@ FoldingGroup::FoldingGroup(const QString &title, QWidget *parent)
 void FoldingGroup::addField(QLabel *label, FieldEditor *editor, NoteLabel *note,
                             QAbstractButton *reset)
 {
-    int row = m_grid->rowCount();
-    m_grid->addWidget(reset, row, 2, Qt::AlignTop);
     // No field changes its size when the button appears.
     QSizePolicy policy = reset->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     reset->setSizePolicy(policy);
-    // A check box shows its label itself and needs the whole width, as lists do.
-    if (label == nullptr) {
-        m_grid->addWidget(editor, row, 0, 1, 2, Qt::AlignVCenter);
-        m_grid->addWidget(note, row + 1, 0, 1, 2);
-    } else if (hasLabelAbove(*label, *editor)) {
-        m_grid->addWidget(label, row++, 0, 1, 2);
-        m_grid->addWidget(editor, row, 0, 1, 3);
-        m_grid->addWidget(note, row + 1, 0, 1, 2);
-    } else {
-        // On one line with the text of the control.
-        label->setMinimumHeight(editor->focusProxy()->sizeHint().height());
-        m_grid->addWidget(label, row, 0, Qt::AlignTop);
-        m_grid->addWidget(editor, row, 1);
-        m_grid->addWidget(note, row + 1, 1);
-    }
+    m_fields.push_back({label, editor, note, reset, m_grid->rowCount()});
+    place(m_fields.back(), 0);
 }
 
-/// A long label next to a field would make the fields of the whole group narrow.
-bool FoldingGroup::hasLabelAbove(const QLabel &label, const FieldEditor &editor)
+void FoldingGroup::place(const Field &field, int labelWidth)
 {
-    return editor.isWide() || label.text().size() > kMaxLabelCharacters;
+    const auto &[label, editor, note, reset, row] = field;
+    const bool isLeft = labelWidth > 0 && canBeLeft(label, *editor);
+    const bool isAbove = label != nullptr && !isLeft;
+    for (QWidget *const widget : std::initializer_list<QWidget *>{label, editor, note, reset}) {
+        if (widget != nullptr) {
+            m_grid->removeWidget(widget);
+        }
+    }
+    // Tab follows the order of these calls, and the button may be above the editor.
+    m_grid->addWidget(reset, isAbove ? row : row + 1, 2, Qt::AlignTop);
+    // A check box shows its label itself and needs the whole width, as lists do.
+    const int column = isLeft ? 1 : 0;
+    m_grid->addWidget(editor, row + 1, column, 1, (isAbove ? 3 : 2) - column,
+                      label == nullptr ? Qt::AlignVCenter : Qt::Alignment());
+    m_grid->addWidget(note, row + 2, column, 1, 2 - column);
+    if (isAbove) {
+        label->setMinimumSize(0, 0);
+        label->setMaximumWidth(QWIDGETSIZE_MAX);
+        m_grid->addWidget(label, row, 0, 1, 2, Qt::AlignBottom);
+    } else if (isLeft) {
+        // On one line with the text of the control.
+        label->setMinimumHeight(editor->focusProxy()->sizeHint().height());
+        label->setFixedWidth(labelWidth);
+        m_grid->addWidget(label, row + 1, 0, Qt::AlignTop);
+    }
 }
 
 void FoldingGroup::addWidget(QWidget *widget)
 {
+    m_widgets.push_back(widget);
     m_grid->addWidget(widget, m_grid->rowCount(), 0, 1, 3);
 }
 
 void FoldingGroup::setLabelWidth(int width)
 {
     m_grid->setColumnMinimumWidth(0, width);
+    for (const Field &field : m_fields) {
+        place(field, width);
+    }
+}
+
+int FoldingGroup::longestLabel() const
+{
+    int width = 0;
+    for (const Field &field : m_fields) {
+        if (canBeLeft(field.label, *field.editor)) {
+            // A text is wrapped when it is a fraction of a pixel wider than the label.
+            const QFontMetrics metrics = field.label->fontMetrics();
+            width =
+                qMax(width, metrics.size(Qt::TextShowMnemonic, field.label->text()).width() + 1);
+        }
+    }
+    return width;
+}
+
+int FoldingGroup::minimumWidth(int labelWidth) const
+{
+    const int gap = m_grid->horizontalSpacing();
+    int width = 0;
+    for (const QWidget *const widget : m_widgets) {
+        width = qMax(width, widget->minimumSizeHint().width());
+    }
+    for (const auto &[label, editor, note, reset, row] : m_fields) {
+        const bool isLeft = labelWidth > 0 && canBeLeft(label, *editor);
+        const int room = gap + reset->sizeHint().width();
+        int own = editor->minimumSizeHint().width();
+        if (isLeft) {
+            own += labelWidth + gap + room;
+        } else {
+            own =
+                label == nullptr ? own + room : qMax(own, label->minimumSizeHint().width() + room);
+        }
+        width = qMax(width, own);
+    }
+    return qMax(m_headingRow->minimumSize().width(), kIndent + width);
 }
 
 void FoldingGroup::setFolded(bool isFolded)

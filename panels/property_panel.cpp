@@ -36,7 +36,7 @@ namespace {
 using Type = ParameterInfo::Type;
 
 constexpr int kPanelWidth = 460;            // preferred, in pixels
-constexpr int kMaxLineCharacters = 24;      // longer labels are wrapped
+constexpr int kLabelShare = 3;              // labels have at most a third of the width
 constexpr int kMaxConditionCharacters = 80; // of the values in a remark
 constexpr int kMaxDefaultCharacters = 40;   // in a menu
 constexpr int kValidationDelayMs = 200;
@@ -108,7 +108,7 @@ PropertyPanel::PropertyPanel(QWidget *parent, ActionItem *action, const PanelLay
     connect(help, &QShortcut::activated, this, [this] { this->action()->showHelp(); });
     // Text that is typed into one field without leaving it is one step.
     connect(qApp, &QApplication::focusChanged, this, [this] { m_series = 0; });
-    alignLabels();
+    arrangeLabels(kPanelWidth);
     updateMinimumWidth();
     m_scroll->widget()->installEventFilter(this);
     refresh();
@@ -161,10 +161,7 @@ void PropertyPanel::addGroup(const PanelGroup &group, Mnemonics &mnemonics)
     const QString title = QCoreApplication::translate("Panels", group.title);
     m_groups.push_back(new FoldingGroup(mnemonics.assign(title), this));
     const size_t index = m_groups.size() - 1;
-    m_groups.back()->setToggled([this, index] {
-        updateStatus(index);
-        updateMinimumWidth();
-    });
+    m_groups.back()->setToggled([this, index] { updateStatus(index); });
     if (group.extra != nullptr) {
         m_extras.push_back(group.extra(this));
         m_groups.back()->addWidget(m_extras.back());
@@ -231,35 +228,42 @@ void PropertyPanel::addReset(Row &row, size_t position)
     }
 }
 
-/// The same width in all groups, so that the fields of the panel are aligned.
-void PropertyPanel::alignLabels()
+/// One width in all groups, so that the fields of the panel are aligned.
+void PropertyPanel::arrangeLabels(int panelWidth)
 {
-    const int limit = fontMetrics().averageCharWidth() * kMaxLineCharacters;
     int width = 0;
-    // Long labels are wrapped at the limit; short ones decide the width otherwise.
-    for (const Row &row : m_rows) {
-        if (row.label != nullptr && !FoldingGroup::hasLabelAbove(*row.label, *row.editor)) {
-            row.label->setWordWrap(false); // for its natural width
-            // A text is wrapped when it is a fraction of a pixel wider than the label.
-            width = qMax(width, qMin(limit, row.label->sizeHint().width() + 1));
-            row.label->setWordWrap(true);
-        }
+    for (const FoldingGroup *const group : m_groups) {
+        width = qMax(width, group->longestLabel());
     }
-    for (const Row &row : m_rows) {
-        if (row.label != nullptr && !FoldingGroup::hasLabelAbove(*row.label, *row.editor)) {
-            row.label->setFixedWidth(width);
-        }
+    width = qMin(width, panelWidth / kLabelShare);
+    const bool isLeft = !isNarrow(*this, panelWidth) && panelWidth >= widthWithLabels(width);
+    const int arranged = isLeft ? width : 0;
+    if (arranged == m_labelWidth) {
+        return;
     }
+    m_labelWidth = arranged;
     for (FoldingGroup *const group : m_groups) {
-        group->setLabelWidth(width);
+        group->setLabelWidth(arranged);
     }
 }
 
-/// The fields do not scroll sideways, so the panel is never narrower than they are.
+int PropertyPanel::widthWithLabels(int labelWidth) const
+{
+    int width = 0;
+    for (const FoldingGroup *const group : m_groups) {
+        width = qMax(width, group->minimumWidth(labelWidth));
+    }
+    const QMargins margins = layout()->contentsMargins();
+    return width + kScrollBarGap + style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
+           margins.left() + margins.right();
+}
+
+/// The fields do not scroll sideways, so the panel is never narrower than they are below their
+/// labels.
 void PropertyPanel::updateMinimumWidth()
 {
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    m_scroll->setMinimumWidth(m_scroll->widget()->minimumSizeHint().width() + bar);
+    const QMargins margins = layout()->contentsMargins();
+    m_scroll->setMinimumWidth(widthWithLabels(0) - margins.left() - margins.right());
 }
 
 QSize PropertyPanel::sizeHint() const
@@ -300,11 +304,17 @@ void PropertyPanel::changeEvent(QEvent *event)
 {
     UpdateClassWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        alignLabels();
         updateMinimumWidth();
+        arrangeLabels(width());
     } else if (event->type() == QEvent::PaletteChange) {
         updatePalette();
     }
+}
+
+void PropertyPanel::resizeEvent(QResizeEvent *event)
+{
+    UpdateClassWidget::resizeEvent(event);
+    arrangeLabels(width());
 }
 
 /// The fields know their widths when they have been shown.
@@ -312,6 +322,7 @@ bool PropertyPanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::LayoutRequest) {
         updateMinimumWidth();
+        arrangeLabels(width());
     }
     return UpdateClassWidget::eventFilter(watched, event);
 }

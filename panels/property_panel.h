@@ -49,6 +49,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -75,8 +76,10 @@ private:
     void addField(const PanelField &field, Mnemonics &mnemonics);
     /// Make the action and the button that set the default, and the context menu with the action.
     void addReset(Row &row, size_t position);
-    /// Give all labels the same width.
-    void alignLabels();
+    /// Put the labels where a panel of this width has room for them.
+    void arrangeLabels(int panelWidth);
+    /// Of the panel in pixels, if labels have `labelWidth`; see FoldingGroup::setLabelWidth().
+    int widthWithLabels(int labelWidth) const;
     /// Make the texts of disabled fields readable in the palette of the panel.
     void updatePalette();
     /// Keep the panel as wide as its fields need: it scrolls only vertically.
@@ -110,6 +113,7 @@ private:
     std::vector<FoldingGroup *> m_groups;
     std::vector<Row> m_rows; // in the order of the panel
     std::vector<PanelExtra *> m_extras;
+    int m_labelWidth = 0; // see FoldingGroup::setLabelWidth()
     QTimer m_validation;
     Worker m_worker;
     QVector<ParameterProblem> m_problems; // that the last check has found

@@ -46,7 +46,6 @@ StructureEditor::StructureEditor(const FieldContext &context, Lists lists, const
     m_tree->setFixedHeight(fontMetrics().lineSpacing() * kVisibleRows + 2 * m_tree->frameWidth());
     m_tree->installEventFilter(this); // for the keys
     setMainControl(m_tree);
-    m_form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     auto *const buttons = new QVBoxLayout;
     auto *const top = new QHBoxLayout;
     m_column->setContentsMargins(0, 0, 0, 0);
@@ -83,6 +82,14 @@ StructureEditor::~StructureEditor()
 {
     // The tree is destroyed after this object, and clears itself then.
     m_tree->disconnect(this);
+}
+
+/// The labels of the members are where those of the panel are.
+void StructureEditor::resizeEvent(QResizeEvent *event)
+{
+    FieldEditor::resizeEvent(event);
+    m_form->setRowWrapPolicy(isNarrow(*this, width()) ? QFormLayout::WrapAllRows
+                                                      : QFormLayout::WrapLongRows);
 }
 
 // ---- The elements

@@ -83,6 +83,7 @@ protected:
 
     void setValue(const QString &value) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     /// A field and the label before or above it.

@@ -14,6 +14,15 @@ using namespace Qt::StringLiterals;
 
 namespace panels {
 
+std::vector<std::string> testedTypes()
+{
+    std::vector<std::string> types;
+    for (const QString &type : moduleTypes()) {
+        types.push_back(type.toStdString());
+    }
+    return types;
+}
+
 Panel shown(const Action &action)
 {
     Panel panel(action->createPanel(nullptr));

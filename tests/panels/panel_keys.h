@@ -4,6 +4,8 @@
 
 namespace panels {
 
+/// The types of all actions, as parameters of tests.
+std::vector<std::string> testedTypes();
 /// A panel that is on the screen, with all groups shown.
 Panel shown(const Action &action);
 /// Make the conditions of a parameter true.

@@ -107,6 +107,15 @@ QByteArray example(const QString &type)
          "<writeReport template='bar.pptx' output='sales_2026.pptx' nPinIn='1'><Chart type='0' "
          "name='data'><axis pinIdx='0'>country</axis><axis pinIdx='0'>amount</axis></Chart>"
          "</writeReport>"},
+        {u"select"_s, "<select><columns><s>country</s><s>amount</s></columns>"
+                      "<rename><s>amount=total</s></rename></select>"},
+        {u"filter"_s, "<filter where='amount &gt; 10 and city is not null'/>"},
+        {u"sort"_s, "<sort><keys><s>-amount</s><s>country</s></keys></sort>"},
+        {u"cast"_s, "<cast onError='1'><types><s>amount=F</s></types></cast>"},
+        {u"join"_s, "<join type='1'><keys><s>city=name</s></keys></join>"},
+        {u"union"_s, "<union match='0' lastColumn='_FileNames'/>"},
+        {u"mergeFiles"_s, "<mergeFiles fileName='month.parquet'><parts><s>day-*.parquet</s></parts>"
+                          "</mergeFiles>"},
     };
     return examples.value(type, '<' + type.toLatin1() + "/>");
 }
@@ -118,6 +127,16 @@ void unfold(const QWidget &panel)
             heading->click();
         }
     }
+}
+
+std::string nameOf(const QWidget *widget)
+{
+    const QWidget *named = widget;
+    while (named != nullptr && named->objectName().isEmpty()) {
+        named = named->parentWidget();
+    }
+    return std::string(widget->metaObject()->className()) + " in " +
+           (named == nullptr ? std::string() : named->objectName().toStdString());
 }
 
 void setInputColumns(const QStringList &names)

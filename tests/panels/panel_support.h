@@ -33,6 +33,9 @@ QByteArray example(const QString &type);
 /// Show the fields of all groups.
 void unfold(const QWidget &panel);
 
+/// The class of a widget and the name of the field that it is in, for messages.
+std::string nameOf(const QWidget *widget);
+
 /// Let every panel see these columns on all input pins; none: unknown.
 void setInputColumns(const QStringList &names);
 

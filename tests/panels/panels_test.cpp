@@ -13,17 +13,13 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDirIterator>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
-#include <QScrollArea>
 #include <QScrollBar>
 #include <QStyleFactory>
-#include <QStyleOption>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -33,6 +29,7 @@ using namespace Qt::StringLiterals;
 using namespace corvanta;
 using panels::Action;
 using panels::enterValue;
+using panels::nameOf;
 using panels::Panel;
 using panels::satisfy;
 using panels::shown;
@@ -67,89 +64,6 @@ QList<QWidget *> controlsOf(const QWidget &panel)
         return isPart || (widget->focusPolicy() & Qt::TabFocus) == 0;
     });
     return controls;
-}
-
-std::string nameOf(const QWidget *widget)
-{
-    const QWidget *named = widget;
-    while (named != nullptr && named->objectName().isEmpty()) {
-        named = named->parentWidget();
-    }
-    return std::string(widget->metaObject()->className()) + " in " +
-           (named == nullptr ? std::string() : named->objectName().toStdString());
-}
-
-/// Whether the text of the current choice is in the box, or in the remark below it.
-bool showsItsChoice(const QComboBox &box)
-{
-    QStyleOptionComboBox option;
-    option.initFrom(&box);
-    const int room =
-        box.style()
-            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box)
-            .width();
-    const auto *const remark = box.parentWidget()->findChild<QLabel *>();
-    return box.fontMetrics().horizontalAdvance(box.currentText()) <= room ||
-           (remark != nullptr && remark->isVisible() &&
-            remark->text().startsWith(box.currentText()));
-}
-
-/// Whether all text of a label or button is inside it.
-bool showsItsText(const QWidget *widget)
-{
-    if (const auto *const label = qobject_cast<const QLabel *>(widget)) {
-        const int height = label->wordWrap() ? label->heightForWidth(label->width())
-                                             : label->minimumSizeHint().height();
-        return label->height() >= height &&
-               (label->wordWrap() || label->width() >= label->minimumSizeHint().width());
-    }
-    if (const auto *const box = qobject_cast<const QComboBox *>(widget);
-        box != nullptr && !box->isEditable()) {
-        return showsItsChoice(*box);
-    }
-    if (qobject_cast<const QAbstractButton *>(widget) != nullptr ||
-        qobject_cast<const QAbstractSpinBox *>(widget) != nullptr) {
-        return widget->width() >= widget->minimumSizeHint().width() &&
-               widget->height() >= widget->minimumSizeHint().height();
-    }
-    return true;
-}
-
-/// What cannot be read, for a message.
-QStringList unreadable(const QWidget &panel)
-{
-    QStringList found;
-    for (const QWidget *const widget : panel.findChildren<QWidget *>()) {
-        const bool isPart = qobject_cast<const QLineEdit *>(widget->parentWidget()) != nullptr;
-        if (!widget->isVisible() || isPart || widget->inherits("QComboBoxPrivateContainer")) {
-            continue;
-        }
-        if (!showsItsText(widget)) {
-            found << QString::fromStdString(nameOf(widget)) + u" is cut"_s;
-        }
-        const auto siblings =
-            widget->parentWidget()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
-        const bool isLaidOut = widget->parentWidget()->layout() != nullptr;
-        for (const QWidget *const other : siblings) {
-            if (isLaidOut && other != widget && other->isVisible() && !other->isWindow() &&
-                other->geometry().intersects(widget->geometry())) {
-                found << QString::fromStdString(nameOf(widget) + " overlaps " + nameOf(other));
-            }
-        }
-    }
-    return found;
-}
-
-/// The layout may still change, because problems arrive from another thread.
-void expectReadable(const QWidget &panel)
-{
-    QElapsedTimer timer;
-    timer.start();
-    constexpr int limitMs = 3000;
-    while (!unreadable(panel).isEmpty() && timer.elapsed() < limitMs) {
-        QTest::qWait(20);
-    }
-    EXPECT_EQ(unreadable(panel), QStringList());
 }
 
 QStringList graphFiles()
@@ -251,36 +165,6 @@ TEST_P(Panels, OpensQuicklyAndFitsOnTheScreen)
     QApplication::processEvents();
     EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, kMaxSeconds);
     EXPECT_LE(panel->sizeHint().height(), 700);
-    EXPECT_LE(panel->minimumSizeHint().width(), 500);
-}
-
-TEST_P(Panels, ComesToRestInAWindow)
-{
-    /// Counts the layouts of a panel's content.
-    class Counter final : public QObject
-    {
-    public:
-        int requests = 0;
-
-    protected:
-        bool eventFilter(QObject *watched, QEvent *event) override
-        {
-            requests += static_cast<int>(event->type() == QEvent::LayoutRequest);
-            return QObject::eventFilter(watched, event);
-        }
-    };
-    const Action action = panels::fromXml(panels::example(type()));
-    QWidget window;
-    auto *const column = new QVBoxLayout(&window);
-    UpdateClassWidget *const panel = action->createPanel(&window);
-    column->addWidget(panel);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    QTest::qWait(100); // problems arrive
-    Counter counter;
-    panel->installEventFilter(&counter);
-    QTest::qWait(50);
-    EXPECT_LE(counter.requests, 5);
 }
 
 TEST_P(Panels, EveryControlHasANameAndADescription)
@@ -306,49 +190,6 @@ TEST_P(Panels, EveryControlHasANameAndADescription)
     }
 }
 
-TEST_P(Panels, NothingIsCutOrOverlaps)
-{
-    const Action action = panels::fromXml(panels::example(type()));
-    const QFont normal = QApplication::font();
-    for (const bool isFrench : {false, true}) {
-        const auto french = isFrench ? std::make_unique<panels::French>() : nullptr;
-        for (const double scale : {1.0, 1.5, 2.0}) {
-            QFont font = normal;
-            font.setPointSizeF(normal.pointSizeF() * scale);
-            QApplication::setFont(font);
-            const Panel panel = shown(action);
-            QApplication::processEvents();
-            QApplication::sendPostedEvents(); // a preview may have changed the layout
-            SCOPED_TRACE(scale);
-            SCOPED_TRACE(isFrench ? "French" : "English");
-            expectReadable(*panel);
-            const auto *const scroll = panel->findChild<QScrollArea *>();
-            EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
-        }
-    }
-    QApplication::setFont(normal);
-}
-
-TEST(Controls, BoxesAndIconsGrowWithTheFont)
-{
-    const QFont normal = QApplication::font();
-    const auto sizes = [] {
-        const Action action = panels::fromXml("<readExcel/>");
-        const Panel panel = shown(action);
-        const auto *const box = panel->findChild<QCheckBox *>();
-        const auto *const heading = panel->findChild<QToolButton *>(u"heading"_s);
-        return std::pair{box->style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, box),
-                         heading->iconSize().width()};
-    };
-    const auto [box, icon] = sizes();
-    QFont font = normal;
-    font.setPointSizeF(normal.pointSizeF() * 2);
-    QApplication::setFont(font);
-    EXPECT_GE(sizes().first, box * 3 / 2);
-    EXPECT_GE(sizes().second, icon * 3 / 2);
-    QApplication::setFont(normal);
-}
-
 TEST_P(Panels, TabVisitsTheFieldsFromTopToBottom)
 {
     const Action action = panels::fromXml(panels::example(type()));
@@ -367,13 +208,7 @@ TEST_P(Panels, TabVisitsTheFieldsFromTopToBottom)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Panels, testing::ValuesIn([] {
-                             std::vector<std::string> types;
-                             for (const QString &type : panels::moduleTypes()) {
-                                 types.push_back(type.toStdString());
-                             }
-                             return types;
-                         }()),
+INSTANTIATE_TEST_SUITE_P(All, Panels, testing::ValuesIn(panels::testedTypes()),
                          [](const auto &info) { return info.param; });
 
 TEST(PanelEdits, AnInvalidValueIsRejectedAndExplained)

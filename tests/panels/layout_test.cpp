@@ -1,0 +1,294 @@
+// Where the controls of a panel are: people can read everything at any width, size of the font and
+// language.
+#include "panels/field_editor.h"
+#include "tests/panels/panel_keys.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QStyleOption>
+#include <QTest>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+using panels::Action;
+using panels::nameOf;
+using panels::Panel;
+using panels::shown;
+
+namespace {
+
+class PanelLayouts : public testing::TestWithParam<std::string>
+{
+protected:
+    PanelLayouts()
+        : action(panels::fromXml(panels::example(QString::fromStdString(GetParam()))))
+    {
+    }
+    ~PanelLayouts() override { QApplication::setFont(m_font); }
+
+    void setScale(double scale)
+    {
+        QFont font = m_font;
+        font.setPointSizeF(m_font.pointSizeF() * scale);
+        QApplication::setFont(font);
+    }
+
+    const Action action;
+
+private:
+    const QFont m_font = QApplication::font();
+};
+
+/// Whether the text of the current choice is in the box, or in the remark below it.
+bool showsItsChoice(const QComboBox &box)
+{
+    QStyleOptionComboBox option;
+    option.initFrom(&box);
+    const int room =
+        box.style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box)
+            .width();
+    const auto *const remark = box.parentWidget()->findChild<QLabel *>();
+    return box.fontMetrics().horizontalAdvance(box.currentText()) <= room ||
+           (remark != nullptr && remark->isVisible() &&
+            remark->text().startsWith(box.currentText()));
+}
+
+/// Lines are not broken inside words. Notes may have long ones, such as file names.
+bool showsItsWords(const QLabel &label)
+{
+    const QStringList words = label.buddy() == nullptr ? QStringList() : label.text().split(u' ');
+    return std::all_of(words.begin(), words.end(), [&label](const QString &word) {
+        return label.fontMetrics().size(Qt::TextShowMnemonic, word).width() <= label.width();
+    });
+}
+
+/// Whether all text of a label or button is inside it.
+bool showsItsText(const QWidget *widget)
+{
+    if (const auto *const label = qobject_cast<const QLabel *>(widget)) {
+        const int height = label->wordWrap() ? label->heightForWidth(label->width())
+                                             : label->minimumSizeHint().height();
+        return label->height() >= height && showsItsWords(*label) &&
+               (label->wordWrap() || label->width() >= label->minimumSizeHint().width());
+    }
+    if (const auto *const box = qobject_cast<const QComboBox *>(widget);
+        box != nullptr && !box->isEditable()) {
+        return showsItsChoice(*box);
+    }
+    if (qobject_cast<const QAbstractButton *>(widget) != nullptr ||
+        qobject_cast<const QAbstractSpinBox *>(widget) != nullptr) {
+        return widget->width() >= widget->minimumSizeHint().width() &&
+               widget->height() >= widget->minimumSizeHint().height();
+    }
+    return true;
+}
+
+/// What cannot be read, for a message.
+QStringList unreadable(const QWidget &panel)
+{
+    QStringList found;
+    for (const QWidget *const widget : panel.findChildren<QWidget *>()) {
+        const bool isPart = qobject_cast<const QLineEdit *>(widget->parentWidget()) != nullptr;
+        if (!widget->isVisible() || isPart || widget->inherits("QComboBoxPrivateContainer")) {
+            continue;
+        }
+        if (!showsItsText(widget)) {
+            found << QString::fromStdString(nameOf(widget)) + u" is cut"_s;
+        }
+        const auto siblings =
+            widget->parentWidget()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+        const bool isLaidOut = widget->parentWidget()->layout() != nullptr;
+        for (const QWidget *const other : siblings) {
+            if (isLaidOut && other != widget && other->isVisible() && !other->isWindow() &&
+                other->geometry().intersects(widget->geometry())) {
+                found << QString::fromStdString(nameOf(widget) + " overlaps " + nameOf(other));
+            }
+        }
+    }
+    return found;
+}
+
+/// The layout may still change, because problems arrive from another thread.
+void expectReadable(const QWidget &panel)
+{
+    QElapsedTimer timer;
+    timer.start();
+    constexpr int limitMs = 3000;
+    while (!unreadable(panel).isEmpty() && timer.elapsed() < limitMs) {
+        QTest::qWait(20);
+    }
+    EXPECT_EQ(unreadable(panel), QStringList());
+}
+
+/// The fields of the parameters, without those of their members.
+QList<FieldEditor *> fieldsOf(const QWidget &panel)
+{
+    QList<FieldEditor *> fields;
+    for (QWidget *const widget : panel.findChildren<QWidget *>()) {
+        QWidget *parent = widget->parentWidget();
+        while (parent != &panel && dynamic_cast<FieldEditor *>(parent) == nullptr) {
+            parent = parent->parentWidget();
+        }
+        if (auto *const field = dynamic_cast<FieldEditor *>(widget);
+            field != nullptr && parent == &panel) {
+            fields << field;
+        }
+    }
+    return fields;
+}
+
+/// In pixels, next to the buttons of its field. Numbers and check boxes are as wide as they need.
+int minimumControlWidth(const QWidget &control)
+{
+    const bool isNarrow = qobject_cast<const QAbstractSpinBox *>(&control) != nullptr ||
+                          qobject_cast<const QCheckBox *>(&control) != nullptr;
+    return isNarrow ? 0 : 160;
+}
+
+/// Whether a label can be left of a field.
+bool hasNarrowField(const QWidget &panel)
+{
+    const QList<FieldEditor *> fields = fieldsOf(panel);
+    return std::any_of(fields.begin(), fields.end(), [](const FieldEditor *field) {
+        return !field->isWide() && !field->showsLabel();
+    });
+}
+
+} // namespace
+
+TEST_P(PanelLayouts, ComesToRestInAWindow)
+{
+    /// Counts the layouts of a panel's content.
+    class Counter final : public QObject
+    {
+    public:
+        int requests = 0;
+
+    protected:
+        bool eventFilter(QObject *watched, QEvent *event) override
+        {
+            requests += static_cast<int>(event->type() == QEvent::LayoutRequest);
+            return QObject::eventFilter(watched, event);
+        }
+    };
+    QWidget window;
+    auto *const column = new QVBoxLayout(&window);
+    UpdateClassWidget *const panel = action->createPanel(&window);
+    column->addWidget(panel);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::qWait(100); // problems arrive
+    Counter counter;
+    panel->installEventFilter(&counter);
+    QTest::qWait(50);
+    EXPECT_LE(counter.requests, 5);
+}
+
+TEST_P(PanelLayouts, NothingIsCutOrOverlaps)
+{
+    for (const bool isFrench : {false, true}) {
+        const auto french = isFrench ? std::make_unique<panels::French>() : nullptr;
+        for (const double scale : {1.0, 1.5, 2.0}) {
+            setScale(scale);
+            const Panel panel = shown(action);
+            SCOPED_TRACE(scale);
+            SCOPED_TRACE(isFrench ? "French" : "English");
+            // As wide as the panel likes to be, wider, in a dock, and as narrow as it can be.
+            for (const int width : {panel->width(), 800, 340, 0}) {
+                panel->resize(width, panel->height());
+                QApplication::processEvents();
+                QApplication::sendPostedEvents(); // a preview may have changed the layout
+                SCOPED_TRACE(panel->width());
+                expectReadable(*panel);
+                const auto *const scroll = panel->findChild<QScrollArea *>();
+                EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
+            }
+        }
+    }
+}
+
+TEST_P(PanelLayouts, FieldsOfANarrowPanelHaveMostOfItsWidth)
+{
+    // The titles of a table are not cut.
+    const bool hasTable =
+        GetParam() == "readJSON" || GetParam() == "readXML" || GetParam() == "writeDocTable";
+    for (const bool isFrench : {false, true}) {
+        const auto french = isFrench ? std::make_unique<panels::French>() : nullptr;
+        const Panel panel = shown(action);
+        EXPECT_LE(panel->minimumSizeHint().width(), hasTable ? 620 : 320) << "the editor's dock";
+        for (const int width : {320, 340, 360}) {
+            panel->resize(width, panel->height());
+            QApplication::processEvents();
+            for (const FieldEditor *const field : fieldsOf(*panel)) {
+                EXPECT_GE(field->width(), panel->width() * 6 / 10) << nameOf(field);
+                EXPECT_GE(field->focusProxy()->width(), minimumControlWidth(*field->focusProxy()))
+                    << nameOf(field);
+            }
+        }
+    }
+}
+
+TEST_P(PanelLayouts, LabelsAreLeftOfFieldsWhereThereIsRoom)
+{
+    const Panel panel = shown(action);
+    const auto leftLabels = [&panel](int width) {
+        panel->resize(width, panel->height());
+        QApplication::processEvents();
+        const QList<FieldEditor *> fields = fieldsOf(*panel);
+        QStringList names;
+        for (const QLabel *const label : panel->findChildren<QLabel *>()) {
+            const auto field =
+                std::find_if(fields.begin(), fields.end(), [label](const FieldEditor *each) {
+                    return !each->showsLabel() && each->focusProxy() == label->buddy();
+                });
+            if (field == fields.end()) {
+                continue;
+            }
+            const int end = label->mapTo(panel.get(), QPoint(label->width(), 0)).x();
+            if (end <= (*field)->mapTo(panel.get(), QPoint()).x()) {
+                names << (*field)->objectName();
+                EXPECT_LE(label->width(), panel->width() / 3) << names.last().toStdString();
+            }
+        }
+        return names;
+    };
+    const QStringList names = leftLabels(460);
+    EXPECT_EQ(names.isEmpty(), !hasNarrowField(*panel));
+    EXPECT_TRUE(leftLabels(340).isEmpty() || panel->width() > 380);
+    EXPECT_EQ(leftLabels(460), names) << "the width decides, not what it was before";
+}
+
+TEST(Controls, BoxesAndIconsGrowWithTheFont)
+{
+    const QFont normal = QApplication::font();
+    const auto sizes = [] {
+        const Action action = panels::fromXml("<readExcel/>");
+        const Panel panel = shown(action);
+        const auto *const box = panel->findChild<QCheckBox *>();
+        const auto *const heading = panel->findChild<QToolButton *>(u"heading"_s);
+        return std::pair{box->style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, box),
+                         heading->iconSize().width()};
+    };
+    const auto [box, icon] = sizes();
+    QFont font = normal;
+    font.setPointSizeF(normal.pointSizeF() * 2);
+    QApplication::setFont(font);
+    EXPECT_GE(sizes().first, box * 3 / 2);
+    EXPECT_GE(sizes().second, icon * 3 / 2);
+    QApplication::setFont(normal);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PanelLayouts, testing::ValuesIn(panels::testedTypes()),
+                         [](const auto &info) { return info.param; });
