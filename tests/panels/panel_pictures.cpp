@@ -1,7 +1,8 @@
 // Draws the panel of every action in light and dark colours: panel_pictures FOLDER [TYPE...]
 //
 // The pictures are for docs/pictures, and for people who change a panel. With --unfolded all groups
-// are shown, with --scale N at N percent of the font size, with --language fr in French.
+// are shown, with --scale N at N percent of the font size, with --width N in a dock of N pixels,
+// with --language fr in French.
 #include "corvanta/edit/translation.h"
 #include "tests/panels/panel_support.h"
 
@@ -23,6 +24,15 @@ namespace {
 /// The panels look files up in the background.
 constexpr int kCheckMs = 150;
 constexpr int kUnfoldedHeight = 2000; // of the picture, in pixels
+
+/// Give the panel the size that it likes to have, as far as the options leave it.
+void resizePanel(QWidget *panel, const QCommandLineParser &options)
+{
+    const QSize size = panel->sizeHint();
+    const int width = options.value(u"width"_s).toInt();
+    panel->resize(width == 0 ? size.width() : width,
+                  options.isSet(u"unfolded"_s) ? kUnfoldedHeight : size.height());
+}
 
 /// Make the input files of the action, so that the picture shows no missing ones. A name of a
 /// template of this project gives a copy of it.
@@ -54,16 +64,12 @@ bool draw(const QString &type, panels::Colors colors, const QCommandLineParser &
     const panels::Panel panel(action->createPanel(nullptr));
     if (options.isSet(u"unfolded"_s)) {
         panels::unfold(*panel);
-        panel->resize(panel->sizeHint().width(), kUnfoldedHeight);
-    } else {
-        panel->adjustSize();
-        panel->resize(panel->sizeHint());
     }
+    panel->adjustSize();
+    resizePanel(panel.get(), options);
     panel->show();
     QTest::qWait(kCheckMs);
-    // With the problems.
-    const QSize size = panel->sizeHint();
-    panel->resize(options.isSet(u"unfolded"_s) ? QSize(size.width(), kUnfoldedHeight) : size);
+    resizePanel(panel.get(), options); // with the problems
     QApplication::processEvents();
     const QString suffix = colors == panels::Colors::Light ? u"light"_s : u"dark"_s;
     const QString name = u"%1_%2.png"_s.arg(type, suffix);
@@ -85,6 +91,7 @@ int main(int argc, char **argv)
     QCommandLineParser options;
     options.addOptions({{u"unfolded"_s, u"Show all groups."_s},
                         {u"language"_s, u"Language of the panels."_s, u"code"_s, u"en"_s},
+                        {u"width"_s, u"Width of the panels in pixels."_s, u"pixels"_s, u"0"_s},
                         {u"scale"_s, u"Size of the font in percent."_s, u"percent"_s, u"100"_s}});
     options.process(application);
     QFont font(u"DejaVu Sans"_s);
