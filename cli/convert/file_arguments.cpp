@@ -316,8 +316,12 @@ CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QS
         return badUsage(u"%1: cannot read the list '%2': %3"_s.arg(
             option, fileName, isFolder ? u"it is a folder"_s : file.errorString()));
     }
-    constexpr qint64 kMaxBytes = 1LL << 30;
-    const QByteArray bytes = file.read(kMaxBytes);
+    constexpr qint64 kMaxBytes = 256LL << 20; // millions of names
+    const QByteArray bytes = file.read(kMaxBytes + 1);
+    if (bytes.size() > kMaxBytes) {
+        return badUsage(
+            u"%1: the list '%2' is larger than 256 MiB; use several"_s.arg(option, fileName));
+    }
     if (bytes.contains('\0')) {
         return badUsage(u"%1: '%2' is not a list of file names (it has a zero byte); a list is a "
                         "text with one name per line"_s.arg(option, fileName));
