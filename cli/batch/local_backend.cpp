@@ -114,8 +114,10 @@ public:
         const QString list = m_plan.file(u"tasks.txt"_s);
         QFile file(list);
         static_cast<void>(file.open(QIODevice::WriteOnly)); // parallel reports a missing file
+        // Whole commands: in words of its own command line, parallel would replace {}, {.} and {#}.
+        const QByteArray script = "/bin/sh " + shellWord(m_plan.file(u"job.sh"_s)).toUtf8() + ' ';
         for (const qsizetype task : tasks) {
-            file.write(QByteArray::number(task) + '\n');
+            file.write(script + QByteArray::number(task) + '\n');
         }
         file.close();
         // The journal says what is done, also after a change of the graph; this log cannot.
@@ -126,7 +128,7 @@ public:
         words +=
             m_plan.maxRunning > 0 ? QStringList(u"-j%1"_s.arg(m_plan.maxRunning)) : QStringList();
         words += m_plan.backendOptions;
-        words << u"-a"_s << list << u"/bin/sh"_s << shellWord(m_plan.file(u"job.sh"_s)) << u"{}"_s;
+        words << u"-a"_s << list;
         m_processes.push_back(startQuietly(u"parallel"_s, words));
         return {};
     }

@@ -35,6 +35,12 @@ QString rangesOf(const QVector<qsizetype> &tasks)
     return ranges.join(u',');
 }
 
+/// The option for a file of sbatch. A percent sign begins a pattern there.
+QString outputOption(const BatchPlan &plan, const QString &pattern)
+{
+    return u"--output="_s + plan.file(u"logs/"_s).replace(u'%', "%%"_L1) + pattern;
+}
+
 class SlurmBackend final : public Backend
 {
 public:
@@ -79,9 +85,9 @@ CommandResult<void> SlurmBackend::start(const QVector<qsizetype> &tasks, BatchPl
     m_tasks = tasks;
     const QString limit =
         m_plan.maxRunning > 0 ? u'%' + QString::number(m_plan.maxRunning) : QString();
-    const auto job = submit({u"--array="_s + rangesOf(tasks) + limit,
-                             u"--output="_s + m_plan.file(u"logs/slurm-%a.out"_s)},
-                            u"job.sh"_s);
+    const auto job =
+        submit({u"--array="_s + rangesOf(tasks) + limit, outputOption(m_plan, u"slurm-%a.out"_s)},
+               u"job.sh"_s);
     if (!job) {
         return job.fault();
     }
@@ -89,7 +95,7 @@ CommandResult<void> SlurmBackend::start(const QVector<qsizetype> &tasks, BatchPl
     if (!m_plan.merged.isEmpty()) {
         const auto merge =
             submit({u"--dependency=afterok:"_s + *job, u"--kill-on-invalid-dep=yes"_s,
-                    u"--output="_s + m_plan.file(u"logs/slurm-merge.out"_s)},
+                    outputOption(m_plan, u"slurm-merge.out"_s)},
                    u"merge.sh"_s);
         if (!merge) {
             cancel();
