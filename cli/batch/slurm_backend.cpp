@@ -61,7 +61,7 @@ private:
     void warnAboutHeld(const QString &queue);
 
     BatchPlan m_plan;
-    QVector<qsizetype> m_tasks;
+    QVector<qsizetype> m_tasks; // without those at the front that have ended
     QElapsedTimer m_sinceQuery;
     bool m_wasQueued = true;
     bool m_hasWarned = false;
@@ -83,6 +83,7 @@ CommandResult<QString> SlurmBackend::submit(const QStringList &words, const QStr
 CommandResult<void> SlurmBackend::start(const QVector<qsizetype> &tasks, BatchPlan *plan)
 {
     m_tasks = tasks;
+    m_sinceQuery.invalidate(); // it was about an earlier job
     const QString limit =
         m_plan.maxRunning > 0 ? u'%' + QString::number(m_plan.maxRunning) : QString();
     const auto job =
@@ -139,13 +140,14 @@ void SlurmBackend::warnAboutHeld(const QString &queue)
     }
 }
 
-/// The tasks leave their status before Slurm forgets the job.
+/// The tasks leave their status before Slurm forgets the job. One file is looked up per call, not
+/// those of all tasks: the folder is on a file server.
 bool SlurmBackend::isRunning()
 {
-    const bool haveEnded = std::ranges::all_of(m_tasks, [&](qsizetype task) {
-        return m_plan.statusOf(QString::number(task)).has_value();
-    });
-    if (haveEnded && (m_plan.mergeJob.isEmpty() || m_plan.statusOf(u"merge"_s))) {
+    while (!m_tasks.isEmpty() && m_plan.statusOf(QString::number(m_tasks.first()))) {
+        m_tasks.removeFirst();
+    }
+    if (m_tasks.isEmpty() && (m_plan.mergeJob.isEmpty() || m_plan.statusOf(u"merge"_s))) {
         return false;
     }
     return isQueued();
