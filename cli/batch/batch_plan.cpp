@@ -2,6 +2,7 @@
 #include "cli/batch/batch_plan.h"
 
 #include "base/mapped.h"
+#include "cli/merge/merge_action.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -195,21 +196,36 @@ exit "$status"
 }
 
 /// A merge needs one file per input, whose name is known before the run, and a file of its own.
-CommandResult<void> checkMerge(const BatchGraph &graph, const QString &merged)
+CommandResult<void> checkMerge(const CommandLine &line, const BatchGraph &graph,
+                               const QString &merged)
 {
-    const QStringList outputs = graph.outputsOf(graph.inputs.first());
-    if (outputs.size() != 1 || outputs[0].contains(u'*')) {
+    const QStringList ofFirst = graph.outputsOf(graph.inputs.first());
+    if (ofFirst.size() != 1 || ofFirst[0].contains(u'*')) {
         return badUsage(
             u"--merge needs a graph that writes one file per input; this one writes %1"_s.arg(
-                outputs.isEmpty() ? u"none"_s : outputs.join(u", "_s)));
+                ofFirst.isEmpty() ? u"none"_s : ofFirst.join(u", "_s)));
     }
+    const QStringList outputs = graph.outputs();
     const auto isMerged = [&](const InputFile &input) { return input.file.name == merged; };
-    if (std::ranges::any_of(graph.inputs, isMerged) || graph.outputs().contains(merged)) {
+    if (std::ranges::any_of(graph.inputs, isMerged) || outputs.contains(merged)) {
         return badUsage(
             u"--merge: the file '%1' is an input of the batch, or the output of a run"_s.arg(
                 merged));
     }
-    return {};
+    const QString folder = QFileInfo(merged).path();
+    if (!QFileInfo(folder).isDir() && folder != graph.loaded->absoluteOutDir()) {
+        return badUsage(u"--merge: there is no folder '%1'"_s.arg(folder));
+    }
+    // Their names become the lines of a list.
+    const auto broken = std::ranges::find_if(
+        outputs, [](const QString &name) { return name.contains(u'\n') || name.endsWith(u'\r'); });
+    if (broken != outputs.end()) {
+        return badUsage(u"--merge: the name '%1' has a line break"_s.arg(*broken));
+    }
+    CommandLine merge = line;
+    merge.arguments = {merged};
+    const auto action = makeMerge(merge, outputs, graph.loaded->registry);
+    return action ? CommandResult<void>() : action.fault();
 }
 
 } // namespace
@@ -260,7 +276,7 @@ CommandResult<BatchPlan> BatchPlan::of(const CommandLine &line, const BatchGraph
     if (line.values.contains(u"--merge"_s)) {
         plan.merged = absolute(line.value(u"--merge"_s, {}));
         plan.mergeOptions = mergeOptionsOf(line);
-        if (const auto merge = checkMerge(graph, plan.merged); !merge) {
+        if (const auto merge = checkMerge(line, graph, plan.merged); !merge) {
             return merge.fault();
         }
     }

@@ -4,6 +4,7 @@
 #include "cli/convert/file_arguments.h"
 #include "cli/convert/pipeline.h"
 #include "cli/file_types.h"
+#include "cli/merge/merge_action.h"
 #include "cli/merge/part_list.h"
 #include "cli/merge/workbook_merge.h"
 #include "cli/session.h"
@@ -22,41 +23,6 @@ constexpr OptionInfo kMergeOptions[] = {
     {"--union", "", "join columns by name; a missing one is empty"},
     {"--no-clobber", "", "fail if OUTPUT exists"},
 };
-
-/// "NAME=" of the parameter for the file that actions of the type write.
-QString fileSetting(const ActionRegistry &registry, const QString &type)
-{
-    const auto action = makeAction(registry, type, {});
-    for (const ParameterInfo &info : action
-                                         ? dynamic_cast<ActionParameters &>(**action).parameters()
-                                         : QVector<ParameterInfo>()) {
-        if (info.file == ParameterInfo::File::Output) {
-            return info.name + u'=';
-        }
-    }
-    return {};
-}
-
-/// The action that joins the parts. The fault is a usage error.
-CommandResult<std::unique_ptr<ActionItem>>
-makeMerge(const CommandLine &line, const QStringList &parts, const ActionRegistry &registry)
-{
-    const QString type = u"mergeFiles"_s;
-    QStringList settings = settingsOf(u"parts"_s, parts);
-    if (line.has(u"--union"_s)) {
-        settings << u"byName=1"_s;
-    }
-    settings << fileSetting(registry, type) + line.arguments.first();
-    auto action = makeAction(registry, type, settings);
-    if (!action) {
-        return action;
-    }
-    const auto problems = dynamic_cast<ActionParameters &>(**action).problems();
-    if (!problems.isEmpty()) {
-        return badUsage(problems.first().text + u"; a workbook (xlsx) gets a sheet per part"_s);
-    }
-    return action;
-}
 
 /// Run the action, and count the rows that it joins.
 CommandResult<void> runMerge(ActionItem &merge, const ActionRegistry &registry, Session *session)
@@ -119,20 +85,14 @@ CommandResult<void> mergeCommand(const CommandLine &line)
     }
     ActionRegistry registry;
     registry.loadAll();
-    const auto output = outputFile(line, line.arguments.first(), registry);
-    if (!output) {
-        return output.fault();
-    }
-    const bool isWorkbook = output->extension == "xlsx"_L1;
-    auto merge = isWorkbook ? CommandResult<std::unique_ptr<ActionItem>>(nullptr)
-                            : makeMerge(line, *parts, registry);
+    const auto merge = makeMerge(line, *parts, registry);
     if (!merge) {
         return merge.fault();
     }
     if (auto checked = checkClobber(line, line.arguments.first()); !checked) {
         return checked;
     }
-    if (isWorkbook) {
+    if (*merge == nullptr) {
         return mergeToWorkbook(line, *parts, registry, session->get());
     }
     auto *const facts = dynamic_cast<FileFacts *>(merge->get());

@@ -1,0 +1,69 @@
+#include "cli/merge/merge_action.h"
+
+#include "cli/convert/file_arguments.h"
+#include "cli/file_types.h"
+
+using namespace Qt::StringLiterals;
+using namespace corvanta;
+
+namespace {
+
+/// "NAME=" of the parameter for the file that actions of the type write.
+QString fileSetting(const ActionRegistry &registry, const QString &type)
+{
+    const auto action = makeAction(registry, type, {});
+    for (const ParameterInfo &info : action
+                                         ? dynamic_cast<ActionParameters &>(**action).parameters()
+                                         : QVector<ParameterInfo>()) {
+        if (info.file == ParameterInfo::File::Output) {
+            return info.name + u'=';
+        }
+    }
+    return {};
+}
+
+/// A sheet is written from what a reader of the part's format reads.
+CommandResult<void> checkReaders(const CommandLine &line, const QStringList &parts,
+                                 const ActionRegistry &registry)
+{
+    for (const QString &part : parts) {
+        const auto file = inputFile(line, part, registry);
+        const auto reader = file ? makeFileAction(registry, FileFormat::Read, *file, {})
+                                 : CommandResult<std::unique_ptr<ActionItem>>(file.fault());
+        if (!reader) {
+            return reader.fault();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+CommandResult<std::unique_ptr<ActionItem>>
+makeMerge(const CommandLine &line, const QStringList &parts, const ActionRegistry &registry)
+{
+    const QString &output = line.arguments.first();
+    const auto file = outputFile(line, output, registry);
+    if (!file) {
+        return file.fault();
+    }
+    if (file->extension == "xlsx"_L1) {
+        const auto readers = checkReaders(line, parts, registry);
+        return readers ? CommandResult<std::unique_ptr<ActionItem>>(nullptr) : readers.fault();
+    }
+    const QString type = u"mergeFiles"_s;
+    QStringList settings = settingsOf(u"parts"_s, parts);
+    if (line.has(u"--union"_s)) {
+        settings << u"byName=1"_s;
+    }
+    settings << fileSetting(registry, type) + output;
+    auto action = makeAction(registry, type, settings);
+    if (!action) {
+        return action;
+    }
+    const auto problems = dynamic_cast<ActionParameters &>(**action).problems();
+    if (!problems.isEmpty()) {
+        return badUsage(problems.first().text + u"; a workbook (xlsx) gets a sheet per part"_s);
+    }
+    return action;
+}
