@@ -9,7 +9,6 @@
 #include "corvanta/main_ui.h"
 
 #include <QCryptographicHash>
-#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -190,7 +189,6 @@ ExitStatus InputRuns::runInput(InputFile input)
     entry.status = status;
     entry.rows = result.rows;
     entry.error = result.firstError.trimmed();
-    entry.time = QDateTime::currentMSecsSinceEpoch();
     for (const QString &name : result.files) {
         FileState file{name};
         file.examine();

@@ -168,8 +168,7 @@ QString keyOf(const QString &name, const QJsonObject &run)
 
 } // namespace
 
-/// Of entries of one time, which a clock that was set back can make, the one that is read last
-/// counts.
+/// Of entries of one time the one that is read last counts.
 void addEntries(const QVector<JournalEntry> &entries, LastEntries *last)
 {
     for (const JournalEntry &entry : entries) {
@@ -260,20 +259,29 @@ CommandResult<void> Journal::open(const Shard &shard)
     return {};
 }
 
+/// Later than all entries of the input, also after the clock was set back: the last one counts.
+qint64 Journal::timeNow(const JournalEntry &entry) const
+{
+    const auto last = m_last.find(keyOf(entry.input.name, entry.run));
+    return std::max(QDateTime::currentMSecsSinceEpoch(),
+                    last == m_last.end() ? 0 : last->second.time + 1);
+}
+
 /// Written before the run: an input that ends the program, as one that takes all memory, is known
 /// afterwards.
 bool Journal::begin(JournalEntry entry)
 {
     entry.status = kFailed;
     entry.error = u"the program ended during the run of this input"_s;
-    entry.time = QDateTime::currentMSecsSinceEpoch();
+    entry.time = timeNow(entry);
     QFile running(m_running);
     return running.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) &&
            running.write(entry.line()) > 0;
 }
 
-bool Journal::add(const JournalEntry &entry)
+bool Journal::add(JournalEntry entry)
 {
+    entry.time = timeNow(entry);
     QFile file(m_file);
     if (!file.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered)) {
         return false;

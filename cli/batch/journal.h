@@ -104,12 +104,14 @@ public:
     CommandResult<void> open(const Shard &shard);
     /// Note that the run of `entry.input` begins. Returns false if the file cannot be written.
     bool begin(JournalEntry entry);
-    /// Add a line. The same.
-    bool add(const JournalEntry &entry);
+    /// Add a line, with the time. The same.
+    bool add(JournalEntry entry);
     /// The shard has ended, and not during a run.
     void close();
 
 private:
+    qint64 timeNow(const JournalEntry &entry) const;
+
     QString m_folder;
     QString m_file;    // of the shard; empty: not open
     QString m_running; // of the shard
