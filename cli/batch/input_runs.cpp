@@ -48,17 +48,37 @@ LoadedGraph::Variables joined(LoadedGraph::Variables variables, const LoadedGrap
     return variables;
 }
 
+/// Names in which links to folders are resolved: by two of them, a run would replace its own input.
+class RealNames
+{
+public:
+    QString of(const QString &name)
+    {
+        const QFileInfo file(name);
+        const auto [folder, isNew] = m_folders.try_emplace(file.path(), file.path());
+        if (const QString real = isNew ? QFileInfo(file.path()).canonicalFilePath() : QString();
+            !real.isEmpty()) {
+            folder->second = real;
+        }
+        return folder->second + u'/' + file.fileName();
+    }
+
+private:
+    std::unordered_map<QString, QString> m_folders; // by name
+};
+
 /// Two inputs that share a file would replace each other's result, in whatever order they run.
 CommandResult<void> checkOutputs(const BatchGraph &graph)
 {
     std::unordered_map<QString, const InputFile *> owners; // by output
     std::unordered_map<QString, const InputFile *> inputs; // by name
+    RealNames real;
     for (const InputFile &input : graph.inputs) {
-        inputs.emplace(input.file.name, &input);
+        inputs.emplace(real.of(input.file.name), &input);
     }
     for (const InputFile &input : graph.inputs) {
         for (const QString &output : graph.outputsOf(input)) {
-            if (const auto [owner, isNew] = owners.emplace(output, &input); !isNew) {
+            if (const auto [owner, isNew] = owners.emplace(real.of(output), &input); !isNew) {
                 return badUsage(
                     u"the runs of '%1' and '%2' would both write '%3'; its name must depend on "
                     "${input}, ${inputStem} or ${inputIndex}%4"_s.arg(
@@ -66,9 +86,9 @@ CommandResult<void> checkOutputs(const BatchGraph &graph)
                         input.piece ? u", and for pieces on ${inputIndex} or ${inputPart}"_s
                                     : QString()));
             }
-            if (const auto read = inputs.find(output); read != inputs.end()) {
+            if (const auto read = inputs.find(real.of(output)); read != inputs.end()) {
                 return badUsage(u"the run of '%1' would replace the input '%2'"_s.arg(
-                    input.file.name, read->first));
+                    input.file.name, read->second->file.name));
             }
         }
     }
