@@ -283,6 +283,9 @@ CommandResult<BatchGraph> BatchGraph::load(const CommandLine &line, Loader loade
         return loaded.fault();
     }
     BatchGraph graph(*std::move(inputs), *std::move(loaded));
+    if (const QString encoding = line.value(u"--system-encoding"_s, {}); !encoding.isEmpty()) {
+        graph.m_identity.common.insert(u"systemEncoding"_s, encoding);
+    }
     if (!graph.loaded->isValid) {
         return graph;
     }
