@@ -6,6 +6,7 @@
 #include "base/counted.h"
 #include "base/mapped.h"
 #include "cli/batch/backend.h"
+#include "cli/batch/batch_inputs.h"
 #include "cli/batch/batch_state.h"
 #include "cli/commands.h"
 #include "cli/session.h"
@@ -391,15 +392,40 @@ QJsonObject failureJson(const BatchFailure &failure)
             {u"command"_s, failure.command}};
 }
 
-/// Prints the state of the batch in a folder. An input that does not exist any longer counts as not
-/// done.
+/// The inputs of a batch as they are now: one that has changed, or is gone, is not done.
+CommandResult<QVector<InputFile>> presentInputs(const BatchPlan &plan)
+{
+    auto inputs = inputsOfBatch(plan.folder);
+    if (inputs) {
+        for (InputFile &input : *inputs) {
+            input.file = input.file.now();
+        }
+    }
+    return inputs;
+}
+
+/// Of the files of --merge: waiting, done or failed; empty without the option.
+QString mergeState(const BatchPlan &plan)
+{
+    const auto status = plan.statusOf(u"merge"_s);
+    return plan.merged.isEmpty() ? QString()
+           : !status             ? u"waiting"_s
+           : *status == kDone    ? u"done"_s
+                                 : u"failed"_s;
+}
+
+/// Prints the state of the batch in a folder.
 CommandResult<void> printStatus(const CommandLine &line)
 {
     const auto plan = BatchPlan::read(line.arguments[0]);
     if (!plan) {
         return plan.fault();
     }
-    BatchState state(*plan, plan->inputFiles());
+    const auto inputs = presentInputs(*plan);
+    if (!inputs) {
+        return inputs.fault();
+    }
+    BatchState state(*plan, *inputs);
     state.update();
     const BatchCounts counts = state.counts();
     const bool runs = isRunning(*plan);
@@ -413,13 +439,15 @@ CommandResult<void> printStatus(const CommandLine &line)
                                  {u"running"_s, runs},
                                  {u"backend"_s, plan->backend},
                                  {u"job"_s, plan->job},
+                                 {u"merge"_s, mergeState(*plan)},
                                  {u"failures"_s, mapped<QJsonArray>(failures, failureJson)}};
         std::fputs(QJsonDocument(object).toJson().constData(), stdout);
         return {};
     }
     const QString job = plan->job.isEmpty() ? QString() : u", Slurm job "_s + plan->job;
-    std::printf("%s (%s%s)\n", qPrintable(countsText(counts)), runs ? "running" : "not running",
-                qPrintable(job));
+    const QString merge = mergeState(*plan);
+    std::printf("%s (%s%s%s)\n", qPrintable(countsText(counts)), runs ? "running" : "not running",
+                qPrintable(job), qPrintable(merge.isEmpty() ? merge : u", merge "_s + merge));
     if (!failures.isEmpty()) {
         std::fputs(failureTable(failures).constData(), stdout);
     }

@@ -2,6 +2,7 @@
 #include "cli/batch/batch_plan.h"
 
 #include "base/mapped.h"
+#include "cli/batch/batch_inputs.h"
 #include "cli/merge/merge_action.h"
 
 #include <QCoreApplication>
@@ -77,7 +78,7 @@ QStringList commonOptionsOf(const CommandLine &line)
 QStringList runOptionsOf(const CommandLine &line)
 {
     QStringList words = commonOptionsOf(line);
-    words += wordsOf(line, {u"--split-rows"_s, u"--set"_s, u"--compression"_s});
+    words += wordsOf(line, {u"--set"_s, u"--compression"_s});
     if (const QString outDir = line.value(u"--out-dir"_s, {}); !outDir.isEmpty()) {
         words << u"--out-dir"_s << absolute(outDir);
     }
@@ -94,19 +95,6 @@ QStringList mergeOptionsOf(const CommandLine &line)
 QString shellCommand(const QStringList &words)
 {
     return mapped<QStringList>(words, shellWord).join(u' ');
-}
-
-/// The pieces of inputs, for batch.json.
-QJsonArray piecesOf(const QVector<InputFile> &inputs)
-{
-    QJsonArray pieces;
-    for (const InputFile &input : inputs) {
-        if (input.piece) {
-            pieces << QJsonArray{input.piece->firstRow, input.piece->rowCount, input.piece->part,
-                                 input.piece->fileRows};
-        }
-    }
-    return pieces;
 }
 
 /// Replaced in one step, because tasks of an earlier attempt may still read the file.
@@ -135,7 +123,7 @@ QByteArray jobScript(const BatchPlan &plan)
                       u"--name"_s,
                       plan.graphFile,
                       u"--inputs"_s,
-                      plan.file(u"inputs.txt"_s),
+                      plan.folder,
                       u"--journal"_s,
                       plan.journal,
                       u"--balance"_s,
@@ -264,7 +252,6 @@ CommandResult<BatchPlan> BatchPlan::of(const CommandLine &line, const BatchGraph
     plan.maxRunning = *maxRunning;
     plan.retries = *retries;
     plan.inputs = graph.inputs.size();
-    plan.pieces = piecesOf(graph.inputs);
     plan.tasks = (plan.inputs + *perTask - 1) / *perTask;
     plan.folder = absolute(line.value(
         u"--folder"_s, QDir(graph.loaded->absoluteOutDir())
@@ -298,7 +285,6 @@ CommandResult<BatchPlan> BatchPlan::read(const QString &folder)
     plan.journal = object[u"journal"].toString();
     plan.merged = object[u"merge"].toString();
     plan.inputs = object[u"inputs"].toInteger();
-    plan.pieces = object[u"pieces"].toArray();
     plan.tasks = object[u"tasks"].toInteger();
     plan.job = object[u"job"].toString();
     plan.mergeJob = object[u"mergeJob"].toString();
@@ -326,26 +312,6 @@ std::optional<int> BatchPlan::statusOf(const QString &task) const
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
-/// The first piece of a file has the number 1.
-QVector<InputFile> BatchPlan::inputFiles() const
-{
-    QVector<InputFile> files = listedInputs(file(u"inputs.txt"_s));
-    if (pieces.isEmpty()) {
-        return files;
-    }
-    QVector<InputFile> all;
-    all.reserve(pieces.size());
-    qsizetype fileNumber = -1;
-    for (const auto &value : pieces) {
-        const QJsonArray numbers = value.toArray();
-        const InputPiece piece{numbers[0].toInteger(), numbers[1].toInteger(), numbers[2].toInt(),
-                               numbers[3].toInteger()};
-        fileNumber += piece.part == 1 ? 1 : 0;
-        all << InputFile{files.value(fileNumber).file, all.size() + 1, piece};
-    }
-    return all;
-}
-
 /// With as many shards as inputs, each shard is one input.
 QString BatchPlan::commandFor(qsizetype input) const
 {
@@ -353,7 +319,7 @@ QString BatchPlan::commandFor(qsizetype input) const
                       u"run"_s,
                       graphFile,
                       u"--inputs"_s,
-                      file(u"inputs.txt"_s),
+                      folder,
                       u"--shard"_s,
                       u"%1/%2"_s.arg(QString::number(input), QString::number(inputs)),
                       u"--journal"_s,
@@ -365,27 +331,28 @@ QString BatchPlan::commandFor(qsizetype input) const
 CommandResult<void> BatchPlan::writeFiles(const BatchGraph &graph) const
 {
     QDir(file(u"status"_s)).removeRecursively();
-    for (const QString &name : {u"status"_s, u"logs"_s}) {
-        if (!QDir().mkpath(file(name))) {
-            return Fault{kFailed, u"cannot create the folder '%1'"_s.arg(file(name))};
+    for (const QString &name : {file(u"status"_s), file(u"logs"_s), journal}) {
+        if (!QDir().mkpath(name)) {
+            return Fault{kFailed, u"cannot create the folder '%1'"_s.arg(name)};
+        }
+        if (!QFileInfo(name).isWritable()) {
+            return Fault{kFailed, u"cannot write to the folder '%1'"_s.arg(name)};
         }
     }
     QFile original(graphFile);
     if (!original.open(QIODevice::ReadOnly)) {
         return Fault{kFailed, u"cannot read '%1': %2"_s.arg(graphFile, original.errorString())};
     }
-    const auto nameOf = [](const InputFile &input) { return input.file.name; };
-    QStringList names = mapped<QStringList>(graph.inputs, nameOf);
-    names.removeDuplicates(); // of pieces
-    std::vector<std::pair<QString, QByteArray>> files{{u"graph"_s, original.readAll()},
-                                                      {u"inputs.txt"_s, linesOf(names)},
-                                                      {u"job.sh"_s, jobScript(*this)}};
+    std::vector<std::pair<QString, QByteArray>> files{
+        {file(u"graph"_s), original.readAll()},
+        {inputsFileOf(folder), batchLines(graph.inputs)},
+        {file(u"job.sh"_s), jobScript(*this)}};
     if (!merged.isEmpty()) {
-        files.emplace_back(u"parts.txt"_s, linesOf(graph.outputs()));
-        files.emplace_back(u"merge.sh"_s, mergeScript(*this));
+        files.emplace_back(file(u"parts.txt"_s), linesOf(graph.outputs()));
+        files.emplace_back(file(u"merge.sh"_s), mergeScript(*this));
     }
     for (const auto &[name, content] : files) {
-        if (const auto written = writeFile(file(name), content); !written) {
+        if (const auto written = writeFile(name, content); !written) {
             return written.fault();
         }
     }
@@ -400,7 +367,6 @@ CommandResult<void> BatchPlan::save() const
                              {u"journal"_s, journal},
                              {u"merge"_s, merged},
                              {u"inputs"_s, inputs},
-                             {u"pieces"_s, pieces},
                              {u"tasks"_s, tasks},
                              {u"job"_s, job},
                              {u"mergeJob"_s, mergeJob},

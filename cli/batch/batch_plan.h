@@ -1,8 +1,8 @@
 // What a batch consists of, and its folder:
 //
-//   batch.json     the plan, the pieces of the inputs and the number of the job
+//   batch.json     the plan and the number of the job
 //   graph          a copy of the graph file: an edit does not change tasks that have not begun
-//   inputs.txt     the input files, absolute names, one per line
+//   inputs.jsonl   the inputs, see batch_inputs.h
 //   parts.txt      the files to merge, in the order of the inputs
 //   job.sh TASK    runs one task; merge.sh merges
 //   logs           one log per task, JSON lines
@@ -13,7 +13,6 @@
 #include "cli/batch/input_runs.h"
 #include "cli/batch/shard.h"
 
-#include <QJsonArray>
 #include <QJsonObject>
 
 /// The settings of a batch, as its command line has them.
@@ -25,7 +24,6 @@ struct BatchPlan
     QString journal;      ///< folder, absolute
     QString merged;       ///< absolute; empty: nothing is merged
     qsizetype inputs = 0; ///< a piece of a file counts as one
-    QJsonArray pieces;    ///< of all inputs in their order; empty: whole files
     qsizetype tasks = 0;
     int retries = 1;
     int maxRunning = 0;         ///< 0: as many as the backend likes
@@ -49,8 +47,6 @@ struct BatchPlan
     Shard shardOf(qsizetype task) const { return {task, tasks}; }
     /// The exit status of a task that has ended; of "merge", of the merge.
     std::optional<int> statusOf(const QString &task) const;
-    /// The inputs of a plan that was read; files that are gone have size and time 0.
-    QVector<InputFile> inputFiles() const;
     /// The command that runs the graph for one input only.
     QString commandFor(qsizetype input) const;
 

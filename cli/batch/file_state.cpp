@@ -8,6 +8,8 @@
 #include <chrono>
 #include <filesystem>
 
+using namespace Qt::StringLiterals;
+
 bool FileState::examine()
 {
     using namespace std::chrono;
@@ -20,4 +22,21 @@ bool FileState::examine()
     size = info.size();
     modified = duration_cast<nanoseconds>(file_clock::to_sys(time).time_since_epoch()).count();
     return true;
+}
+
+FileState FileState::now() const
+{
+    FileState state{name};
+    state.examine();
+    return state;
+}
+
+QJsonObject FileState::json() const
+{
+    return {{u"name"_s, name}, {u"size"_s, size}, {u"modified"_s, modified}};
+}
+
+FileState FileState::of(const QJsonValue &json)
+{
+    return {json[u"name"].toString(), json[u"size"].toInteger(), json[u"modified"].toInteger()};
 }

@@ -142,20 +142,6 @@ CommandResult<QVector<InputFile>> readInputs(const QString &word)
     return inputs;
 }
 
-/// A file that is gone keeps its place: the numbers of the inputs must not change.
-QVector<InputFile> listedInputs(const QString &fileName)
-{
-    QVector<InputFile> inputs;
-    if (const auto listed = namesInList(fileName, u"--inputs"_s); listed) {
-        for (const ListedName &item : *listed) {
-            InputFile input{{item.name}, inputs.size() + 1};
-            input.file.examine();
-            inputs << input;
-        }
-    }
-    return inputs;
-}
-
 CommandResult<QVector<InputFile>> inPieces(const QVector<InputFile> &inputs, const QString &rows)
 {
     bool isNumber = false;

@@ -36,9 +36,6 @@ QStringList inputVariables();
 /// and is listed once. The fault is a usage error.
 CommandResult<QVector<InputFile>> readInputs(const QString &word);
 
-/// The inputs of a list file that was checked before; files that are gone have size and time 0.
-QVector<InputFile> listedInputs(const QString &fileName);
-
 /// Each input in pieces of about `rows` rows; the indexes count the pieces. The fault is a usage
 /// error: `rows` is not a positive number, or an input cannot be divided.
 CommandResult<QVector<InputFile>> inPieces(const QVector<InputFile> &inputs, const QString &rows);

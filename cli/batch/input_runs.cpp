@@ -5,6 +5,7 @@
 #include "cli/batch/input_runs.h"
 
 #include "base/counted.h"
+#include "cli/batch/batch_inputs.h"
 #include "cli/stop_signals.h"
 #include "corvanta/main_ui.h"
 
@@ -24,7 +25,8 @@ namespace {
 constexpr OptionInfo kInputOptions[] = {
     {"--inputs", "LIST",
      "run the graph once for each file of LIST: a file with one name per line, a quoted pattern "
-     "such as 'in/*.json', or - for standard input; the variables ${input}, ${inputStem} and "
+     "such as 'in/*.json', - for standard input, or the folder of a batch; the variables ${input}, "
+     "${inputStem} and "
      "${inputIndex} hold the current one"},
     {"--split-rows", "N",
      "divide each input into pieces of about N rows, and run the graph once for each piece: its "
@@ -125,6 +127,17 @@ CommandResult<void> checkOptions(const CommandLine &line)
     return {};
 }
 
+/// Whether the file of a piece has not changed: the piece would have other rows.
+bool isAsDivided(const InputFile &input, const FileState &now)
+{
+    const bool isSame = !input.piece || input.file == now;
+    if (!isSame) {
+        MainUI::addLog(MainUI::Error, u"Error: the file has changed since it was divided into "
+                                      "pieces; start the same command again"_s);
+    }
+    return isSame;
+}
+
 /// The runs of one shard.
 class InputRuns
 {
@@ -140,7 +153,7 @@ public:
 
 private:
     QVector<InputFile> chosen(const CommandLine &line, const Shard &shard);
-    ExitStatus runInput(InputFile input);
+    ExitStatus runInput(const InputFile &input);
     ExitStatus timedRun(const InputFile &input, JournalEntry *entry);
     void addToJournal(bool isWritten);
     CommandResult<void> finished() const;
@@ -159,6 +172,10 @@ QVector<InputFile> InputRuns::chosen(const CommandLine &line, const Shard &shard
 {
     QVector<InputFile> own =
         shard.inputsOf(m_graph.inputs, line.value(u"--balance"_s, {}) == "size"_L1);
+    for (InputFile &input : own) {
+        // Those of a batch were listed at its begin. Pieces are checked before their run.
+        input.file = input.piece ? input.file : input.file.now();
+    }
     if (!line.has(u"--no-resume"_s)) {
         m_counts.skipped =
             own.removeIf([&](const InputFile &input) { return m_journal.isDone(input); });
@@ -194,14 +211,13 @@ ExitStatus InputRuns::timedRun(const InputFile &input, JournalEntry *entry)
 
 /// Runs one input between two lines of the journal. A run that a signal has ended leaves no entry:
 /// the next one repeats it.
-ExitStatus InputRuns::runInput(InputFile input)
+ExitStatus InputRuns::runInput(const InputFile &input)
 {
     m_session.beginInput(input.label());
     // Its state now: a change during the run makes the entry differ, and the input runs again.
-    input.file.examine();
-    JournalEntry entry{input.file, m_graph.identity().of(input), m_graph.graphFile()};
+    JournalEntry entry{input.file.now(), m_graph.identity().of(input), m_graph.graphFile()};
     addToJournal(m_journal.begin(entry));
-    const ExitStatus status = timedRun(input, &entry);
+    const ExitStatus status = isAsDivided(input, entry.input) ? timedRun(input, &entry) : kFailed;
     if (status != kDone && interruption()) {
         return status; // neither done nor failed
     }
@@ -210,9 +226,7 @@ ExitStatus InputRuns::runInput(InputFile input)
     entry.rows = result.rows;
     entry.error = result.firstError.trimmed();
     for (const QString &name : result.files) {
-        FileState file{name};
-        file.examine();
-        entry.files << file;
+        entry.files << FileState{name}.now();
     }
     addToJournal(m_journal.add(entry));
     return status;
@@ -267,12 +281,16 @@ CommandResult<BatchGraph> BatchGraph::load(const CommandLine &line, Loader loade
     if (const auto options = checkOptions(line); !options) {
         return options.fault();
     }
-    auto inputs = readInputs(line.value(u"--inputs"_s, QString()));
+    const QString word = line.value(u"--inputs"_s, QString());
+    const bool isOfBatch = isBatchFolder(word);
+    auto inputs = isOfBatch ? inputsOfBatch(word) : readInputs(word);
     if (!inputs) {
         return inputs.fault();
     }
-    const bool isSplit = line.values.contains(u"--split-rows"_s);
-    if (isSplit) {
+    if (line.values.contains(u"--split-rows"_s)) {
+        if (isOfBatch) {
+            return badUsage(u"--split-rows: the batch in '%1' has divided its inputs"_s.arg(word));
+        }
         inputs = inPieces(*inputs, line.value(u"--split-rows"_s, QString()));
         if (!inputs) {
             return inputs.fault();

@@ -17,6 +17,7 @@
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -26,22 +27,10 @@ namespace {
 /// The member that names the rows of a piece.
 constexpr auto kRows = "rowsOfInput"_L1;
 
-/// A file as an entry describes it; stateOf() is the reverse.
-QJsonObject stateJson(const FileState &state)
-{
-    return {{u"name"_s, state.name}, {u"size"_s, state.size}, {u"modified"_s, state.modified}};
-}
-
-FileState stateOf(const QJsonValue &value)
-{
-    return {value[u"name"].toString(), value[u"size"].toInteger(), value[u"modified"].toInteger()};
-}
-
 /// Whether the file is unchanged.
 bool isUnchanged(const FileState &state)
 {
-    FileState now{state.name};
-    return now.examine() && now == state;
+    return state.now() == state;
 }
 
 /// Whether entries exist, and all of them are of another graph: it may have been moved or changed,
@@ -77,13 +66,13 @@ bool JournalEntry::hasItsFiles() const
 
 QByteArray JournalEntry::line() const
 {
-    const QJsonObject object{{u"input"_s, stateJson(input)},
+    const QJsonObject object{{u"input"_s, input.json()},
                              {u"run"_s, run},
                              {u"graphFile"_s, graphFile},
                              {u"status"_s, status},
                              {u"rows"_s, rows},
                              {u"seconds"_s, seconds},
-                             {u"files"_s, mapped<QJsonArray>(files, stateJson)},
+                             {u"files"_s, mapped<QJsonArray>(files, std::mem_fn(&FileState::json))},
                              {u"error"_s, error},
                              {u"time"_s, time}};
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
@@ -94,13 +83,13 @@ QByteArray JournalEntry::line() const
 bool JournalEntry::parse(const QByteArray &line)
 {
     const QJsonObject object = QJsonDocument::fromJson(line).object();
-    input = stateOf(object[u"input"]);
+    input = FileState::of(object[u"input"]);
     run = object[u"run"].toObject();
     graphFile = object[u"graphFile"].toString();
     status = object[u"status"].toInt(kFailed);
     rows = object[u"rows"].toInteger();
     seconds = object[u"seconds"].toDouble();
-    files = mapped<QVector<FileState>>(object[u"files"].toArray(), stateOf);
+    files = mapped<QVector<FileState>>(object[u"files"].toArray(), &FileState::of);
     error = object[u"error"].toString();
     time = object[u"time"].toInteger();
     return !input.name.isEmpty();
