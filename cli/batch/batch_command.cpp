@@ -122,6 +122,7 @@ public:
     CommandResult<void> run();
 
 private:
+    Fault<ExitStatus> busyFault() const;
     CommandResult<void> detach() const;
     CommandResult<void> printFolder() const;
     CommandResult<void> prepare();
@@ -145,6 +146,13 @@ private:
     qsizetype m_doneBefore = 0;
 };
 
+Fault<ExitStatus> Batch::busyFault() const
+{
+    return badUsage(
+        u"the batch is running already; \"corvanta batch --status %1\" shows how far it "
+        "is"_s.arg(shellWord(m_plan.folder)));
+}
+
 CommandResult<void> Batch::check() const
 {
     const QDir folder(m_plan.folder);
@@ -158,8 +166,7 @@ CommandResult<void> Batch::check() const
                             "one with --folder"_s.arg(m_plan.folder, earlier->graphFile));
         }
         if (isRunning(*earlier)) {
-            return badUsage(u"the batch is running already; \"corvanta batch --status %1\" shows "
-                            "how far it is"_s.arg(shellWord(m_plan.folder)));
+            return busyFault();
         }
     } else if (folder.exists() && !folder.isEmpty()) {
         return badUsage(u"the folder '%1' has other files; name another one with --folder"_s.arg(
@@ -188,8 +195,19 @@ CommandResult<void> Batch::detach() const
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(log);
     process.setStandardErrorFile(log);
-    if (!QDir().mkpath(QFileInfo(log).path()) || !m_plan.save() || !process.startDetached()) {
+    const bool isSaved = QDir().mkpath(QFileInfo(log).path()) && m_plan.save();
+    const FileState before = FileState{m_plan.file(u"batch.json"_s)}.now();
+    if (!isSaved || !process.startDetached()) {
         return Fault{kFailed, u"cannot start the batch: %1"_s.arg(process.errorString())};
+    }
+    // Until the other program has the lock, --status would say that nothing runs.
+    constexpr int kTick = 10;
+    constexpr int kPatience = 60000; // milliseconds, for a long list
+    for (int i = 0; before.now() == before; i += kTick) {
+        if (i >= kPatience) {
+            return Fault{kFailed, u"the batch has not begun; its log is '%1'"_s.arg(log)};
+        }
+        QThread::msleep(kTick);
     }
     return printFolder();
 }
@@ -201,6 +219,12 @@ CommandResult<void> Batch::prepare()
     if (const auto created = m_graph.loaded->createOutDir(); !created) {
         return created.fault();
     }
+    // Another program may have begun since check().
+    if (QDir().mkpath(m_plan.folder) &&
+        m_lock.tryFile(lockOf(m_plan), platform::FileLock::IfMissing::Create) ==
+            platform::FileLock::Outcome::Held) {
+        return busyFault();
+    }
     if (m_line.has(u"--no-resume"_s)) {
         const QDir journal(m_plan.journal);
         for (const QString &name : journal.entryList({u"shard-*"_s}, QDir::Files)) {
@@ -210,7 +234,6 @@ CommandResult<void> Batch::prepare()
     if (const auto written = m_plan.writeFiles(m_graph); !written) {
         return written.fault();
     }
-    m_lock.tryFile(lockOf(m_plan), platform::FileLock::IfMissing::Create);
     m_state.update();
     m_doneBefore = m_state.counts().done;
     return {};
@@ -465,6 +488,15 @@ CommandResult<void> checkForm(const CommandLine &line)
     }
     if (!line.has(u"--status"_s) && line.arguments[0] == "-"_L1) {
         return badUsage(u"a batch needs a graph file, because its tasks read it later"_s);
+    }
+    if (line.has(u"--detach"_s) && line.value(u"--inputs"_s, {}) == "-"_L1 &&
+        line.value(u"--backend"_s, {}) != "slurm"_L1) {
+        return badUsage(u"--detach needs a list file or a pattern, because the batch reads it "
+                        "after this program has ended"_s);
+    }
+    if (!line.has(u"--status"_s) && isBatchFolder(line.value(u"--inputs"_s, {}))) {
+        return badUsage(u"--inputs: '%1' is the folder of a batch; a batch needs a list or a "
+                        "pattern"_s.arg(line.value(u"--inputs"_s, {})));
     }
     if (line.has(u"--union"_s) && !line.values.contains(u"--merge"_s)) {
         return badUsage(u"--union needs --merge"_s);
