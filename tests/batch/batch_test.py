@@ -13,7 +13,7 @@ import sys
 import time
 import unittest
 
-from batch_case import GRAPH, PIECES, BatchCase
+from batch_case import GRAPH, ODD_FOLDER, PIECES, BatchCase
 
 BatchCase.corvanta = str(pathlib.Path(sys.argv.pop(1)).resolve())
 PARALLEL = shutil.which("parallel")
@@ -65,7 +65,7 @@ class Batches(BatchCase):
         message = json.loads(pathlib.Path(file).read_text().splitlines()[int(line) - 1])
         self.assertEqual((message["message"].strip(), message["input"]), (cause, name))
         self.assertEqual(self.status(), {"inputs": 9, "done": 8, "failed": 1, "left": 0, "rows": 24, "running": False, "backend": backend, "job": "",
-                                         "failures": [{"input": name, "cause": cause, "log": log, "command": command}]})
+                                         "merge": "", "failures": [{"input": name, "cause": cause, "log": log, "command": command}]})
         self.write_inputs(9)
         for other in set(names) - {names[4]}:  # unchanged
             os.utime(self.folder / other, ns=self.times[other])
@@ -110,7 +110,7 @@ class Batches(BatchCase):
         message = json.loads(pathlib.Path(file).read_text().splitlines()[int(line) - 1])
         self.assertEqual((message["message"].strip(), message["input"]), (cause, name))
         failure = {"input": name, "cause": cause, "log": log, "command": command}
-        state = {"inputs": 5, "done": 4, "failed": 1, "left": 0, "rows": 120, "running": False, "backend": backend, "job": ""}
+        state = {"inputs": 5, "done": 4, "failed": 1, "left": 0, "rows": 120, "running": False, "backend": backend, "job": "", "merge": "waiting"}
         self.assertEqual(self.status(), {**state, "failures": [failure]})
         (self.folder / "out/b_2.csv").rmdir()
         environment = {**os.environ, "PATH": f"{os.path.dirname(self.corvanta)}:{os.environ['PATH']}"}
@@ -136,6 +136,71 @@ class Batches(BatchCase):
     @unittest.skipUnless(PARALLEL, "GNU parallel is not installed")
     def test_pieces_with_parallel(self):
         self.check_pieces("parallel")
+
+    def check_names(self, backend):
+        """Names have no special signs for what starts the tasks."""
+        outputs = self.write_odd_inputs()
+        words = ["--inputs", "in/*.csv", "--backend", backend, "--per-task", "3", "--folder", ODD_FOLDER]
+        self.call("batch", "g.graph", "--out-dir", ODD_FOLDER + "/out", *words)
+        self.assertEqual(self.outputs(ODD_FOLDER + "/out"), outputs)
+
+    def test_names(self):
+        self.check_names("local")
+        # Lists have a name per line, what they do not hold is refused; a pattern finds such a file.
+        (self.folder / "in/new\nline.csv").write_text("k,t\n8,text\n")
+        self.batch("--inputs", "in/*.csv")
+        self.assertEqual(self.outputs()["new\nline_x.csv"], b"k,t\n8,text\n")
+        self.assertIn(f"--merge: the name '{self.folder}/out/new\nline_x.csv' has a line break",
+                      self.batch("--inputs", "in/*.csv", "--merge", "all.csv", status=2).stderr)
+
+    @unittest.skipUnless(PARALLEL, "GNU parallel is not installed")
+    def test_names_with_parallel(self):
+        self.check_names("parallel")
+
+    def test_inputs_that_change(self):
+        """The tasks of a batch have the inputs of its begin: a change must not move an input to a shard that has ended."""
+        names = self.write_inputs(6)
+        self.batch("--inputs", "in/*.csv")
+        with open(self.folder / names[5], "a", encoding="utf-8") as file:
+            file.write("9,large\n" * 100)
+        self.assertEqual(self.counts("--inputs", "out/g.batch", "--journal", "j", "--balance", "size", "--shard", "1/3"), {"done": 2})
+        (self.folder / names[0]).write_text("k,t\n" + "8,larger\n" * 1000)
+        (self.folder / names[1]).unlink()
+        counts = [self.counts("--inputs", "out/g.batch", "--journal", "j", "--balance", "size", "--shard", f"{i}/3", status=None) for i in (2, 3)]
+        self.assertEqual(sum(count["done"] for count in counts), 3)
+        self.assertEqual(sorted(entry["input"]["name"] for entry in self.journal("j")), [str(self.folder / name) for name in names])
+        failed = [entry for entry in self.journal("j") if entry["status"]]
+        self.assertEqual([entry["input"]["name"] for entry in failed], [str(self.folder / names[1])])
+        (self.folder / "out/g.batch/inputs.jsonl").write_text("{}\n")
+        self.assertIn("/out/g.batch/inputs.jsonl' of a batch cannot be read; start the batch again",
+                      self.call("batch", "--status", "out/g.batch").stderr)
+
+    def test_pieces_of_a_file_that_changes(self):
+        self.parquet("in/a.parquet", [30, 30])
+        self.write_graph(PIECES)
+        self.batch("--inputs", "in/*.parquet", "--split-rows", "30")
+        self.parquet("in/a.parquet", [30, 40])
+        messages = self.run_inputs("--inputs", "out/g.batch", "--shard", "2/2", "--journal", "j", status=1)
+        self.assertIn("Error: the file has changed since it was divided into pieces; start the same command again",
+                      [message["message"].strip() for message in messages])
+        self.assertEqual(len(self.outputs()["a_2.csv"].split()), 30)
+        messages = self.run_inputs("--inputs", "out/g.batch", "--split-rows", "30", status=2)
+        self.assertIn("--split-rows: the batch in 'out/g.batch' has divided its inputs", messages[-1]["message"])
+
+    def test_started_several_times(self):
+        """One of them runs, the others say so."""
+        name = self.write_inputs(1)[0]
+        (self.folder / name).unlink()
+        os.mkfifo(self.folder / name)
+        self.write_list([name])
+        words = [self.corvanta, "batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt", "--quiet"]
+        processes = [subprocess.Popen(words, cwd=self.folder, stderr=subprocess.PIPE, stdout=subprocess.DEVNULL) for _ in range(6)]
+        for process in processes:
+            self.addCleanup(process.stderr.close)
+            self.addCleanup(process.wait)
+            self.addCleanup(process.terminate)
+        self.wait_until(lambda: sum(process.poll() is None for process in processes) == 1)
+        self.assertEqual(sorted(process.returncode for process in processes if process.returncode is not None), [2] * 5)
 
     def test_what_has_changed_runs_again(self):
         self.write_inputs(4)
@@ -205,8 +270,16 @@ class Batches(BatchCase):
         self.check_end(signal.SIGTERM, "parallel", 143)
 
     def test_detach(self):
-        self.write_inputs(3)
-        self.assertEqual(self.batch("--inputs", "in/*.csv", "--detach").stdout, f"{self.folder}/out/g.batch\n")
+        self.write_list(self.write_inputs(3))
+        (self.folder / "in/a02.csv").rename(self.folder / "kept")
+        os.mkfifo(self.folder / "in/a02.csv")
+        self.assertEqual(self.batch("--inputs", "list.txt", "--detach").stdout, f"{self.folder}/out/g.batch\n")
+        self.assertTrue(self.status()["running"])
+        with open(self.folder / "in/a02.csv", "wb") as pipe:
+            os.replace(self.folder / "kept", self.folder / "in/a02.csv")
+            pipe.write((self.folder / "in/a02.csv").read_bytes())
+        self.wait_until(lambda: not self.status()["running"])
+        self.batch("--inputs", "list.txt", "--detach")
         self.wait_until(lambda: self.status()["done"] == 3 and not self.status()["running"])
         self.assertIn("3 of 3 inputs done, 9 rows (not running)", self.call("batch", "--status", "out/g.batch").stdout)
         self.assertEqual(self.outputs(), self.expected(3))
@@ -214,14 +287,21 @@ class Batches(BatchCase):
     def test_job_that_is_held_and_removed(self):
         self.write_inputs(2)
         (self.folder / "bin").mkdir()
-        for name, text in [("sbatch", "echo '7;cluster'"), ("squeue", "if [ -e seen ]; then echo 'Invalid job id specified' >&2; exit 1; fi\n"
-                                                                     "touch seen; echo '7_1 PENDING JobHeldAdmin'")]:
+        jobs = "(sleep 1; for task in 1 2; do sh out/g.batch/job.sh $task; done) >job.out 2>&1 &"
+        for name, text in [("sbatch", f"echo '7;cluster'\nif [ -e seen ] && [ ! -e gone ]; then touch again; {jobs} fi"),
+                           ("squeue", "if [ -e again ] && [ ! -e gone ]; then echo '7_1 RUNNING None'; exit; fi\n"
+                                      "if [ -e seen ]; then echo 'Invalid job id specified' >&2; exit 1; fi\n"
+                                      "touch seen; echo '7_1 PENDING JobHeldAdmin'")]:
             (self.folder / "bin" / name).write_text(f"#!/bin/sh\ncd {self.folder}\n{text}\n")
             (self.folder / "bin" / name).chmod(0o755)
         (self.folder / "out/g.batch").mkdir(parents=True)
-        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--per-task", "1", status=1, variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
+        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--per-task", "1", variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
         self.assertIn('Warning: Slurm holds a task: 7_1 PENDING JobHeldAdmin; "scontrol release 7_1" starts it', done.stderr)
         self.assertIn("Warning: 2 tasks ended without a status (the first is 1) and are started again", done.stderr)
+        self.assertEqual((done.stdout, self.outputs()), ("", self.expected(2)))
+        (self.folder / "gone").write_text("")
+        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--retries", "0", "--no-resume", status=1,
+                          variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
         self.assertEqual([line.split("\t")[1] for line in done.stdout.splitlines()], ["cause", "not run", "not run"])
 
     def test_merge(self):
@@ -251,12 +331,15 @@ class Batches(BatchCase):
         words = ["--inputs", "in/*.csv", "--merge", "all.csv"]
         self.assertIn("Error: the merge has failed: ", self.batch(*words, status=1).stderr)
         self.batch(*words, "--union", "--detach")
-        self.wait_until(lambda: (self.folder / "all.csv").exists() and not self.status()["running"])
+        self.wait_until(lambda: not self.status()["running"])
+        self.assertEqual(self.status()["merge"], "done")
         self.assertEqual((self.folder / "all.csv").read_text(), "k,t,more\n1,x,\n,y,z\n")
 
     def test_merge_that_fails(self):
         self.write_inputs(2)
-        self.assertIn("Error: the merge has failed: ", self.batch("--inputs", "in/*.csv", "--merge", "none/all.csv", status=1).stderr)
+        (self.folder / "all.csv").mkdir()
+        self.assertIn("Error: the merge has failed: ", self.batch("--inputs", "in/*.csv", "--merge", "all.csv", status=1).stderr)
+        self.assertIn("2 of 2 inputs done, 6 rows (not running, merge failed)", self.call("batch", "--status", "out/g.batch").stdout)
         self.assertEqual(self.outputs(), self.expected(2))
         self.assertEqual((self.folder / "out/g.batch/parts.txt").read_text(), "".join(f"{self.folder}/out/a0{i}_x.csv\n" for i in (1, 2)))
 
@@ -309,11 +392,18 @@ class Batches(BatchCase):
             ([*inputs, "--union"], "--union needs --merge", {}),
             ([*inputs, "--json"], "--json needs --status", {}),
             (["--inputs", "none.txt"], "--inputs: cannot read the list 'none.txt': ", {}),
+            (["--inputs", "old"], "--inputs: 'old' is the folder of a batch; a batch needs a list or a pattern", {}),
+            (["--inputs", "-", "--detach"], "--detach needs a list file or a pattern, because the batch reads it after this program has ended", {}),
+            ([*inputs, "--merge", "all.docx"], "files such as 'FOLDER/all.docx' cannot be merged; ", {}),
+            ([*inputs, "--merge", "all.parquet"], "the part 'FOLDER/out/a01_x.csv' does not have the extension of a Parquet file", {}),
+            ([*inputs, "--merge", "none/all.csv"], "--merge: there is no folder 'FOLDER/none'", {}),
         ]
+        (self.folder / "old").mkdir()
+        (self.folder / "old/inputs.jsonl").write_text("")
         before = self.files()
         for words, text, variables in cases:
             with self.subTest(words=words):
-                self.assertIn(text, self.batch(*words, status=2, variables=variables).stderr)
+                self.assertIn(text.replace("FOLDER", str(self.folder)), self.batch(*words, status=2, variables=variables).stderr)
                 self.assertEqual(self.files(), before)
         for graph, text in [("one.graph", "its name must depend on"), ("-", "a batch needs a graph file, because its tasks read it later")]:
             self.assertIn(text, self.batch(*inputs, status=2, graph=graph).stderr)

@@ -1,5 +1,7 @@
 #!/usr/bin/python3
 """Does "run --inputs" run each input exactly once, in whatever shards? shards_test.py CORVANTA"""
+import contextlib
+import json
 import os
 import pathlib
 import random
@@ -35,6 +37,27 @@ class Shards(BatchCase):
         self.assertEqual(self.outputs(), self.expected(7))
         # More shards than inputs: the last ones have nothing to do.
         self.assertEqual(self.counts("--inputs", "list.txt", "--shard", "9/9", "--journal", "other"), {})
+
+    def test_random_lists(self):
+        """Each input is in one shard, and no shard has more bytes than its share and one input."""
+        choice = random.Random(7)
+        for count in (1, 2, 5, 9):
+            sizes = [choice.choice((0, 1, 10, 5000)) * choice.randrange(1, 9) for _ in range(choice.randrange(2, 20))]
+            names = [f"in/r{count}_{i}.csv" for i in range(len(sizes))]
+            for name, size in zip(names, sizes):
+                (self.folder / name).write_text("k,t\n" + "1,\n" * (size // 3))
+            self.write_list(names)
+            bytes_of = {pathlib.Path(name).name: (self.folder / name).stat().st_size for name in names}
+            for balance in ("count", "size"):
+                shares = []
+                for i in range(1, count + 1):
+                    journal = f"{balance}{count}_{i}"
+                    self.counts("--inputs", "list.txt", "--shard", f"{i}/{count}", "--balance", balance, "--journal", journal)
+                    shares.append([entry_name(entry) for entry in self.journal(journal)])
+                self.assertEqual(sorted(sum(shares, [])), sorted(bytes_of))
+                if balance == "size":
+                    loads = [sum(bytes_of[name] for name in share) for share in shares]
+                    self.assertLessEqual(max(loads), sum(loads) / count + max(bytes_of.values()))
 
     def test_lists_patterns_and_standard_input(self):
         names = self.write_inputs(3)
@@ -120,10 +143,38 @@ class Resume(BatchCase):
         for change, again in zip(changes, (3, 1, 1, 1)):
             change()
             self.assertEqual(self.counts("--inputs", "in/*.csv"), {"done": again, **({"skipped": 3 - again} if again < 3 else {})})
+        self.assertEqual(self.counts("--inputs", "in/*.csv", "--system-encoding", "windows-1252"), {"done": 3})
         self.assertEqual(self.counts("--inputs", "in/*.csv", "--set", "suffix=y"), {"done": 3})
         # The last run of an input counts: its outputs may have been those of other variables.
         self.assertEqual(self.counts("--inputs", "in/*.csv"), {"done": 3})
         self.write_graph("<!-- a comment -->" + GRAPH.replace("version='4.12'", "version='4.11'"))
+        self.assertEqual(self.counts("--inputs", "in/*.csv"), {"skipped": 3})
+
+    def test_journal_cut_anywhere(self):
+        """A cut costs the entries that it takes; all others count, and the next run makes the journal whole."""
+        file = self.folder / "out/g.journal/shard-1-of-1.jsonl"
+        choice = random.Random(5)
+        for i in range(30):
+            last = {}
+            for line in file.read_bytes().splitlines():
+                with contextlib.suppress(ValueError):
+                    last[entry_name(json.loads(line))] = line + b"\n"
+            whole = b"".join(last.values())
+            cut = choice.randrange(len(whole)) if i else len(last["a01.csv"]) - 1
+            file.write_bytes(whole[:cut])
+            kept = whole.count(b"\n", 0, cut)
+            self.assertEqual(self.counts("--inputs", "in/*.csv"), {"done": 3 - kept, **({"skipped": kept} if kept else {})}, cut)
+            self.assertEqual(self.counts("--inputs", "in/*.csv"), {"skipped": 3}, cut)
+
+    def test_clock_that_was_set_back(self):
+        """The last run counts, whatever the times of its lines."""
+        file = self.folder / "out/g.journal/shard-1-of-1.jsonl"
+        lines = [json.loads(line) for line in file.read_bytes().splitlines()]
+        for entry in lines:
+            entry.update(time=entry["time"] + 3_600_000, status=1)
+        file.write_text("".join(json.dumps(entry) + "\n" for entry in lines))
+        self.assertEqual(self.counts("--inputs", "in/*.csv", "--shard", "1/2"), {"done": 2})
+        self.assertEqual(self.counts("--inputs", "in/*.csv"), {"done": 1, "skipped": 2})
         self.assertEqual(self.counts("--inputs", "in/*.csv"), {"skipped": 3})
 
     def test_damaged_journal(self):
@@ -189,6 +240,7 @@ BAD = [
     (["--inputs", "none*.csv"], "--inputs: no file matches 'none*.csv'"),
     (["--inputs", "none.txt"], "--inputs: cannot read the list 'none.txt': "),
     (["--inputs", "in"], "--inputs: cannot read the list 'in': it is a folder"),
+    (["--inputs", "huge.txt"], "--inputs: the list 'huge.txt' is larger than 256 MiB; use several"),
     (["--inputs", "zero.txt"], "' is not a list of file names (it has a zero byte); a list is a text with one name per line"),
     (["--inputs", "twice.txt"], "'./in/a01.csv' is listed twice (line 1) (line 3)"),
     (["--inputs", "missing.txt"], "there is no file 'in/none.csv' (line 2), and so is 1 more"),
@@ -209,6 +261,8 @@ class BadInput(BatchCase):
         self.write_list([names[0], names[1], "./" + names[0]], "twice.txt")
         self.write_list([names[0], "in/none.csv", "in/neither.csv"], "missing.txt")
         (self.folder / "zero.txt").write_bytes(b"PAR1\0\0")
+        with open(self.folder / "huge.txt", "wb") as file:
+            file.truncate((256 << 20) + 1)  # a hole
 
     def fails(self, words, text, graph="g.graph"):
         before = self.files()
@@ -232,6 +286,9 @@ class BadInput(BatchCase):
                    "name must depend on ${input}, ${inputStem} or ${inputIndex}", "one.graph")
         self.write_graph(GRAPH.replace("${outDir}/${inputStem}_${suffix}.csv", "${input}"), "same.graph")
         self.fails(both, f"the run of '{self.folder}/in/a01.csv' would replace the input '{self.folder}/in/a01.csv'", "same.graph")
+        (self.folder / "link").symlink_to("in")
+        self.write_graph(GRAPH.replace("_${suffix}", ""), "linked.graph")
+        self.fails([*both, "--out-dir", "link"], f"the run of '{self.folder}/in/a01.csv' would replace the input '{self.folder}/in/a01.csv'", "linked.graph")
         (self.folder / "in2").mkdir()
         os.rename(self.folder / "in/a02.csv", self.folder / "in2/a01.csv")
         self.write_list(["in/a01.csv", "in2/a01.csv"])

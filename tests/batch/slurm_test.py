@@ -16,7 +16,7 @@ import tempfile
 import time
 import unittest
 
-from batch_case import PIECES, BatchCase
+from batch_case import ODD_FOLDER, PIECES, BatchCase
 
 CORVANTA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 SKIPPED = 77
@@ -187,12 +187,18 @@ class Slurm(BatchCase):
         self.block(self.names[0])
         process = self.start_batch("--max-running", "4")
         CLUSTER.wait(lambda: self.is_running(0), WAITS)
-        node = CLUSTER.call("squeue", "-h", "-t", "running", "-o", "%N").stdout.split()[0]
+        running = CLUSTER.call("squeue", "-h", "-r", "-t", "running", "-o", "%K %N").stdout.splitlines()
+        node = next(line.split()[1] for line in running if line.startswith("1 "))
         CLUSTER.kill_node(node)
         self.unblock(0)
-        # Slurm starts what it has queued again after two minutes; a test need not wait for them.
-        CLUSTER.wait(lambda: "BeginTime" in CLUSTER.call("squeue", "-h", "-o", "%r").stdout, WAITS)
-        CLUSTER.call("scontrol", "update", "JobId=" + CLUSTER.call("squeue", "-h", "-o", "%i").stdout.strip(), "StartTime=now")
+
+        def has_ended():
+            """Slurm starts what it has queued again after two minutes; a test need not wait for them."""
+            for line in CLUSTER.call("squeue", "-h", "-r", "-t", "pending", "-o", "%i %r").stdout.splitlines():
+                if line.endswith(" BeginTime"):
+                    CLUSTER.call("scontrol", "update", "JobId=" + line.split()[0], "StartTime=now")
+            return process.poll() is not None
+        CLUSTER.wait(has_ended, WAITS)
         self.assertEqual(self.end(process), "")
         self.check_outputs()
         CLUSTER.start_node(node)
@@ -251,6 +257,17 @@ class Slurm(BatchCase):
         self.assertEqual(self.end(self.start_batch("--split-rows", "1", "--merge", "all.csv", "--union")), "")
         self.assertEqual(len(self.journal("out/g.batch/journal")), 4)
         self.assertEqual((self.folder / "all.csv").read_text().split(), ["n,m", "1,", "2,", "3,", ",1", ",2", ",3"])
+
+    def test_names(self):
+        """Names have no special signs for sbatch, which writes its log where the others are."""
+        for path in (self.folder / "in").iterdir():
+            path.unlink()
+        outputs = self.write_odd_inputs()
+        words = [CORVANTA, "batch", "g.graph", "--inputs", "in/*.csv", "--out-dir", ODD_FOLDER + "/out", "--folder", ODD_FOLDER, "--backend", "slurm"]
+        done = subprocess.run(words, cwd=self.folder, env=CLUSTER.environment, capture_output=True, text=True, check=False, timeout=WAITS)
+        self.assertEqual(done.returncode, 0, done.stderr + CLUSTER.logs())
+        self.assertEqual(self.outputs(ODD_FOLDER + "/out"), outputs)
+        self.assertTrue((self.folder / ODD_FOLDER / "logs/slurm-1.out").exists())
 
     def test_rejected_job(self):
         before = self.files()
