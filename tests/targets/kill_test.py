@@ -64,7 +64,7 @@ WRITERS = [
                f"{name}.docx,{DOCUMENTS}/letter.docx,{name},{DOCUMENTS}/mars.png\n" for name in ("one", "two"))),
     Writer("<writeSAS fileName='one.sas7bdat' autoWidth='1'/>", ["one.sas7bdat"]),
     Writer("<writeSASXPT fileName='one.xpt' autoWidth='1'/>", ["one.xpt"]),
-    Writer("<mergeFiles fileName='merged.csv'><parts><s>in.csv</s></parts></mergeFiles>", ["merged.csv"], reads=False),
+    Writer("<mergeFiles fileName='merged.csv'><parts>" + "<s>in.csv</s>" * 20 + "</parts></mergeFiles>", ["merged.csv"], reads=False),
 ]
 
 
@@ -164,7 +164,14 @@ class RandomMoments(Kill):
             yield process
 
     def test_killed_at_random(self):
-        self.prepare(WRITERS, LARGE)
+        self.check_kills(WRITERS)
+
+    def test_merge_killed_at_random(self):
+        """A merge that ends long before the other writers is rarely hit among them."""
+        self.check_kills(WRITERS[-1:])
+
+    def check_kills(self, writers):
+        self.prepare(writers, LARGE)
         choice = random.Random(11)
         killed = 0
         for _ in range(RUNS):
