@@ -1,10 +1,12 @@
 #!/usr/bin/python3
 """Time of a batch, JSON to Parquet: batch.py CORVANTA [FILES [ROWS [TIMES]]]
 
-Runs a plain loop of "corvanta run", "batch" with one local process, and with two, in turn, and prints the medians. FILES is 1000 and ROWS
-20000 without arguments (2 GB in a temporary folder). Wall times mean something on an otherwise idle machine only.
+Runs a plain loop of "corvanta run", "batch" with one local process, also on one core only, and with two, in turn, and prints the medians of
+the times and of the processor times. FILES is 1000 and ROWS 20000 without arguments (2 GB in a temporary folder). Wall times mean something
+on an otherwise idle machine only.
 """
 import json
+import os
 import pathlib
 import shutil
 import statistics
@@ -37,20 +39,27 @@ def plain_loop(corvanta, folder):
                        cwd=folder, check=True)
 
 
-def batch(workers):
+def batch(workers, *prefix):
     return lambda corvanta, folder: subprocess.run(
-        [corvanta, "batch", "g.graph", "--inputs", "in/*.json", "--out-dir", "out", "-q", "--max-running", str(workers)], cwd=folder, check=True)
+        [*prefix, corvanta, "batch", "g.graph", "--inputs", "in/*.json", "--out-dir", "out", "-q", "--max-running", str(workers)], cwd=folder, check=True)
+
+
+def processor_seconds():
+    times = os.times()
+    return times.children_user + times.children_system
 
 
 def seconds_of(job, corvanta, folder):
+    """Wall time and processor time."""
     shutil.rmtree(folder / "out", ignore_errors=True)
-    begin = time.monotonic()
+    begin, used = time.monotonic(), processor_seconds()
     job(corvanta, folder)
-    return time.monotonic() - begin
+    return time.monotonic() - begin, processor_seconds() - used
 
 
 def main(corvanta, files=1000, rows=20000, times=3):
-    jobs = {"plain loop": plain_loop, "batch, 1 process": batch(1), "batch, 2 processes": batch(2)}
+    jobs = {"plain loop": plain_loop, "batch, 1 process": batch(1), "batch, 1 process on 1 core": batch(1, "taskset", "-c", "0"),
+            "batch, 2 processes": batch(2)}
     with tempfile.TemporaryDirectory(prefix="corvanta_bench_") as name:
         folder = pathlib.Path(name)
         make_inputs(folder, int(files), int(rows))
@@ -58,11 +67,14 @@ def main(corvanta, files=1000, rows=20000, times=3):
         for _ in range(int(times)):
             for title, job in jobs.items():
                 found[title].append(seconds_of(job, corvanta, folder))
-    medians = {title: statistics.median(seconds) for title, seconds in found.items()}
-    for title, seconds in medians.items():
-        print(f"{title:20} {seconds:8.2f} s  {seconds / int(files) * 1000:7.2f} ms per file")
-    print(f"1 process / plain loop: {medians['batch, 1 process'] / medians['plain loop']:.2f}, 2 processes / 1: "
-          f"{medians['batch, 2 processes'] / medians['batch, 1 process']:.2f}")
+    medians = {title: [statistics.median(values) for values in zip(*pairs)] for title, pairs in found.items()}
+    wall = {title: seconds for title, (seconds, _) in medians.items()}
+    for title, (seconds, used) in medians.items():
+        print(f"{title:26} {seconds:8.2f} s  {seconds / int(files) * 1000:7.2f} ms per file, of the processor {used / int(files) * 1000:7.2f} ms: "
+              f"{used / seconds:.2f} cores")
+    print(f"1 process / plain loop: {wall['batch, 1 process'] / wall['plain loop']:.2f}, 2 processes / 1: "
+          f"{wall['batch, 2 processes'] / wall['batch, 1 process']:.2f}, 2 processes / 1 on 1 core: "
+          f"{wall['batch, 2 processes'] / wall['batch, 1 process on 1 core']:.2f}")
 
 
 if __name__ == "__main__":
