@@ -89,17 +89,24 @@ QString lockOf(const BatchPlan &plan)
     return plan.file(u"lock"_s);
 }
 
-/// Whether a program waits for the tasks, or the scheduler has them.
+/// Whether a program waits for the tasks, or the scheduler has some. It lists tasks for a while
+/// after they have left their status; the merge is no task of an array (N/A).
 bool isRunning(const BatchPlan &plan)
 {
     platform::FileLock lock;
     if (lock.tryFile(lockOf(plan)) == platform::FileLock::Outcome::Held) {
         return true;
     }
-    const ProgramOutput queue =
-        plan.job.isEmpty() ? ProgramOutput()
-                           : runProgram(u"squeue"_s, {u"--noheader"_s, u"--jobs="_s + plan.job});
-    return queue.isDone && !queue.output.isEmpty();
+    if (plan.job.isEmpty()) {
+        return false;
+    }
+    const QString jobs = plan.mergeJob.isEmpty() ? plan.job : plan.job + u',' + plan.mergeJob;
+    const ProgramOutput queue = runProgram(
+        u"squeue"_s, {u"--noheader"_s, u"--array"_s, u"--format=%K"_s, u"--jobs="_s + jobs});
+    const auto tasks = queue.output.split(u'\n', Qt::SkipEmptyParts);
+    return queue.isDone && std::ranges::any_of(tasks, [&](const QString &task) {
+               return !plan.statusOf(task.trimmed() == "N/A"_L1 ? u"merge"_s : task.trimmed());
+           });
 }
 
 /// One run of "batch", from the first check to the table of failures.

@@ -289,7 +289,7 @@ class Batches(BatchCase):
         (self.folder / "bin").mkdir()
         jobs = "(sleep 1; for task in 1 2; do sh out/g.batch/job.sh $task; done) >job.out 2>&1 &"
         for name, text in [("sbatch", f"echo '7;cluster'\nif [ -e seen ] && [ ! -e gone ]; then touch again; {jobs} fi"),
-                           ("squeue", "if [ -e again ] && [ ! -e gone ]; then echo '7_1 RUNNING None'; exit; fi\n"
+                           ("squeue", "case $* in *%K*) [ -e again ] && echo 1 && echo 2; exit; esac\nif [ -e again ] && [ ! -e gone ]; then echo '7_1 RUNNING None'; exit; fi\n"
                                       "if [ -e seen ]; then echo 'Invalid job id specified' >&2; exit 1; fi\n"
                                       "touch seen; echo '7_1 PENDING JobHeldAdmin'")]:
             (self.folder / "bin" / name).write_text(f"#!/bin/sh\ncd {self.folder}\n{text}\n")
@@ -299,6 +299,8 @@ class Batches(BatchCase):
         self.assertIn('Warning: Slurm holds a task: 7_1 PENDING JobHeldAdmin; "scontrol release 7_1" starts it', done.stderr)
         self.assertIn("Warning: 2 tasks ended without a status (the first is 1) and are started again", done.stderr)
         self.assertEqual((done.stdout, self.outputs()), ("", self.expected(2)))
+        # Slurm still lists tasks that have ended.
+        self.batch("--inputs", "in/*.csv", "--backend", "slurm", variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
         (self.folder / "gone").write_text("")
         done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--retries", "0", "--no-resume", status=1,
                           variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
