@@ -24,11 +24,7 @@ PanelLayout panelLayout()
           {"encoding", shared::declaredEncodingField}}},
         previewGroup(),
         {kAdvancedGroup,
-         {"maxRows",
-          "firstRow",
-          "rowCount",
-          "fileNameColumn",
-          "bufferSize"},
+         {"maxRows", "firstRow", "rowCount", "fileNameColumn", "bufferSize"},
          Fold::Folded},
     };
 }

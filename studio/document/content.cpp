@@ -6,14 +6,20 @@
 
 namespace corvanta::studio {
 
+namespace {
+
+double canvasCoordinate(double coordinate)
+{
+    constexpr double kFarthest = 1e6;
+    const double inside = std::clamp(coordinate, -kFarthest, kFarthest);
+    return std::isnan(coordinate) ? 0 : std::round(inside);
+}
+
+} // namespace
+
 QPointF canvasPosition(QPointF position)
 {
-    const auto whole = [](double coordinate) {
-        constexpr double kFarthest = 1e6;
-        return std::isnan(coordinate) ? 0
-                                      : std::round(std::clamp(coordinate, -kFarthest, kFarthest));
-    };
-    return {whole(position.x()), whole(position.y())};
+    return {canvasCoordinate(position.x()), canvasCoordinate(position.y())};
 }
 
 // Documents keep a table of the indexes; this is for states that are being made.

@@ -99,14 +99,16 @@ QString pinText(const PinRef &pin)
     return pin.action + u':' + QString::number(pin.pin);
 }
 
-/// The position that an element of the file gives, as the host reads its numbers.
+/// As the host reads it.
+double numberOf(const QString &text)
+{
+    return xmltof(reinterpret_cast<const char16_t *>(text.utf16()), 0);
+}
+
+/// The position that an element of the file gives.
 QPointF positionOf(const QMap<QString, QString> &attributes)
 {
-    const auto number = [&](const QString &name) {
-        const QString text = attributes.value(name);
-        return xmltof(reinterpret_cast<const char16_t *>(text.utf16()), 0);
-    };
-    return canvasPosition({number(u"x"_s), number(u"y"_s)});
+    return canvasPosition({numberOf(attributes.value(u"x"_s)), numberOf(attributes.value(u"y"_s))});
 }
 
 QString numberText(double position)

@@ -99,6 +99,10 @@ bool showsItsText(const QWidget *widget)
 QStringList unreadable(const QWidget &panel)
 {
     QStringList found;
+    const auto *const scroll = panel.findChild<QScrollArea *>();
+    if (scroll->widget()->width() > scroll->viewport()->width()) {
+        found << u"the fields are wider than the panel"_s; // which does not scroll sideways
+    }
     for (const QWidget *const widget : panel.findChildren<QWidget *>()) {
         const bool isPart = qobject_cast<const QLineEdit *>(widget->parentWidget()) != nullptr;
         if (!widget->isVisible() || isPart || widget->inherits("QComboBoxPrivateContainer")) {
@@ -212,8 +216,6 @@ TEST_P(PanelLayouts, NothingIsCutOrOverlaps)
                 QApplication::sendPostedEvents(); // a preview may have changed the layout
                 SCOPED_TRACE(panel->width());
                 expectReadable(*panel);
-                const auto *const scroll = panel->findChild<QScrollArea *>();
-                EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
             }
         }
     }

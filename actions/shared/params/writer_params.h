@@ -35,8 +35,8 @@ template <class P> Param<P> lockTimeOut()
         .lowMeans("no limit")
         .unit("seconds")
         .label("Wait for other programs")
-        .meaning(
-            "How long the action waits while another program writes to the file; -1: without limit.");
+        .meaning("How long the action waits while another program writes to the file; -1: without "
+                 "limit.");
 }
 
 // The selection of rows. Some graphs save the three lines in another order, so that each has its
