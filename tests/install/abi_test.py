@@ -22,7 +22,7 @@ HEADERS = ROOT / "host/include"
 NUMBER = json.loads((HEADERS / "corvanta/plugin_abi.json").read_text(encoding="utf-8"))["abi"]
 UPDATES = os.environ.get("CORVANTA_UPDATE_GOLDEN") == "1"
 # What modules and hosts use by value, inherit or call. The layouts of other types follow from these.
-TYPES = """ActionItem ActionParameters corvanta::ActionBase corvanta::ActionEntry CorvantaPluginInterface UpdateClassWidget OneRow RowBuffer
+TYPES = """ActionItem ActionParameters corvanta::ActionBase corvanta::ActionEntry CorvantaPluginInterface corvanta::CataloguePlugin UpdateClassWidget OneRow RowBuffer
 MetaInfo TableSchema RunControl XMLNode GlobalParameters FileFormat ParameterInfo LogSink LogScope LogMessage corvanta::ActionRegistry
 corvanta::Module CorvantaGraph corvanta::Run corvanta::RunOptions corvanta::Listener corvanta::ActionProgress EngineRunner TargetFile
 MyReadFile MyWriteFile corvanta::RowListener MainUI KobiFileInfo corvanta::EditHistory corvanta::input::InputSource corvanta::Occurrences""".split()
