@@ -63,9 +63,9 @@ TEST(Graph, SaysWhatCannotBeRun)
     for (const auto &[inside, problems] : cases) {
         EXPECT_EQ(problemsOf(inside), problems) << inside.toStdString();
     }
-    const auto other = CorvantaGraph::parse("\n<table/>", u"g"_s);
+    const auto other = CorvantaGraph::parse("<table/>", u"g"_s);
     ASSERT_FALSE(other);
-    EXPECT_EQ(textOf(other.fault().code), u"g:2: the document element is 'table', not 'graph'"_s);
+    EXPECT_EQ(textOf(other.fault().code), u"g:1: the document element is 'table', not 'graph'"_s);
     const auto pipe = CorvantaGraph::load(u"/dev/null"_s);
     ASSERT_FALSE(pipe);
     EXPECT_TRUE(textOf(pipe.fault().code).contains("it is not a regular file"_L1));
