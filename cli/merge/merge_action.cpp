@@ -1,7 +1,9 @@
+// Makes the action that joins the parts of a merge.
 #include "cli/merge/merge_action.h"
 
 #include "cli/convert/file_arguments.h"
 #include "cli/file_types.h"
+#include "corvanta/action_parameters.h"
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
