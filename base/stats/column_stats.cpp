@@ -67,10 +67,10 @@ void NumberRange::add(double value, std::u16string_view text)
 
 void TextRange::add(std::u16string_view text)
 {
-    if (m_isEmpty || m_compare(text, m_smallest) < 0) {
+    if (m_isEmpty || std::is_lt(m_compare(text, m_smallest))) {
         m_smallest = text;
     }
-    if (m_isEmpty || m_compare(m_largest, text) < 0) {
+    if (m_isEmpty || std::is_lt(m_compare(m_largest, text))) {
         m_largest = text;
     }
     m_isEmpty = false;

@@ -27,6 +27,7 @@ struct Moment
 {
     qint64 day = 0;         ///< since 1970-01-01; 0 for a time of a day
     qint64 nanoseconds = 0; ///< since midnight
+    // NOLINTNEXTLINE(modernize-use-nullptr): it takes <=> for a comparison with null
     auto operator<=>(const Moment &) const = default;
 };
 

@@ -353,7 +353,7 @@ void PathSet::addRepeats(const MarkupTree &tree, Visit at)
 void PathSet::addRepeat(size_t path, TextSpan name)
 {
     const auto [node, number] = m_steps[path].front();
-    const auto isSame = [&](const NewRepeat &repeat) {
+    const auto isSame = [node = node, number = number](const NewRepeat &repeat) {
         return repeat.node == node && repeat.edge == number;
     };
     const auto known = std::ranges::find_if(m_newRepeats, isSame);
