@@ -55,7 +55,7 @@ struct Rank
     qsizetype notEqual = 0; ///< negative length of the equal beginning
     int allChanges = 0;
 
-    auto operator<=>(const Rank &) const = default;
+    auto operator<=>(const Rank &) const = default; // NOLINT(modernize-use-nullptr): no pointer
 };
 
 Rank rankOf(const QString &name, const QString &candidate)

@@ -25,10 +25,9 @@ std::weak_ordering compareWords(std::u16string_view a, std::u16string_view b);
 /// A point in time, or a time of a day.
 struct Moment
 {
-    qint64 day = 0;         ///< since 1970-01-01; 0 for a time of a day
-    qint64 nanoseconds = 0; ///< since midnight
-    // NOLINTNEXTLINE(modernize-use-nullptr): it takes <=> for a comparison with null
-    auto operator<=>(const Moment &) const = default;
+    qint64 day = 0;                                   ///< since 1970-01-01; 0 for a time of a day
+    qint64 nanoseconds = 0;                           ///< since midnight
+    auto operator<=>(const Moment &) const = default; // NOLINT(modernize-use-nullptr): no pointer
 };
 
 /// The moment that all of `text` names: a date, with or without a time, or a time. A date is its
