@@ -192,14 +192,15 @@ Result<Block, Error> readBlock(ByteSource &source, qint64 offset)
     return block;
 }
 
-/// Read the two sizes of a file header. Returns false if they do not fit 63 bits.
+/// Read the two sizes of a file header. Returns false if they do not fit 62 bits: with the position
+/// of the data they must fit a position, too.
 bool readSizes(const char *bytes, bool isLarge, Entry *entry)
 {
     const quint64 packedHigh = isLarge ? loadLE<quint32>(bytes + kFileBytes) : 0;
     const quint64 high = isLarge ? loadLE<quint32>(bytes + kFileBytes + 4) : 0;
     entry->packedSize = static_cast<qint64>(packedHigh << 32 | loadLE<quint32>(bytes + 7));
     entry->size = static_cast<qint64>(high << 32 | loadLE<quint32>(bytes + 11));
-    return entry->packedSize >= 0 && entry->size >= 0;
+    return entry->packedSize >> 62 == 0 && entry->size >> 62 == 0;
 }
 
 Fault<Error> unsupported(const Entry &entry, uchar unpacker, qint64 offset)
