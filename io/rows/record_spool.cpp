@@ -18,7 +18,7 @@ Result<void, SpoolError> RecordSpool::put(std::string_view record)
 
 Result<void, SpoolError> RecordSpool::putBlock()
 {
-    const auto put = m_spool.put({m_block.data(), m_block.size()});
+    auto put = m_spool.put({m_block.data(), m_block.size()});
     m_block.clear();
     return put;
 }
@@ -26,7 +26,7 @@ Result<void, SpoolError> RecordSpool::putBlock()
 Result<void, SpoolError> RecordSpool::rewind()
 {
     if (!m_block.empty()) {
-        if (const auto put = putBlock(); !put) {
+        if (auto put = putBlock(); !put) {
             return put;
         }
     }

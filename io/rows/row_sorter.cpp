@@ -78,7 +78,7 @@ void RowSorter::sortEntries()
         const auto order = a.low != b.low
                                ? a.low <=> b.low
                                : compare(a, m_arena.at(a.offset).key, b, m_arena.at(b.offset).key);
-        return order == 0 ? a.offset < b.offset : order < 0;
+        return std::is_eq(order) ? a.offset < b.offset : std::is_lt(order);
     });
 }
 
@@ -94,14 +94,14 @@ Result<void, SpoolError> RowSorter::commit(qsizetype keyBytes, qsizetype rowByte
 Result<void, SpoolError> RowSorter::writeRun()
 {
     if (m_runs.size() == kMaxRuns) {
-        if (const auto merged = mergeRuns(); !merged) {
+        if (auto merged = mergeRuns(); !merged) {
             return merged;
         }
     }
     sortEntries();
     m_written = std::make_unique<RecordSpool>(spoolOptions());
     for (const Entry &entry : m_entries) {
-        if (const auto put = putRecord(m_arena.at(entry.offset)); !put) {
+        if (auto put = putRecord(m_arena.at(entry.offset)); !put) {
             return put;
         }
     }
@@ -129,7 +129,7 @@ Result<void, SpoolError> RowSorter::endRun()
 /// Merges all runs into one. The rows in memory are later ones and stay there.
 Result<void, SpoolError> RowSorter::mergeRuns()
 {
-    if (const auto started = startMerge(); !started) {
+    if (auto started = startMerge(); !started) {
         return started;
     }
     m_written = std::make_unique<RecordSpool>(spoolOptions());
@@ -141,7 +141,7 @@ Result<void, SpoolError> RowSorter::mergeRuns()
         if (!*record) {
             break;
         }
-        if (const auto put = putRecord(**record); !put) {
+        if (auto put = putRecord(**record); !put) {
             return put;
         }
         if (m_options.isRunning && !m_options.isRunning()) {
@@ -182,7 +182,7 @@ Result<void, SpoolError> RowSorter::startMerge()
 bool RowSorter::isBefore(const Run &a, const Run &b)
 {
     const auto order = compare(a.entry, a.current.key, b.entry, b.current.key);
-    return order == 0 ? a.index < b.index : order < 0;
+    return std::is_eq(order) ? a.index < b.index : std::is_lt(order);
 }
 
 /// Moves to the next record of the run. Returns false at its end.
