@@ -90,7 +90,7 @@ QString lockOf(const BatchPlan &plan)
 }
 
 /// Whether a program waits for the tasks, or the scheduler has some. It lists tasks for a while
-/// after they have left their status; the merge is no task of an array (N/A).
+/// after they have left their status; the merge does not belong to an array (N/A).
 bool isRunning(const BatchPlan &plan)
 {
     platform::FileLock lock;

@@ -272,7 +272,7 @@ TEST(GlobalParameters, BuiltInVariablesHaveValuesAndCanBeReplaced)
     QStringList unknown;
     EXPECT_EQ(global.expandString(u"${graphDir}|${outDir}|${workingDir}"_s, &unknown),
               u"/g|/g|/w"_s);
-    EXPECT_EQ(global.expandOutputFile(u"a"_s), u"/g/a"_s) << "beside the graph";
+    EXPECT_EQ(global.expandOutputFile(u"a"_s), u"/g/a"_s) << "next to the graph";
     global.setOutDir(u"/o"_s);
     EXPECT_EQ(global.expandString(u"${outDir}"_s), u"/o"_s);
     EXPECT_EQ(global.expandFile(u"a"_s), u"/g/a"_s);
