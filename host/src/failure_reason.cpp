@@ -44,7 +44,7 @@ QString notThereText(const QString &file, FileUse use)
         return u"the link leads to '%1', which is not there"_s.arg(info.symLinkTarget());
     }
     return use == FileUse::Read
-               ? u"there is no file of this name"_s
+               ? u"there is no file with this name"_s
                : u"the folder '%1' accepts no such file"_s.arg(info.absolutePath());
 }
 

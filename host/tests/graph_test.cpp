@@ -125,7 +125,7 @@ TEST(FailureReason, SaysWhatToDo)
         QString reason;
     } cases[] = {
         {QString(), Read, ENOENT, u"the name of the file is empty"_s},
-        {in("none"), Read, ENOENT, u"there is no file of this name"_s},
+        {in("none"), Read, ENOENT, u"there is no file with this name"_s},
         {in("none"), Write, ENOENT, u"the folder '%1' accepts no such file"_s},
         {in("link"), Read, ENOENT, u"the link leads to '%1/nothing', which is not there"_s},
         {in("d/e/none"), Read, ENOENT, u"the folder '%1/d/e' does not exist"_s},

@@ -339,7 +339,7 @@ class CommandLine(Case):
         self.assertIn("'writeExel'; the nearest known name is 'writeExcel'", self.corvanta("run", "g.graph", status=2).stderr)
 
     def test_graph_files_that_cannot_be_read(self):
-        for name, reason in [("no.graph", "there is no file of this name"), (".", "is a folder"), ("/dev/null", "not a regular file"),
+        for name, reason in [("no.graph", "there is no file with this name"), (".", "is a folder"), ("/dev/null", "not a regular file"),
                              ("in.csv/x", "is not a folder"), ("no/x", "no' does not exist")]:
             for command in ("run", "check"):
                 self.assertRegex(self.corvanta(command, name, status=2).stderr, f"cannot read the graph file: .*{reason}")

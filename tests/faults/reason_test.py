@@ -243,7 +243,7 @@ class Reasons(unittest.TestCase):
     def test_inputs_that_are_no_files(self):
         for kind, element in READERS.items():
             for name, reason in (("folder", "is a folder, not a file (Is a directory)"),
-                                 ("none", "there is no file of this name (No such file or directory)"),
+                                 ("none", "there is no file with this name (No such file or directory)"),
                                  ("none/x", f"the folder '{self.folder}/none' does not exist"),
                                  ("in.csv/x", f"'{self.folder}/in.csv' is not a folder")):
                 with self.subTest(kind=kind, name=name):
@@ -326,7 +326,7 @@ class Reasons(unittest.TestCase):
             found = [run.stderr.readline() for _ in range(2)]
             run.terminate()
             stop.cancel()
-        self.assertIn("there is no file of this name", "".join(found))
+        self.assertIn("there is no file with this name", "".join(found))
 
     def test_workbooks_are_awaited(self):
         for reader, kind in (("readExcel", "xlsx"), ("readExcelOld", "xls")):

@@ -226,7 +226,7 @@ class Messages(UpdateCase):
             attributes = f"mode='{mode}' fileNameSource='none.xlsx' "
             self.assertEqual(self.update(attributes + "createIfNotExists='0'"), (1, [f"\nERROR Reading Excel file '{source}'\n"]))
             self.assertEqual(files(self.folder), [])
-            reason = "Reason: there is no file of this name (No such file or directory): a new workbook is written instead.\n"
+            reason = "Reason: there is no file with this name (No such file or directory): a new workbook is written instead.\n"
             self.assertEqual(self.update(attributes, reasons=True), (0, [f"\nWarning Cannot read Excel file '{source}'\n", reason]))
             self.assertEqual(rows_of(members(self.book)["xl/worksheets/sheet1.xml"])[1][0], "id")
             self.book.unlink()
