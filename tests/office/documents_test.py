@@ -208,7 +208,7 @@ class WriteDoc(DocumentTest):
         self.assertEqual(bad, whole)
         cannot = "\nERROR: cannot read Report Template file {}\n"
         for name, message, reason in (
-                ("gone.docx", cannot, "no file of this name"), ("none.docx", cannot, "the file is empty"),
+                ("gone.docx", cannot, "there is no file with this name"), ("none.docx", cannot, "the file is empty"),
                 ("none.docx", "\nERROR: template file is empty.\n", None), ("cut.docx", cannot, "not a package|truncated"),
                 ("empty.docx", "\nERROR: template file is empty.\n", None),
                 ("t.pptx", "\nERROR: problem reading 'ppt/presentation.xml' in the template file(1)\n", "is not there"),
