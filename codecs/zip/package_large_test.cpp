@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -59,21 +58,13 @@ private:
     QFile m_file;
 };
 
-void expectGoodForOthers(const QString &path)
+// Python unpacks 4 GiB in a third of the time of unzip.
+void expectGoodForPython(const QString &path)
 {
-    const std::pair<QString, QStringList> programs[] = {
-        {u"unzip"_s, {u"-tqq"_s, path}},
-        {u"7z"_s, {u"t"_s, path}},
-        {u"python3"_s, {u"-m"_s, u"zipfile"_s, u"-t"_s, path}}};
-    for (const auto &[program, arguments] : programs) {
-        if (QStandardPaths::findExecutable(program).isEmpty()) {
-            continue;
-        }
-        QProcess process;
-        process.start(program, arguments);
-        ASSERT_TRUE(process.waitForFinished(-1));
-        EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
-    }
+    QProcess process;
+    process.start(u"python3"_s, {u"-m"_s, u"zipfile"_s, u"-t"_s, path});
+    ASSERT_TRUE(process.waitForFinished(-1));
+    EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
 }
 
 TEST(LargePackage, MembersMayGrowBeyondFourGiB)
@@ -107,7 +98,7 @@ TEST(LargePackage, MembersMayGrowBeyondFourGiB)
     QByteArray row(27, '\0');
     EXPECT_EQ(readFully(**stream, row.data(), row.size()), 26);
     EXPECT_EQ(row.left(26), piece.right(26));
-    expectGoodForOthers(path);
+    expectGoodForPython(path);
 }
 
 // A file in memory that does not store large writes of zeros.
@@ -243,7 +234,7 @@ TEST(LargePackage, MoreThan65535MembersReadBack)
     ASSERT_TRUE(reader);
     EXPECT_EQ((*reader)->members().size(), size_t(kMembers));
     EXPECT_EQ(*(*reader)->readWhole("m69999"), "x");
-    expectGoodForOthers(path);
+    expectGoodForPython(path);
 }
 
 } // namespace

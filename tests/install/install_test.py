@@ -150,8 +150,11 @@ class Headers(Installed):
         self.assertGreater(len(headers), 40)
         for header in headers:
             self.assertNotIn('#include "base/', (self.prefix / "include" / header).read_text(encoding="utf-8"))
+        # What another header includes first is alone there as well.
+        first = {name for header in headers
+                 for name in re.findall(r'#include [<"](.+)[>"]', (self.prefix / "include" / header).read_text(encoding="utf-8"))[:1]}
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-            faults = list(pool.map(lambda header: self.compile_alone(header, flags), headers))
+            faults = list(pool.map(lambda header: self.compile_alone(header, flags), (header for header in headers if str(header) not in first)))
         self.assertFalse(any(faults), "\n".join(faults))
 
 

@@ -29,6 +29,8 @@ MODES = {"add": (1, "sheetName='New'"), "from 1": (2, BY_NUMBER + "startRow='1'"
 REFUSED = {"invalid.xlsx", "missing-bits.xlsx", "null_archive.xlsx", "pass_protected.xlsx"}
 EMPTY = {"null_file.xlsx"}
 LAST_ROW_TAKEN = {"issue_174.xlsx"}
+# Where openpyxl compares the cells: the other modes write the same sheets in another way, and openpyxl takes most of the time.
+COMPARED = ("add", "from 3", "append to copy")
 OPENED_BY_LIBREOFFICE = ["59746_NoRowNums.xlsx", "WithChartSheet.xlsx", "issue281.xlsm", "pivots.xlsx", "wtf_path.xlsx"]
 
 
@@ -116,7 +118,8 @@ class Corpus(unittest.TestCase):
                     self.assertEqual(files(self.folder), ["book.xlsx"])
                     if source.name not in EMPTY:
                         self.check_members(source)
-                        self.check_cells(source, mode, source.name not in LAST_ROW_TAKEN)
+                        if label in COMPARED:
+                            self.check_cells(source, mode, source.name not in LAST_ROW_TAKEN)
 
     @unittest.skipUnless(shutil.which("soffice"), "no LibreOffice")
     def test_libreoffice_opens_a_sample(self):
