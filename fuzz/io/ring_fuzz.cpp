@@ -9,11 +9,11 @@ using namespace corvanta::input;
 /// Put blocks of the sizes in `schedule`, each byte the low byte of its position.
 static void produce(RarRing &ring, std::span<const uint8_t> schedule)
 {
-    char next = 0;
+    unsigned next = 0;
     for (const uint8_t step : schedule) {
         std::vector<char> block(static_cast<size_t>(step) * 3);
         for (char &byte : block) {
-            byte = next++;
+            byte = static_cast<char>(next++ % 256);
         }
         if (!ring.put(block)) {
             return;
@@ -37,13 +37,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         total += static_cast<size_t>(step) * 3;
     }
     std::vector<char> out(256 + 1);
-    char expected = 0;
+    unsigned expected = 0;
     size_t done = 0;
     for (size_t read = 0; read < stopAfter; ++read) {
         const qint64 want = schedule[read % schedule.size()] + 1;
         const qint64 got = ring.take(out.data(), want);
         for (qint64 i = 0; i < got; ++i) {
-            require(out[static_cast<size_t>(i)] == expected++);
+            require(static_cast<uint8_t>(out[static_cast<size_t>(i)]) == expected++ % 256);
         }
         done += static_cast<size_t>(got);
         require(got == want || done == total);
