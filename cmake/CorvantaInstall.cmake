@@ -49,7 +49,7 @@ foreach(folder man bash-completion zsh fish)
 endforeach()
 install(DIRECTORY ${CMAKE_BINARY_DIR}/share/doc/corvanta/ DESTINATION share/doc/corvanta COMPONENT doc OPTIONAL)
 install(FILES README.md CHANGELOG.md DESTINATION share/doc/corvanta COMPONENT doc)
-install(DIRECTORY docs/ DESTINATION share/doc/corvanta/docs COMPONENT doc FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+install(DIRECTORY docs/ DESTINATION share/doc/corvanta/docs COMPONENT doc FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN generate EXCLUDE)
 
 # Below /usr the system finds the library by itself, and Debian wants neither search paths in binaries nor manual pages
 # that are not compressed. Its zsh looks for completions of packages in a folder of its own.
