@@ -50,11 +50,18 @@ size_t findNonAscii(std::string_view text)
     return at;
 }
 
+/// The number of bytes before what is not UTF-8, or not complete.
+size_t wellFormed(std::string_view text, Utf8Stop *stop)
+{
+    return static_cast<size_t>(
+        wellFormedUtf8(text.data(), static_cast<qsizetype>(text.size()), stop));
+}
+
 /// Whether the text, cut anywhere, is UTF-8.
 bool isUtf8(std::string_view text)
 {
     Utf8Stop stop = Utf8Stop::End;
-    wellFormedUtf8(text.data(), static_cast<qsizetype>(text.size()), &stop);
+    wellFormed(text, &stop);
     return stop != Utf8Stop::Invalid;
 }
 
@@ -88,7 +95,6 @@ Utf8Source::Utf8Source(ByteSource &source, QByteArray encoding, QByteArray fallb
     , m_encoding(std::move(encoding))
     , m_fallback(std::move(fallback))
     , m_isUndecided(isAuto(m_encoding))
-    , m_raw(kRawBytes)
 {
     if (m_isUndecided) {
         m_encoding = "UTF-8";
@@ -110,19 +116,25 @@ bool Utf8Source::openConverter(const QByteArray &encoding)
     return true;
 }
 
+qint64 Utf8Source::readSource(char *buffer, size_t n)
+{
+    const qint64 got = m_source.read(buffer, static_cast<qint64>(n));
+    m_hasFailed = got < 0;
+    m_isEnded = got <= 0;
+    return got;
+}
+
 /// Moves the unread bytes to the front and reads more after them. Returns false at the end.
 bool Utf8Source::fill()
 {
+    m_raw.resize(kRawBytes); // not before: most UTF-8 is never read ahead
     std::memmove(m_raw.data(), m_raw.data() + m_at, m_end - m_at);
     m_end -= m_at;
     m_at = 0;
     if (m_isEnded || m_end == m_raw.size()) {
         return false;
     }
-    const qint64 got =
-        m_source.read(m_raw.data() + m_end, static_cast<qint64>(m_raw.size() - m_end));
-    m_hasFailed = got < 0;
-    m_isEnded = got <= 0;
+    const qint64 got = readSource(m_raw.data() + m_end, m_raw.size() - m_end);
     m_end += static_cast<size_t>(std::max<qint64>(got, 0));
     return !m_isEnded;
 }
@@ -164,38 +176,84 @@ void Utf8Source::chooseFallback()
     }
 }
 
-void Utf8Source::pass(size_t n)
+/// Bytes of the source: those read ahead, then the others without a copy.
+qint64 Utf8Source::readBytes(char *buffer, size_t n)
 {
-    m_ready = unread().substr(0, n);
-    m_at += n;
+    const size_t take = std::min(n, m_end - m_at);
+    if (take != 0) {
+        std::memcpy(buffer, m_raw.data() + m_at, take);
+        m_at += take;
+        return static_cast<qint64>(take);
+    }
+    if (m_isEnded) {
+        return m_hasFailed ? -1 : 0;
+    }
+    return readSource(buffer, n);
 }
 
-/// A character that is not complete yet is held back, so that it is checked as a whole.
-void Utf8Source::prepareUtf8()
+/// Takes back bytes that readBytes() delivered last, and which m_raw has room for.
+void Utf8Source::putBack(std::string_view bytes)
 {
-    if (m_isUndecided) {
-        const size_t ascii = findNonAscii(unread());
-        if (ascii == 0 && m_at < m_end) {
-            chooseFallback();
-            return;
-        }
-        pass(ascii);
-        countLines(m_ready.data(), m_ready.data() + m_ready.size());
+    if (m_at < m_end) {
+        m_at -= bytes.size(); // they are still there
         return;
     }
-    size_t checked = 0;
-    const std::string_view bytes = unread();
-    while (checked < bytes.size()) {
-        Utf8Stop stop = Utf8Stop::End;
-        checked += static_cast<size_t>(wellFormedUtf8(
-            bytes.data() + checked, static_cast<qsizetype>(bytes.size() - checked), &stop));
-        if (stop == Utf8Stop::End || (stop == Utf8Stop::Truncated && !m_isEnded)) {
-            break;
-        }
-        m_hasInvalidUtf8 = true;
-        ++checked;
+    m_raw.resize(kRawBytes);
+    std::copy(bytes.begin(), bytes.end(), m_raw.begin());
+    m_at = 0;
+    m_end = bytes.size();
+}
+
+/// Reads ASCII, which is the same in all encodings that may be chosen. The first byte that is
+/// something else makes the choice.
+qint64 Utf8Source::readUndecided(char *buffer, size_t n)
+{
+    const qint64 got = readBytes(buffer, std::min(n, kRawBytes));
+    if (got <= 0) {
+        return got;
     }
-    pass(checked);
+    const std::string_view bytes(buffer, static_cast<size_t>(got));
+    const size_t ascii = findNonAscii(bytes);
+    countLines(buffer, buffer + ascii);
+    putBack(bytes.substr(ascii));
+    if (ascii == 0) {
+        chooseFallback();
+    }
+    return static_cast<qint64>(ascii);
+}
+
+qint64 Utf8Source::readUtf8(char *buffer, size_t n)
+{
+    const qint64 got = readBytes(buffer, n);
+    if (got > 0) {
+        checkUtf8({buffer, static_cast<size_t>(got)});
+    } else {
+        m_hasInvalidUtf8 |= !m_cut.empty();
+    }
+    return got;
+}
+
+/// A character that is cut at the end of `bytes` is checked with those that follow.
+void Utf8Source::checkUtf8(std::string_view bytes)
+{
+    constexpr size_t kMissing = 3; // bytes of a character at most
+    if (m_hasInvalidUtf8) {
+        return;
+    }
+    Utf8Stop stop = Utf8Stop::End;
+    if (!m_cut.empty()) {
+        const size_t held = m_cut.size();
+        m_cut += bytes.substr(0, kMissing);
+        const size_t whole = wellFormed(m_cut, &stop);
+        if (whole == 0) {
+            m_hasInvalidUtf8 = stop == Utf8Stop::Invalid;
+            return;
+        }
+        bytes.remove_prefix(whole - held);
+    }
+    const size_t whole = wellFormed(bytes, &stop);
+    m_hasInvalidUtf8 = stop == Utf8Stop::Invalid;
+    m_cut = bytes.substr(whole);
 }
 
 /// Counts the lines before the first replacement, whose place is its line.
@@ -252,26 +310,38 @@ void Utf8Source::begin()
     }
 }
 
+qint64 Utf8Source::readConverted(char *buffer, size_t n)
+{
+    while (m_ready.empty()) {
+        // The bytes before a failure of the source are delivered first.
+        if (m_isEnded && m_at == m_end && m_isFlushed) {
+            return m_hasFailed ? -1 : 0;
+        }
+        convert();
+        if (m_ready.empty()) {
+            fill();
+        }
+    }
+    const size_t take = std::min(m_ready.size(), n);
+    std::memcpy(buffer, m_ready.data(), take);
+    m_ready.remove_prefix(take);
+    return static_cast<qint64>(take);
+}
+
 qint64 Utf8Source::read(void *buffer, qint64 n)
 {
     if (!m_hasBegun) {
         begin();
     }
-    while (m_ready.empty()) {
-        // The bytes before a failure of the source are delivered first.
-        const bool isDone = m_isEnded && m_at == m_end && (m_isFlushed || !m_converter.isOpen());
-        if (isDone) {
-            return m_hasFailed ? -1 : 0;
-        }
-        m_converter.isOpen() ? convert() : prepareUtf8();
-        if (m_ready.empty()) {
-            fill();
+    auto *const out = static_cast<char *>(buffer);
+    const auto room = static_cast<size_t>(n);
+    if (m_isUndecided) {
+        const qint64 got = readUndecided(out, room);
+        if (m_isUndecided) {
+            return got;
         }
     }
-    const size_t take = std::min(m_ready.size(), static_cast<size_t>(n));
-    std::memcpy(buffer, m_ready.data(), take);
-    m_ready.remove_prefix(take);
-    return static_cast<qint64>(take);
+    return m_converter.isOpen() ? readConverted(out, room) : readUtf8(out, room);
 }
 
 } // namespace corvanta::encoding

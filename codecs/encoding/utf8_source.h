@@ -19,7 +19,7 @@
 
 #include <QByteArray>
 
-#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -58,15 +58,20 @@ public:
 private:
     void begin();
     bool openConverter(const QByteArray &encoding);
+    qint64 readSource(char *buffer, size_t n);
+    qint64 readBytes(char *buffer, size_t n);
+    void putBack(std::string_view bytes);
     bool fill();
     void fillProbe();
     std::string_view unread() const { return {m_raw.data() + m_at, m_end - m_at}; }
     void findEncoding();
-    // Each sets m_ready to the next bytes to deliver, which may be none.
-    void prepareUtf8();
-    void prepareConverted();
     void chooseFallback();
-    void pass(size_t n);
+    // The three ways to read().
+    qint64 readUndecided(char *buffer, size_t n);
+    qint64 readUtf8(char *buffer, size_t n);
+    qint64 readConverted(char *buffer, size_t n);
+    void checkUtf8(std::string_view bytes);
+    /// Sets m_ready to the next bytes to deliver, which may be none.
     void convert();
     void replace(size_t n, char **out);
     void countLines(const char *begin, const char *end);
@@ -84,12 +89,14 @@ private:
     bool m_isEnded = false;   // the source has no more bytes
     bool m_hasFailed = false; // the source failed
     bool m_isFlushed = false; // the converter holds no characters back
-    // Bytes m_at to m_end have been read and not yet converted or passed on.
+    // Bytes m_at to m_end have been read ahead and not yet converted or delivered. UTF-8 is read
+    // into the buffer of the caller instead.
     std::vector<char> m_raw;
     size_t m_at = 0;
     size_t m_end = 0;
+    std::string m_cut;        // the beginning of a UTF-8 character, not checked yet
     std::vector<char> m_text; // converted
-    std::string_view m_ready; // in m_raw or m_text: to be delivered
+    std::string_view m_ready; // in m_text: to be delivered
     Occurrences m_replaced;
     qint64 m_lines = 0; // complete ones that are converted, until the first replacement
 };

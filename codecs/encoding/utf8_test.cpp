@@ -105,6 +105,26 @@ TEST(Utf8Source, CountsWhatIsNotInTheEncoding)
     EXPECT_EQ(utf8.encoding(), "UTF-8");
 }
 
+TEST(Utf8Source, ChecksCharactersThatAreCutBetweenReads)
+{
+    const QByteArray valid = "\xC3\xBC\xE5\x90\x8D"
+                             "a\xF0\x9F\x98\x80";
+    const std::pair<QByteArray, bool> cases[] = {{valid, false},
+                                                 {valid + "\xF0\x9F\x98", true},
+                                                 {"\xE5\x90" + valid, true},
+                                                 {"\xF0\x9F\x98"
+                                                  "a",
+                                                  true}};
+    for (const auto &[bytes, isInvalid] : cases) {
+        for (qint64 piece = 1; piece <= bytes.size(); ++piece) {
+            MemorySource memory(bytes);
+            Utf8Source source(memory, "UTF-8");
+            EXPECT_EQ(readAll(source, piece), bytes);
+            EXPECT_EQ(source.hasInvalidUtf8(), isInvalid) << bytes.toHex().constData() << piece;
+        }
+    }
+}
+
 TEST(Utf8Source, DeliversTheBytesBeforeAFailure)
 {
     for (const char *encoding : {kAuto, "utf-8", "latin1"}) {
