@@ -148,6 +148,18 @@ Result<void, Error> RecordReader::begin()
     return {};
 }
 
+/// Sets the members one by one: a copy of a whole field waits for the stores of its parts.
+inline void RecordReader::addField(const char *text, qsizetype size, bool isQuoted)
+{
+    if (m_fieldCount == m_fields.size()) [[unlikely]] {
+        m_fields.emplace_back();
+    }
+    Field &field = m_fields[m_fieldCount++];
+    field.text = text;
+    field.size = size;
+    field.isQuoted = isQuoted;
+}
+
 /// Scans a quoted field from the byte after its opening quote; returns the place after the closing
 /// quote, or null if the bytes end before it is certain.
 const char *RecordReader::scanQuoted(const char *at, const char *end)
@@ -161,13 +173,20 @@ const char *RecordReader::scanQuoted(const char *at, const char *end)
             return nullptr;
         }
         const bool isDoubled = quote + 1 < end && quote[1] == *quote;
-        // Of a doubled quote the first one belongs to the text.
-        m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
+        if (isDoubled || at != begin) {
+            // Of a doubled quote the first one belongs to the text.
+            m_scratch.insert(m_scratch.end(), at, quote + (isDoubled ? 1 : 0));
+        }
         if (!isDoubled) {
-            m_nextLine += std::count(begin, quote, m_lineEnd);
-            // The text gets its address in placeQuotedFields(): m_scratch may still move.
-            m_fields.push_back(
-                {nullptr, static_cast<qsizetype>(m_scratch.size() - scratchBegin), true});
+            if (findFirstOf(begin, quote, m_lineEnd) != quote) { // rare, and faster than to count
+                m_nextLine += std::count(begin, quote, m_lineEnd);
+            }
+            const bool isCopied = at != begin;
+            // A copied text gets its address in placeCopiedFields(): m_scratch may still move.
+            addField(isCopied ? nullptr : begin,
+                     isCopied ? static_cast<qsizetype>(m_scratch.size() - scratchBegin)
+                              : quote - begin,
+                     true);
             return quote + 1;
         }
         at = quote + 2;
@@ -181,15 +200,15 @@ inline const char *RecordReader::scanPlain(const char *begin, const char *end)
     while (at < end && *at == '\r' && m_lineEnd == '\n' && at + 1 < end && at[1] != '\n') {
         at = findFirstOf(at + 1, end, m_separator, '\n', '\r'); // a lone CR belongs to the field
     }
-    m_fields.push_back({begin, at - begin, false});
+    addField(begin, at - begin, false);
     return at;
 }
 
 /// Ends the record at `at`, the end of its last field.
 inline RecordReader::Scan RecordReader::endRecord(const char *at, const char *end)
 {
-    if (at + 1 == end && *at == '\r' && m_lineEnd == '\n' && !m_fields.back().isQuoted) {
-        ++m_fields.back().size; // the text ends with a lone CR
+    if (at + 1 == end && *at == '\r' && m_lineEnd == '\n' && !fields().back().isQuoted) {
+        ++m_fields[m_fieldCount - 1].size; // the text ends with a lone CR
     }
     at += at < end && *at == '\r' ? 1 : 0;
     at += at < end && *at == '\n' ? 1 : 0;
@@ -228,7 +247,7 @@ RecordReader::Scan RecordReader::scanRecord()
 {
     const char *at = m_bytes + m_at;
     const char *const end = m_bytes + m_fill;
-    m_fields.clear();
+    m_fieldCount = 0;
     m_scratch.clear();
     m_line = m_nextLine;
     m_recordAt = m_at;
@@ -268,12 +287,12 @@ RecordReader::Scan RecordReader::scanRecord()
     }
 }
 
-/// Sets the texts of quoted fields, after m_scratch has its final address.
-inline void RecordReader::placeQuotedFields()
+/// Sets the texts of copied fields, after m_scratch has its final address.
+inline void RecordReader::placeCopiedFields()
 {
     const char *scratch = m_scratch.data();
-    for (Field &field : m_fields) {
-        if (field.isQuoted) {
+    for (Field &field : std::span(m_fields.data(), m_scratch.empty() ? 0 : m_fieldCount)) {
+        if (field.text == nullptr) {
             field.text = scratch;
             scratch += field.size;
         }
@@ -290,7 +309,7 @@ Result<bool, Error> RecordReader::next()
     for (;;) {
         switch (scanRecord()) {
         case Scan::Record:
-            placeQuotedFields();
+            placeCopiedFields();
             return true;
         case Scan::Skipped:
             break;

@@ -45,7 +45,7 @@ struct Field
     std::string_view view() const { return {text, static_cast<size_t>(size)}; }
 };
 
-/// Reads blocks of bytes and scans records in place. Only quoted fields are copied.
+/// Reads blocks of bytes and scans records in place. Only fields with doubled quotes are copied.
 class RecordReader
 {
 public:
@@ -78,7 +78,7 @@ public:
 
     /// The fields of the record, at least one; valid until the next call of next(). An empty line
     /// is a record of one empty field. Quotes are removed and doubled quotes are single.
-    std::span<const Field> fields() const { return m_fields; }
+    std::span<const Field> fields() const { return {m_fields.data(), m_fieldCount}; }
 
     /// The bytes of the record as they are in the source, with its line end; valid like fields().
     std::string_view record() const { return {m_bytes + m_recordAt, m_at - m_recordAt}; }
@@ -105,7 +105,8 @@ private:
     Scan endRecord(const char *at, const char *end);
     const char *scanQuoted(const char *at, const char *end);
     const char *scanPlain(const char *at, const char *end);
-    void placeQuotedFields();
+    void addField(const char *text, qsizetype size, bool isQuoted);
+    void placeCopiedFields();
     Result<void, Error> refill();
     Result<void, Error> readMore();
     Result<void, Error> growBlock();
@@ -127,8 +128,9 @@ private:
     qint64 m_blockOffset = 0;      // of the block's first byte in the source
     bool m_hasBegun = false;       // the first bytes have been examined
     bool m_isEnded = false;        // the source has no more bytes
-    std::vector<Field> m_fields;
-    std::vector<char> m_scratch; // texts of the quoted fields
+    std::vector<Field> m_fields;   // those after m_fieldCount are of earlier records
+    size_t m_fieldCount = 0;
+    std::vector<char> m_scratch; // texts of the fields with doubled quotes
     qint64 m_line = 1;           // of the current record
     qint64 m_nextLine = 1;       // of the record after it
 };
