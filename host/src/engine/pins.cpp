@@ -121,11 +121,9 @@ void OutputPin::appendOwn()
         batch.columns = m_row.numberOfColumns();
     }
     const MetaInfo *const types = batch.schema->types.constData();
-    const size_t first = batch.cells.size();
-    batch.cells.resize(first + static_cast<size_t>(batch.columns));
-    const uchar **const cells = batch.cells.data() + first;
+    const uchar **const cells = m_row.m_own.data();
     for (int i = 0; i < batch.columns; ++i) {
-        const uchar *cell = std::exchange(m_row.m_own[static_cast<size_t>(i)], nullptr);
+        const uchar *&cell = cells[i];
         // A cell in the current block of the arena is already in the batch. isRecent() misses cells
         // in older blocks, which are copied once more; that is correct and rare.
         if (cell == nullptr) {
@@ -133,8 +131,9 @@ void OutputPin::appendOwn()
         } else if (!batch.arena.isRecent(cell)) {
             cell = copyCell(batch.arena, types[i].cellType(), cell);
         }
-        cells[i] = cell;
     }
+    batch.cells.insert(batch.cells.end(), cells, cells + batch.columns);
+    std::fill_n(cells, batch.columns, nullptr);
     if (++batch.rows == m_options.batchRows || batch.arena.bytesUsed() >= kBatchArenaBytes) {
         flush();
     }
