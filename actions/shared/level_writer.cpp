@@ -417,8 +417,12 @@ void LevelWriter::notePlace(const compose::CountedValues &values, QString *place
 
 void LevelWriter::notePlaces()
 {
-    notePlace(m_run->composer->lackingValues(), &m_run->lackingPlace);
-    notePlace(m_run->composer->lostNumbers(), &m_run->lostNumberPlace);
+    const compose::CountedValues &lacking = m_run->composer->lackingValues();
+    const compose::CountedValues &lost = m_run->composer->lostNumbers();
+    if (lacking.count != 0 || lost.count != 0) [[unlikely]] { // called for every row
+        notePlace(lacking, &m_run->lackingPlace);
+        notePlace(lost, &m_run->lostNumberPlace);
+    }
 }
 
 /// The formats have no form for such numbers that all readers know.

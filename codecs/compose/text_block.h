@@ -44,7 +44,7 @@ public:
     qsizetype room() const { return static_cast<qsizetype>(m_units.size()); }
     /// Copy the text to `out`, which has room() units of room. Returns the end of the text; the
     /// units after it are overwritten.
-    char16_t *put(char16_t *out) const
+    [[gnu::always_inline]] char16_t *put(char16_t *out) const
     {
         for (qsizetype i = 0; i < room(); i += kStep) {
             std::memcpy(out + i, m_units.data() + i, kStep * sizeof(char16_t));
