@@ -33,8 +33,12 @@ public:
 
     QStringList selectedIds() const { return m_scene->selectedIds(); }
     QVector<LinkRef> selectedLinks() const { return m_scene->selectedLinks(); }
-    /// Select these actions and nothing else.
-    void select(const QStringList &ids) { m_scene->select(ids); }
+    /// Select these and nothing else.
+    void select(const QStringList &ids, const QVector<LinkRef> &links = {},
+                const QVector<int> &notes = {})
+    {
+        m_scene->select(ids, links, notes);
+    }
     /// Select an action, scroll to it, and give it the focus.
     void showAction(const QString &id);
     /// The same for a link and a note.

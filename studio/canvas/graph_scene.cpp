@@ -253,7 +253,8 @@ QString GraphScene::currentId() const
 }
 
 // Blocked signals: a selection of many nodes is one change for panels.
-void GraphScene::select(const QStringList &ids)
+void GraphScene::select(const QStringList &ids, const QVector<LinkRef> &links,
+                        const QVector<int> &notes)
 {
     {
         const QSignalBlocker one(this); // one signal for all
@@ -262,6 +263,12 @@ void GraphScene::select(const QStringList &ids)
             if (NodeItem *const item = node(id)) {
                 item->setSelected(true);
             }
+        }
+        for (LinkItem *const item : std::as_const(m_links)) {
+            item->setSelected(links.contains(item->link()));
+        }
+        for (NoteItem *const item : std::as_const(m_notes)) {
+            item->setSelected(notes.contains(item->key()));
         }
     }
     Q_EMIT selectionChanged();

@@ -48,8 +48,9 @@ public:
     QStringList selectedIds() const;
     QVector<LinkRef> selectedLinks() const;
     QString currentId() const;
-    /// Select these nodes and nothing else.
-    void select(const QStringList &ids);
+    /// Select these nodes, links and notes and nothing else.
+    void select(const QStringList &ids, const QVector<LinkRef> &links = {},
+                const QVector<int> &notes = {});
     /// Select only this node, and give it the focus.
     void setCurrent(const QString &id);
 

@@ -102,10 +102,16 @@ QVector<LinkRef> GraphCommands::selectedLinks() const
     return canvas() != nullptr ? canvas()->selectedLinks() : QVector<LinkRef>();
 }
 
-void GraphCommands::select(const QStringList &ids)
+QVector<int> GraphCommands::selectedNotes() const
+{
+    return canvas() != nullptr ? canvas()->graphScene().selectedNotes() : QVector<int>();
+}
+
+void GraphCommands::select(const QStringList &ids, const QVector<LinkRef> &links,
+                           const QVector<int> &notes)
 {
     if (canvas() != nullptr) {
-        canvas()->select(ids);
+        canvas()->select(ids, links, notes);
     }
 }
 
@@ -229,8 +235,7 @@ void GraphCommands::update()
     enable({"edit.undo"}, hasGraph && document()->undoStack()->canUndo());
     enable({"edit.redo"}, hasGraph && document()->undoStack()->canRedo());
     enable({"edit.cut", "edit.copy", "edit.duplicate"}, count > 0);
-    const bool hasNote = hasGraph && !canvas()->graphScene().selectedNotes().isEmpty();
-    enable({"edit.delete"}, count + links > 0 || hasNote);
+    enable({"edit.delete"}, count + links + selectedNotes().size() > 0);
     enable({"edit.paste", "edit.selectAll", "view.zoomIn", "view.zoomOut", "view.zoomReset",
             "view.zoomFit", "graph.note", "graph.layout", "export.svg", "export.png", "export.pdf",
             "export.command", "export.script"},

@@ -27,7 +27,10 @@ public:
 
     /// What is selected; nothing on the start page.
     QStringList selectedIds() const;
-    void select(const QStringList &ids);
+    QVector<LinkRef> selectedLinks() const;
+    QVector<int> selectedNotes() const;
+    void select(const QStringList &ids, const QVector<LinkRef> &links = {},
+                const QVector<int> &notes = {});
     /// Select an action and make it visible.
     void showAction(const QString &id);
     /// Add an action and select it: into the selected link or after the selected action, if that is
@@ -53,7 +56,6 @@ private:
     DocumentTab *tab() const;
     GraphDocument *document() const;
     CanvasView *canvas() const;
-    QVector<LinkRef> selectedLinks() const;
     /// The runs of the current tab, after the edit in progress has become a part of the graph.
     RunController *runs() const;
 

@@ -367,7 +367,7 @@ void MainWindow::showSelection()
     GraphDocument *const document = m_shown != nullptr ? m_shown->document() : nullptr;
     const QStringList ids = m_graphCommands->selectedIds();
     m_properties->show(document, ids);
-    m_outline->setSelected(ids);
+    m_outline->setSelected(ids, m_graphCommands->selectedLinks(), m_graphCommands->selectedNotes());
     if (ids.size() == 1) {
         m_data->showAction(ids.first()); // else the last one stays
     }

@@ -242,6 +242,35 @@ TEST_F(Shell, OutlineShowsLinksAndSelects)
     EXPECT_EQ(outline.topLevelItemCount(), 2);
 }
 
+TEST_F(Shell, OutlineSelectsLinksAndNotes)
+{
+    open();
+    document().addNote({300, 300}, u"Prices"_s);
+    QTest::qWait(10);
+    auto &outline = child<QTreeWidget>("outline");
+    outline.setFocus();
+    // The output of the first action, which is also the input of the second one.
+    outline.topLevelItem(0)->setExpanded(true);
+    outline.setCurrentItem(outline.topLevelItem(0)->child(0));
+    EXPECT_EQ(canvas().selectedIds(), QStringList());
+    EXPECT_EQ(canvas().selectedLinks(), QVector{document().links().first()});
+    EXPECT_TRUE(outline.topLevelItem(1)->child(0)->isSelected());
+    trigger("edit.delete");
+    EXPECT_EQ(document().ids().size(), 3);
+    EXPECT_EQ(document().links().size(), 1);
+    QTest::qWait(10);
+    outline.setCurrentItem(outline.topLevelItem(3));
+    trigger("edit.delete");
+    EXPECT_TRUE(document().notes().isEmpty());
+    EXPECT_EQ(document().ids().size(), 3);
+    const LinkRef rest = document().links().first();
+    canvas().select({u"book"_s}, {rest});
+    QTest::qWait(10);
+    EXPECT_TRUE(outline.topLevelItem(2)->isSelected());
+    EXPECT_TRUE(outline.topLevelItem(2)->child(0)->isSelected());
+    EXPECT_FALSE(outline.topLevelItem(2)->isExpanded());
+}
+
 TEST_F(Shell, ProblemsAreListedWhileEditing)
 {
     open();

@@ -5,6 +5,7 @@
 
 #include <QSet>
 #include <QSignalBlocker>
+#include <QTreeWidgetItemIterator>
 
 using namespace Qt::StringLiterals;
 
@@ -13,6 +14,8 @@ namespace corvanta::studio {
 namespace {
 
 constexpr int kIdRole = Qt::UserRole;
+constexpr int kLinkRole = Qt::UserRole + 1; // each link has two rows, one at each end
+constexpr int kNoteRole = Qt::UserRole + 2;
 
 } // namespace
 
@@ -29,8 +32,11 @@ Outline::Outline(QWidget *parent)
     m_update.setInterval(0);
     connect(&m_update, &QTimer::timeout, this, &Outline::fill);
     connect(this, &QTreeWidget::itemSelectionChanged, this, &Outline::reportSelection);
-    connect(this, &QTreeWidget::itemActivated, this,
-            [this](const QTreeWidgetItem *item) { Q_EMIT shown(idOf(*item)); });
+    connect(this, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem *item) {
+        if (const QString id = idOf(*item); !id.isEmpty()) {
+            Q_EMIT shown(id);
+        }
+    });
 }
 
 void Outline::setDocument(GraphDocument *document)
@@ -39,7 +45,9 @@ void Outline::setDocument(GraphDocument *document)
         m_document->disconnect(this);
     }
     m_document = document;
-    m_selected.clear();
+    m_ids.clear();
+    m_links.clear();
+    m_notes.clear();
     if (document != nullptr) {
         // A step may emit hundreds of signals; the timer runs once for all of them.
         const auto update = [this] { m_update.start(); };
@@ -74,7 +82,8 @@ void Outline::fill()
         topLevelItem(topLevelItemCount() - 1)->setExpanded(open.contains(id));
     }
     for (const Note &note : m_document->notes()) {
-        new QTreeWidgetItem(this, {tr("Note"), {}, note.text.simplified()}); // the tree owns it
+        auto *const item = new QTreeWidgetItem(this, {tr("Note"), {}, note.text.simplified()});
+        item->setData(0, kNoteRole, note.key);
     }
     // An edit must not take the place of a user who reads the tree.
     if (const auto same = findItems(current, Qt::MatchExactly | Qt::MatchRecursive);
@@ -85,7 +94,7 @@ void Outline::fill()
         resizeColumnToContents(i);
     }
     // The items are new, the selection of the canvas is not.
-    setSelected(m_selected);
+    setSelected(m_ids, m_links, m_notes);
 }
 
 void Outline::addAction(const QString &id)
@@ -100,6 +109,7 @@ void Outline::addAction(const QString &id)
         auto *const child = new QTreeWidgetItem(item, {text.arg(QString::number(pin), target)});
         // Enter on a link leads to the action at its other end.
         child->setData(0, kIdRole, other.action);
+        child->setData(0, kLinkRole, QVariant::fromValue(link));
     };
     for (int pin = 0; pin < m_document->inputCount(id); ++pin) {
         for (const LinkRef &link : m_document->linksTo({id, pin})) {
@@ -118,20 +128,30 @@ QString Outline::idOf(const QTreeWidgetItem &item)
     return item.data(0, kIdRole).toString();
 }
 
-void Outline::setSelected(const QStringList &ids)
+void Outline::setSelected(const QStringList &ids, const QVector<LinkRef> &links,
+                          const QVector<int> &notes)
 {
-    m_selected = ids;
+    m_ids = ids;
+    m_links = links;
+    m_notes = notes;
     // The selection comes from the canvas: reporting it would be a loop.
     const QSignalBlocker blocker(this);
     // A graph may have thousands of actions, and all may be selected.
     const QSet<QString> wanted(ids.begin(), ids.end());
     QTreeWidgetItem *first = nullptr;
     clearSelection();
-    for (int i = 0; i < topLevelItemCount(); ++i) {
-        QTreeWidgetItem *const item = topLevelItem(i);
-        if (wanted.contains(idOf(*item))) {
-            first = first != nullptr ? first : item;
-            item->setSelected(true);
+    for (QTreeWidgetItemIterator it(this); *it != nullptr; ++it) {
+        const QVariant link = (*it)->data(0, kLinkRole);
+        const QVariant note = (*it)->data(0, kNoteRole);
+        const bool isSelected = link.isValid()   ? links.contains(link.value<LinkRef>())
+                                : note.isValid() ? notes.contains(note.toInt())
+                                                 : wanted.contains(idOf(**it));
+        if (isSelected) {
+            const QTreeWidgetItem *const parent = (*it)->parent();
+            // Scrolling to it would unfold its action.
+            const bool isFolded = parent != nullptr && !parent->isExpanded();
+            first = first != nullptr || isFolded ? first : *it;
+            (*it)->setSelected(true);
         }
     }
     // While the user moves in the tree, its current item is the one that counts.
@@ -144,15 +164,19 @@ void Outline::setSelected(const QStringList &ids)
 void Outline::reportSelection()
 {
     QStringList ids;
+    QVector<LinkRef> links;
+    QVector<int> notes;
+    // The commands act on these, so that a link must not stand for its action.
     for (const QTreeWidgetItem *const item : selectedItems()) {
-        // A link has its action as the parent.
-        ids << idOf(item->parent() != nullptr ? *item->parent() : *item);
+        if (const QVariant link = item->data(0, kLinkRole); link.isValid()) {
+            links << link.value<LinkRef>();
+        } else if (const QVariant note = item->data(0, kNoteRole); note.isValid()) {
+            notes << note.toInt();
+        } else {
+            ids << idOf(*item);
+        }
     }
-    ids.removeAll(QString()); // of notes
-    // An action may be selected together with its links.
-    ids.removeDuplicates();
-    m_selected = ids;
-    Q_EMIT selectionChosen(ids);
+    Q_EMIT selectionChosen(ids, links, notes);
 }
 
 } // namespace corvanta::studio

@@ -1,5 +1,7 @@
 // The graph as a tree: each action with its inputs and outputs. A screen reader can read it all.
 #pragma once
+#include "studio/document/content.h"
+
 #include <QPointer>
 #include <QTimer>
 #include <QTreeWidget>
@@ -8,7 +10,7 @@ namespace corvanta::studio {
 
 class GraphDocument;
 
-/// Selecting actions here selects them on the canvas. Threads: the GUI thread.
+/// Selecting actions, links and notes here selects them on the canvas. Threads: the GUI thread.
 class Outline final : public QTreeWidget
 {
     Q_OBJECT
@@ -17,11 +19,13 @@ public:
     explicit Outline(QWidget *parent = nullptr);
     /// Show a document; null for none.
     void setDocument(GraphDocument *document);
-    /// Show which actions are selected elsewhere. Emits nothing.
-    void setSelected(const QStringList &ids);
+    /// Show what is selected elsewhere. Emits nothing.
+    void setSelected(const QStringList &ids, const QVector<LinkRef> &links,
+                     const QVector<int> &notes);
 
 Q_SIGNALS:
-    void selectionChosen(const QStringList &ids);
+    void selectionChosen(const QStringList &ids, const QVector<LinkRef> &links,
+                         const QVector<int> &notes);
     /// Enter or a double click: show the action on the canvas.
     void shown(const QString &id);
 
@@ -30,14 +34,18 @@ private:
     void fill();
     /// Add an action with an item per link.
     void addAction(const QString &id);
-    /// Report which actions the user has selected here.
+    /// Report what the user has selected here.
     void reportSelection();
-    /// Of a link the action at its other end.
+    /// Of a link the action at its other end; of a note empty.
     static QString idOf(const QTreeWidgetItem &item);
 
     QPointer<GraphDocument> m_document;
     QTimer m_update; // so that many changes are one update
-    QStringList m_selected;
+    // What is selected.
+
+    QStringList m_ids;
+    QVector<LinkRef> m_links;
+    QVector<int> m_notes;
 };
 
 } // namespace corvanta::studio
