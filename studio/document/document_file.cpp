@@ -5,6 +5,7 @@
 #include "corvanta/target_file.h"
 #include "studio/document/problem_watch.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -29,6 +30,13 @@ QByteArray bytesOf(const QString &name)
 {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Identifies a content; empty for a file that cannot be read.
+QByteArray digestOf(const QByteArray &bytes)
+{
+    return bytes.isNull() ? QByteArray()
+                          : QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
 }
 
 /// The lock that a running session has on its recovery file.
@@ -65,7 +73,7 @@ DocumentFile::~DocumentFile()
 // A watch follows the file and not its name, so it begins again.
 void DocumentFile::setContent(const QByteArray &bytes)
 {
-    m_content = bytes;
+    m_base = digestOf(bytes);
     if (!m_watcher.files().isEmpty()) {
         m_watcher.removePaths(m_watcher.files());
     }
@@ -73,6 +81,18 @@ void DocumentFile::setContent(const QByteArray &bytes)
         m_watcher.removePaths(m_watcher.directories());
     }
     watch();
+}
+
+void DocumentFile::setBase(const QByteArray &digest)
+{
+    m_base = digest;
+    watch();
+    m_noticeTimer.start();
+}
+
+void DocumentFile::acceptFile()
+{
+    setContent(bytesOf(m_document.fileName()));
 }
 
 /// The folder too: a program that replaces the file ends the watch of the old one.
@@ -95,7 +115,7 @@ void DocumentFile::watch()
 bool DocumentFile::hasChanged() const
 {
     const QString name = m_document.fileName();
-    return !name.isEmpty() && !m_content.isNull() && bytesOf(name) != m_content;
+    return !name.isEmpty() && digestOf(bytesOf(name)) != m_base;
 }
 
 /// Compare the file, after a change of it or of its folder.
@@ -131,7 +151,8 @@ void DocumentFile::writeRecovery()
     }
     // A TargetFile would flush to the device, which is too slow for each edit.
     QSaveFile file(m_recovery);
-    const QJsonObject head{{u"original"_s, m_document.fileName()}};
+    const QJsonObject head{{u"original"_s, m_document.fileName()},
+                           {u"base"_s, QString::fromLatin1(m_base)}};
     if (file.open(QIODevice::WriteOnly)) {
         file.write(QJsonDocument(head).toJson(QJsonDocument::Compact) + '\n' + m_document.toXml());
         file.commit();
@@ -163,10 +184,10 @@ QVector<GraphDocument::Recovery> DocumentFile::recoveries()
     for (const QFileInfo &info : files) {
         const auto lock = lockOf(info.absoluteFilePath());
         if (lock->tryLock(0)) { // released at the end of the block
-            const QByteArray head = bytesOf(info.absoluteFilePath()).split('\n').first();
-            all.append({info.absoluteFilePath(),
-                        QJsonDocument::fromJson(head).object().value("original"_L1).toString(),
-                        info.lastModified()});
+            const QByteArray line = bytesOf(info.absoluteFilePath()).split('\n').first();
+            const QJsonObject head = QJsonDocument::fromJson(line).object();
+            all.append({info.absoluteFilePath(), head.value("original"_L1).toString(),
+                        info.lastModified(), head.value("base"_L1).toString().toLatin1()});
         }
     }
     return all;
@@ -207,7 +228,7 @@ GraphDocument::FileResult<void> GraphDocument::reload()
     if (auto loaded = load(text, name); !loaded) {
         return loaded;
     }
-    m_isRecovered = false;
+    m_differsFromFile = false;
     m_file->setContent(text);
     m_file->removeRecovery();
     Q_EMIT reloaded();
@@ -228,7 +249,7 @@ GraphDocument::FileResult<void> GraphDocument::write(const QString &file)
     }
     m_file->setContent(text);
     m_file->removeRecovery();
-    m_isRecovered = false;
+    m_differsFromFile = false;
     m_undo.setClean();
     Q_EMIT modifiedChanged(false);
     return {};
@@ -264,6 +285,15 @@ bool GraphDocument::hasChangedOnDisk() const
     return m_file->hasChanged();
 }
 
+// A removed file may have been the only other copy, so a kill must not lose this one either.
+void GraphDocument::keepContent()
+{
+    m_differsFromFile = true;
+    m_file->acceptFile();
+    m_file->scheduleRecovery();
+    Q_EMIT modifiedChanged(true);
+}
+
 QVector<GraphDocument::Recovery> GraphDocument::recoveries()
 {
     return DocumentFile::recoveries();
@@ -278,8 +308,8 @@ GraphDocument::recover(const Recovery &recovery, const ActionRegistry &registry)
     if (const auto loaded = document->load(text, recovery.original); !loaded) {
         return loaded.fault();
     }
-    document->m_isRecovered = true;
-    document->m_file->setContent(bytesOf(recovery.original));
+    document->m_differsFromFile = true;
+    document->m_file->setBase(recovery.base);
     document->m_file->writeRecovery();
     discard(recovery);
     return document;

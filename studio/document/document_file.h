@@ -22,6 +22,11 @@ public:
 
     /// The document now has the content `bytes` of its file.
     void setContent(const QByteArray &bytes);
+    /// The document is made from a file with this digest; empty: from none. A change of the file
+    /// since then is reported soon.
+    void setBase(const QByteArray &digest);
+    /// The document goes on from the file as it is now, whatever it contains.
+    void acceptFile();
     /// Whether the file differs from that content. Reads the file.
     bool hasChanged() const;
 
@@ -46,7 +51,7 @@ private:
     void noticeChange();
 
     GraphDocument &m_document;
-    QByteArray m_content; // of the file when it was opened or saved
+    QByteArray m_base; // digest of the file when it was opened or saved; empty: there was none
     QFileSystemWatcher m_watcher;
     QTimer m_noticeTimer; // several changes of the file are reported once
     QTimer m_recoveryTimer;

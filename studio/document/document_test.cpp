@@ -388,6 +388,14 @@ TEST_F(StudioDocument, SavesWithUndoAndNoticesOtherPrograms)
     write(u"test.graph"_s, kGraph);
     EXPECT_TRUE(changed.wait(kTimeoutMs));
     EXPECT_TRUE(document->hasChangedOnDisk());
+    document->keepContent();
+    EXPECT_TRUE(document->isModified());
+    EXPECT_FALSE(document->hasChangedOnDisk());
+    QFile::remove(document->fileName());
+    EXPECT_TRUE(document->hasChangedOnDisk());
+    document->keepContent();
+    write(u"test.graph"_s, kGraph); // it came back
+    EXPECT_TRUE(document->hasChangedOnDisk());
     ASSERT_TRUE(document->reload());
     EXPECT_FALSE(document->isModified());
     EXPECT_EQ(document->undoStack()->count(), 0);
@@ -444,7 +452,17 @@ TEST_F(StudioDocument, AKilledSessionIsRecovered)
     ASSERT_TRUE(recovered);
     EXPECT_EQ((*recovered)->toXml(), text);
     EXPECT_TRUE((*recovered)->isModified());
+    EXPECT_FALSE((*recovered)->hasChangedOnDisk());
     EXPECT_TRUE(GraphDocument::recoveries().isEmpty());
+    // A program has changed the original since.
+    write(u"test.graph"_s, "<graph/>");
+    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
+    left.write(saved);
+    left.close();
+    const auto later = GraphDocument::recover(found[0], test::allActions());
+    ASSERT_TRUE(later);
+    QSignalSpy changed(later->get(), &GraphDocument::changedOnDisk);
+    EXPECT_TRUE(changed.wait(kTimeoutMs));
 }
 
 TEST_F(StudioDocument, ProblemsFollowTheEdits)

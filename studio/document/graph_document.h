@@ -65,9 +65,12 @@ public:
     QString fileName() const { return m_graph.fileName; }
     /// The name of the file without its folder, or "Untitled", for titles.
     QString title() const;
-    bool isModified() const { return m_isRecovered || !m_undo.isClean(); }
+    bool isModified() const { return m_differsFromFile || !m_undo.isClean(); }
     /// Whether another program has changed or removed the file since it was opened or saved.
     bool hasChangedOnDisk() const;
+    /// Keep this content, although another program has changed or removed the file: the document
+    /// counts as modified until it is saved.
+    void keepContent();
     /// What save() writes.
     QByteArray toXml() const;
 
@@ -77,10 +80,12 @@ public:
         QString file;     ///< of the recovery
         QString original; ///< the file of its graph; empty: it had none
         QDateTime time;   ///< of the last edit in it
+        QByteArray base;  ///< digest of the original that was edited; empty: it had none
     };
     /// The recovery files of sessions that are not running, newest first.
     static QVector<Recovery> recoveries();
-    /// Open a recovery; the document has the original's name and counts as modified.
+    /// Open a recovery; the document has the original's name and counts as modified. Soon after it
+    /// emits changedOnDisk() if the original is not the one that was edited.
     static FileResult<std::unique_ptr<GraphDocument>> recover(const Recovery &recovery,
                                                               const ActionRegistry &registry);
     /// Remove a recovery that the user does not want.
@@ -264,9 +269,9 @@ private:
     QHash<int, std::shared_ptr<ActionItem>> m_items; // by key, also of removed actions
     int m_nextKey = 0;
     int m_nextRevision = 1;
-    int m_nextSeries = -1;  // of edits of the document itself; those of panels are positive
-    int m_upToDateKey = -1; // the action that already has the parameters of the step
-    bool m_isRecovered = false;
+    int m_nextSeries = -1;          // of edits of the document itself; those of panels are positive
+    int m_upToDateKey = -1;         // the action that already has the parameters of the step
+    bool m_differsFromFile = false; // although the undo stack is at the saved state
     QHash<QString, RunState> m_runStates;
     QUndoStack m_undo;
     std::unique_ptr<DocumentFile> m_file;

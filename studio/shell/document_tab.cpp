@@ -6,6 +6,7 @@
 #include "studio/run/run_controller.h"
 #include "studio/shell/views/message_bar.h"
 
+#include <QFileInfo>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -70,6 +71,12 @@ QString DocumentTab::title() const
 
 void DocumentTab::offerReload()
 {
+    if (!QFileInfo::exists(m_document->fileName())) {
+        m_document->keepContent();
+        m_messages->show(tr("The file was removed or renamed. Save the graph to keep it."),
+                         {{tr("Close")}});
+        return;
+    }
     const QString text = m_document->isModified()
                              ? tr("Another program has changed the file. Reading it again loses "
                                   "the unsaved changes.")
@@ -80,7 +87,8 @@ void DocumentTab::offerReload()
         }
     };
     // Not a dialog: the user may compare the graph with the file first.
-    m_messages->show(text, {{tr("Read it again"), reload}, {tr("Keep this version")}});
+    const auto keep = [this] { m_document->keepContent(); };
+    m_messages->show(text, {{tr("Read it again"), reload}, {tr("Keep this version"), keep}});
 }
 
 } // namespace corvanta::studio

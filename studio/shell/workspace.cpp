@@ -222,6 +222,15 @@ bool Workspace::saveAs(DocumentTab *tab)
 bool Workspace::write(DocumentTab *tab, const QString &fileName)
 {
     GraphDocument *const document = tab->document();
+    // The message above the canvas may come too late, or be overlooked.
+    if (fileName == document->fileName() && QFileInfo::exists(fileName) &&
+        document->hasChangedOnDisk() &&
+        ask(tr("Save the graph"),
+            tr("Another program has changed \"%1\". Save this version over it?")
+                .arg(document->title()),
+            QMessageBox::Save | QMessageBox::Cancel) != QMessageBox::Save) {
+        return false;
+    }
     // saveAs() makes inputs absolute when the folder changes, which a plain save must not do.
     const auto saved =
         fileName == document->fileName() ? document->save() : document->saveAs(fileName);

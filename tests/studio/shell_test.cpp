@@ -2,6 +2,7 @@
 #include "corvanta/action_registry.h"
 #include "corvanta/edit/translation.h"
 #include "studio/canvas/canvas_view.h"
+#include "studio/run/run_controller.h"
 #include "studio/shell/commands.h"
 #include "studio/shell/document_tab.h"
 #include "studio/shell/main_window.h"
@@ -9,6 +10,7 @@
 #include "studio/shell/preferences/appearance.h"
 #include "studio/shell/preferences/settings.h"
 #include "studio/shell/views/examples.h"
+#include "studio/shell/views/message_bar.h"
 #include "studio/shell/workspace.h"
 #include "tests/studio/shell_window.h"
 
@@ -17,6 +19,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QDockWidget>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QLabel>
@@ -40,6 +43,7 @@
 #include <QUrl>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -332,6 +336,39 @@ TEST_F(Shell, OffersToReadAChangedFileAgain)
     EXPECT_TRUE(QTest::qWaitFor([&] { return child<QFrame>("messageBar").isVisible(); }));
     child<QFrame>("messageBar").findChild<QPushButton *>()->click();
     EXPECT_EQ(document().variables().value(u"year"_s), u"2031"_s);
+}
+
+TEST_F(Shell, AFileThatWasChangedOrRemovedIsNotReplacedInSilence)
+{
+    const auto saved = [this] {
+        QFile file(path(u"a.graph"_s));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    open();
+    document().setComment(u"table"_s, u"mine"_s);
+    const QByteArray theirs = QByteArray(kGraph).replace("2026", "2031");
+    write(u"a.graph"_s, theirs);
+    answer(u"Cancel"_s);
+    trigger("file.save");
+    EXPECT_EQ(saved(), theirs);
+    EXPECT_TRUE(document().isModified());
+    answer(u"Save"_s);
+    trigger("file.save");
+    EXPECT_TRUE(saved().contains("mine"));
+    // Kept, it is a change that a save may write.
+    write(u"a.graph"_s, theirs);
+    auto &bar = child<QFrame>("messageBar");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return bar.isVisible(); }));
+    EXPECT_FALSE(document().isModified());
+    bar.findChildren<QPushButton *>().last()->click();
+    EXPECT_TRUE(document().isModified());
+    trigger("file.save");
+    EXPECT_TRUE(saved().contains("mine"));
+    QFile::remove(path(u"a.graph"_s));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return document().isModified(); }));
+    EXPECT_TRUE(bar.findChild<QLabel *>()->text().contains(u"was removed"_s));
+    trigger("file.save");
+    EXPECT_TRUE(saved().contains("mine"));
 }
 
 TEST_F(Shell, StartPageListsTheExamples)

@@ -91,6 +91,7 @@ inline void answer(const QString &text)
         if (box == nullptr) {
             return;
         }
+        timer->stop(); // the next box may come before it is deleted
         timer->deleteLater();
         for (QAbstractButton *const button : box->buttons()) {
             if (button->text().remove(u'&') == text) {
