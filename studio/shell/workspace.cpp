@@ -2,6 +2,7 @@
 // destroyed.
 #include "studio/shell/workspace.h"
 
+#include "studio/run/run_controller.h"
 #include "studio/shell/document_tab.h"
 #include "studio/shell/preferences/settings.h"
 #include "studio/shell/views/message_bar.h"
@@ -264,6 +265,19 @@ void Workspace::reload(DocumentTab *tab)
     }
 }
 
+bool Workspace::mayClose(DocumentTab *tab)
+{
+    if (tab->runs()->isRunning()) {
+        setCurrentWidget(tab);
+        if (ask(tr("Run in progress"),
+                tr("Close \"%1\" and stop its run?").arg(tab->document()->title()),
+                QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes) {
+            return false;
+        }
+    }
+    return askToSave(tab);
+}
+
 bool Workspace::askToSave(DocumentTab *tab)
 {
     if (!tab->document()->isModified()) {
@@ -292,7 +306,7 @@ bool Workspace::close(int index)
         removeTab(index); // the start page
         return true;
     }
-    if (!askToSave(tab)) {
+    if (!mayClose(tab)) {
         return false;
     }
     removeTabOf(tab);
@@ -317,7 +331,7 @@ bool Workspace::closeAll()
     finishEditing();
     // All questions first: a tab is closed only when none is cancelled.
     for (DocumentTab *const tab : tabs()) {
-        if (!askToSave(tab)) {
+        if (!mayClose(tab)) {
             return false;
         }
     }

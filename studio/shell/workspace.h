@@ -46,7 +46,8 @@ public:
     bool saveAll();
     /// Read the file again; asks first if there are unsaved changes.
     void reload(DocumentTab *tab);
-    /// Close a tab; asks first if there are unsaved changes. Returns false if the user cancelled.
+    /// Close a tab; asks first if its graph is running or has unsaved changes. Returns false if the
+    /// user cancelled.
     bool close(int index);
     /// Close all tabs and remember their files for the next session. Returns false if the user
     /// cancelled; then all are still open.
@@ -71,6 +72,8 @@ private:
     DocumentTab *findTab(const QString &fileName) const;
     /// Save the document; returns false after showing why that is impossible.
     bool write(DocumentTab *tab, const QString &fileName);
+    /// Ask about a run in progress and about unsaved changes. Returns false if the user cancelled.
+    bool mayClose(DocumentTab *tab);
     /// Save, discard or cancel. Returns false for cancel.
     bool askToSave(DocumentTab *tab);
     /// Close a tab without a question.

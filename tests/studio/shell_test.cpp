@@ -371,6 +371,27 @@ TEST_F(Shell, AFileThatWasChangedOrRemovedIsNotReplacedInSilence)
     EXPECT_TRUE(saved().contains("mine"));
 }
 
+TEST_F(Shell, AsksBeforeARunIsStopped)
+{
+    ASSERT_EQ(mkfifo(path(u"orders.csv"_s).toUtf8().constData(), 0600), 0); // the run waits for it
+    open();
+    const RunController &runs = *window().workspace()->current()->runs();
+    QTest::qWait(20);
+    const int height = canvas().height();
+    trigger("run.all");
+    QTest::qWait(20);
+    EXPECT_EQ(canvas().height(), height); // the progress has its place
+    answer(u"No"_s);
+    trigger("file.close");
+    answer(u"No"_s);
+    EXPECT_FALSE(window().close());
+    ASSERT_EQ(window().workspace()->tabs().size(), 1);
+    EXPECT_TRUE(runs.isRunning());
+    answer(u"Yes"_s);
+    trigger("file.close");
+    EXPECT_TRUE(window().workspace()->tabs().isEmpty());
+}
+
 TEST_F(Shell, StartPageListsTheExamples)
 {
     const auto examples = findExamples(examplesFolder());
