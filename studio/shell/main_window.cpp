@@ -312,6 +312,12 @@ void MainWindow::connectTab(DocumentTab *tab)
     connect(tab->runs(), &RunController::runningChanged, this,
             ifShown(&MainWindow::updateCommands));
     connect(tab->runs(), &RunController::filesWritten, m_data, &DataView::filesWritten);
+    connect(tab->runs(), &RunController::finished, this, [this, tab](RunEnd end) {
+        const bool isFailure = end == RunEnd::Failed || end == RunEnd::Crashed;
+        if (tab == m_shown && isFailure) {
+            uncover(m_logs); // which says why; the focus stays where the user works
+        }
+    });
     GraphDocument *const document = tab->document();
     // Also for edits of the panel itself: refresh() keeps a text that is being typed.
     for (const auto signal : {&GraphDocument::actionChanged, &GraphDocument::columnsChanged}) {
@@ -423,13 +429,18 @@ void MainWindow::fillRecentMenu()
     menu->addAction(tr("&Clear"), this, [this] { m_settings.clearRecentFiles(); });
 }
 
-void MainWindow::raise(QWidget *content)
+void MainWindow::uncover(QWidget *content)
 {
     // The dock may be closed, or covered by another one.
     if (auto *const dock = qobject_cast<QDockWidget *>(content->parentWidget())) {
         dock->show();
         dock->raise();
     }
+}
+
+void MainWindow::raise(QWidget *content)
+{
+    uncover(content);
     content->setFocus(Qt::ShortcutFocusReason);
 }
 

@@ -88,7 +88,9 @@ private:
     void updateCommands();
     /// Fill the menu of recent files each time it is opened.
     void fillRecentMenu();
-    /// Show a panel in front of the others and put the keyboard focus on it.
+    /// Show a panel in front of the others.
+    static void uncover(QWidget *content);
+    /// The same, and put the keyboard focus on it.
     static void raise(QWidget *content);
     /// Change the size of all texts by percentage points.
     void changeFont(int percent);

@@ -392,6 +392,17 @@ TEST_F(Shell, AsksBeforeARunIsStopped)
     EXPECT_TRUE(window().workspace()->tabs().isEmpty());
 }
 
+TEST_F(Shell, ARunThatFailsShowsItsLog)
+{
+    open(); // without its input
+    canvas().setFocus();
+    EXPECT_TRUE(child<QWidget>("logs").visibleRegion().isEmpty());
+    trigger("run.all");
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return !child<QWidget>("logs").visibleRegion().isEmpty(); }, 20000));
+    EXPECT_TRUE(canvas().hasFocus());
+}
+
 TEST_F(Shell, StartPageListsTheExamples)
 {
     const auto examples = findExamples(examplesFolder());
