@@ -189,6 +189,7 @@ QWidget *DataView::makeFooter()
     m_note->setObjectName(u"dataNote"_s);
     m_note->setTextFormat(Qt::PlainText); // a message may contain what looks like markup
     m_note->setWordWrap(true);
+    m_note->setMinimumWidth(1); // a long name must not widen the window
     m_more = makeAction(this, {u"dataMore"_s, tr("More rows"), QKeySequence(u"Ctrl+Shift+M"_s),
                                tr("Read more rows"), [this] { m_reader.readMore(); }});
     auto *const button = new QToolButton;

@@ -57,6 +57,7 @@ QWidget *LogPanel::makeFilters()
     m_action->setObjectName(u"logAction"_s);
     m_action->setAccessibleName(tr("Action of the messages"));
     m_action->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_action->setMaximumWidth(kActionLetters * fontMetrics().averageCharWidth());
     connect(m_action, &QComboBox::currentIndexChanged, this, &LogPanel::applyFilter);
     m_text->setObjectName(u"logText"_s);
     m_text->setAccessibleName(tr("Text in the messages"));

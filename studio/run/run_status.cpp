@@ -25,6 +25,10 @@ RunStatus::RunStatus(QWidget *parent)
     m_progress->setObjectName(u"runProgress"_s);
     m_progress->setAccessibleName(tr("Progress of the run"));
     m_progress->setMaximumWidth(kProgressWidth);
+    // Otherwise the start and the end of a run change the height of the canvas.
+    QSizePolicy policy = m_progress->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_progress->setSizePolicy(policy);
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_text);

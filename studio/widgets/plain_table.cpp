@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QTableView>
+#include <QTreeView>
 
 namespace corvanta::studio {
 
@@ -20,6 +21,13 @@ void setUpTable(QTableView *table, const QString &name, const QString &descripti
     table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().lineSpacing() + kRowMargin);
     table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     table->horizontalHeader()->setHighlightSections(false);
+}
+
+void fitColumn(QTreeView *tree, int column, int letters)
+{
+    tree->resizeColumnToContents(column);
+    const int most = letters * tree->fontMetrics().averageCharWidth();
+    tree->setColumnWidth(column, qMin(tree->columnWidth(column), most));
 }
 
 } // namespace corvanta::studio

@@ -6,6 +6,7 @@
 
 class QAbstractItemModel;
 class QTableView;
+class QTreeView;
 
 namespace corvanta::studio {
 
@@ -13,5 +14,9 @@ namespace corvanta::studio {
 /// Tab key leaves the table. `description` is for screen readers.
 void setUpTable(QTableView *table, const QString &name, const QString &description,
                 QAbstractItemModel *model);
+
+/// Fit the width of a column to its texts, at most to `letters`, so that a long name does not hide
+/// the other columns.
+void fitColumn(QTreeView *tree, int column, int letters);
 
 } // namespace corvanta::studio

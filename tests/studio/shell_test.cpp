@@ -403,6 +403,33 @@ TEST_F(Shell, ARunThatFailsShowsItsLog)
     EXPECT_TRUE(canvas().hasFocus());
 }
 
+TEST_F(Shell, LongNamesKeepTheSizesOfTheWindow)
+{
+    const QByteArray name = QByteArray("long_name_").repeated(30);
+    window().workspace()->open(
+        write(u"b.graph"_s, QByteArray(kGraph).replace("table", name).replace("orders", name)));
+    // The lists of pins and actions show the beginning of a name.
+    const int most =
+        window().minimumSizeHint().width() + 40 * window().fontMetrics().averageCharWidth();
+    canvas().select({QString::fromLatin1(name)});
+    trigger("run.data");
+    trigger("run.all");
+    auto &log = child<QComboBox>("logAction");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return log.count() > 1; }, 20000));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return !child<QLabel>("dataNote").text().isEmpty(); }, 20000));
+    window().workspace()->current()->messages()->show(QString::fromLatin1(name), {});
+    auto &problems = child<QTreeWidget>("problems");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return problems.topLevelItemCount() > 0; }));
+    for (const char *const dock : {"dock.problems", "dock.data", "dock.logs"}) {
+        child<QDockWidget>(dock).raise();
+        QTest::qWait(20);
+        EXPECT_LE(window().minimumSizeHint().width(), most) << dock;
+    }
+    EXPECT_LT(problems.columnWidth(0), 400);
+    EXPECT_LT(child<QTreeWidget>("outline").columnWidth(0), 400);
+}
+
 TEST_F(Shell, StartPageListsTheExamples)
 {
     const auto examples = findExamples(examplesFolder());

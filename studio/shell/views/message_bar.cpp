@@ -23,6 +23,7 @@ MessageBar::MessageBar(QWidget *parent)
     m_text->setTextFormat(Qt::PlainText);
     m_text->setForegroundRole(QPalette::ToolTipText);
     m_text->setWordWrap(true);
+    m_text->setMinimumWidth(1); // a long name must not widen the window
     m_layout->addWidget(m_text, 1);
     hide();
 }

@@ -2,6 +2,7 @@
 #include "studio/shell/views/outline.h"
 
 #include "studio/document/graph_document.h"
+#include "studio/widgets/plain_table.h"
 
 #include <QSet>
 #include <QSignalBlocker>
@@ -16,6 +17,7 @@ namespace {
 constexpr int kIdRole = Qt::UserRole;
 constexpr int kLinkRole = Qt::UserRole + 1; // each link has two rows, one at each end
 constexpr int kNoteRole = Qt::UserRole + 2;
+constexpr int kColumnLetters = 32;
 
 } // namespace
 
@@ -91,7 +93,7 @@ void Outline::fill()
         setCurrentItem(same.first(), 0, QItemSelectionModel::NoUpdate);
     }
     for (int i = 0; i < columnCount(); ++i) {
-        resizeColumnToContents(i);
+        fitColumn(this, i, kColumnLetters);
     }
     // The items are new, the selection of the canvas is not.
     setSelected(m_ids, m_links, m_notes);

@@ -3,6 +3,7 @@
 
 #include "corvanta/edit/shown_text.h"
 #include "studio/document/graph_document.h"
+#include "studio/widgets/plain_table.h"
 
 #include <QStyle>
 
@@ -15,6 +16,7 @@ namespace {
 using Kind = CorvantaGraph::Problem::Kind;
 
 constexpr int kActionRole = Qt::UserRole;
+constexpr int kActionLetters = 32;
 
 /// A run fails, a run does something else than expected, or neither.
 QStyle::StandardPixmap iconOf(Kind kind)
@@ -74,9 +76,10 @@ void ProblemList::fill()
         auto *const item = new QTreeWidgetItem(this, {problem.action, problem.text});
         item->setIcon(0, style()->standardIcon(iconOf(problem.kind)));
         item->setData(0, kActionRole, problem.action);
+        item->setToolTip(0, plainToolTip(problem.action));
         item->setToolTip(1, plainToolTip(problem.text));
     }
-    resizeColumnToContents(0);
+    fitColumn(this, 0, kActionLetters);
     Q_EMIT countChanged(static_cast<int>(problems.size()));
 }
 
