@@ -112,7 +112,7 @@ void DataView::makeBar()
     makeAction(this, {u"dataCopyCells"_s, tr("Copy"), QKeySequence::Copy,
                       tr("Copy the selected cell, or several as CSV"), [this] { copyCells(); }});
     QAction *const reload =
-        makeAction(this, {u"dataReload"_s, tr("Reload"), QKeySequence::Refresh,
+        makeAction(this, {u"dataReload"_s, tr("Reload"), QKeySequence(u"Ctrl+R"_s),
                           tr("Read the rows again"), [this] { m_reader.reload(); }});
     m_stop = makeAction(this, {u"dataStop"_s, tr("Stop"), Qt::Key_Escape, tr("Stop reading rows"),
                                [this] { m_reader.stop(); }});

@@ -27,6 +27,15 @@ TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
         EXPECT_EQ(commands.findConflict(action, action->shortcut()), nullptr)
             << action->objectName().toStdString();
     }
+    // A key of the whole window means the same everywhere, except for those of the clipboard.
+    for (const QAction *const part : commands.ofParts()) {
+        for (const QAction *const command : commands.all()) {
+            EXPECT_TRUE(part->shortcut().isEmpty() ||
+                        command->shortcutContext() == Qt::WidgetWithChildrenShortcut ||
+                        !command->shortcuts().contains(part->shortcut()))
+                << part->objectName().toStdString() << ' ' << command->objectName().toStdString();
+        }
+    }
     QAction *const run = commands[u"run.all"_s];
     ShortcutEditor editor(commands);
     auto *const tree = editor.findChild<QTreeWidget *>();
