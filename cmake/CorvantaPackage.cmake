@@ -27,6 +27,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY
 # What others that link the library depend on, and the trigger that makes the system find it.
 configure_file(packaging/shlibs.in ${CMAKE_BINARY_DIR}/packaging/shlibs @ONLY)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/packaging/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
+# The file dialogs of a French window are French with it.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS qt6-translations-l10n)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "corvanta-doc, libreoffice-calc")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME corvanta-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)

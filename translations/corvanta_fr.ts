@@ -99,7 +99,7 @@
         <translation>Enregistrer tous les graphes modifiés</translation>
     </message>
     <message>
-        <source>Re&amp;load</source>
+        <source>Reloa&amp;d</source>
         <translation>Re&amp;lire</translation>
     </message>
     <message>
@@ -211,7 +211,7 @@
         <translation>Ajouter les actions du presse-papiers</translation>
     </message>
     <message>
-        <source>D&amp;uplicate</source>
+        <source>Dup&amp;licate</source>
         <translation>&amp;Dupliquer</translation>
     </message>
     <message>
@@ -260,7 +260,7 @@
     </message>
     <message>
         <source>&amp;Shortcuts...</source>
-        <translation>Raccour&amp;cis...</translation>
+        <translation>Raccourc&amp;is...</translation>
     </message>
     <message>
         <source>List and change the shortcuts of all commands</source>
@@ -300,14 +300,14 @@
     </message>
     <message>
         <source>&amp;Fit Graph</source>
-        <translation>A&amp;juster le graphe</translation>
+        <translation>Ajuster le grap&amp;he</translation>
     </message>
     <message>
         <source>Show the whole graph</source>
         <translation>Afficher tout le graphe</translation>
     </message>
     <message>
-        <source>O&amp;verview</source>
+        <source>Overvie&amp;w</source>
         <translation>Vue d&apos;&amp;ensemble</translation>
     </message>
     <message>
@@ -324,7 +324,7 @@
     </message>
     <message>
         <source>&amp;Larger Text</source>
-        <translation>Texte &amp;plus grand</translation>
+        <translation>Texte plu&amp;s grand</translation>
     </message>
     <message>
         <source>Make all texts of the window larger</source>
@@ -340,7 +340,7 @@
     </message>
     <message>
         <source>&amp;Dark Colours</source>
-        <translation>Couleurs &amp;sombres</translation>
+        <translation>Couleurs so&amp;mbres</translation>
     </message>
     <message>
         <source>Light text on a dark background</source>
@@ -348,7 +348,7 @@
     </message>
     <message>
         <source>&amp;Panels</source>
-        <translation>Pannea&amp;ux</translation>
+        <translation>Panneau&amp;x</translation>
     </message>
     <message>
         <source>Show or hide parts of the window</source>
@@ -356,7 +356,7 @@
     </message>
     <message>
         <source>F&amp;ull Screen</source>
-        <translation>Plein é&amp;cran</translation>
+        <translation>&amp;Plein écran</translation>
     </message>
     <message>
         <source>Use the whole screen</source>
@@ -364,15 +364,15 @@
     </message>
     <message>
         <source>&amp;Canvas</source>
-        <translation>&amp;Canevas</translation>
+        <translation>Cane&amp;vas</translation>
     </message>
     <message>
         <source>Put the keyboard focus on the graph</source>
         <translation>Donner le clavier au graphe</translation>
     </message>
     <message>
-        <source>&amp;Palette</source>
-        <translation>&amp;Palette</translation>
+        <source>Palett&amp;e</source>
+        <translation>Pa&amp;lette</translation>
     </message>
     <message>
         <source>Search an action to add to the graph</source>
@@ -380,7 +380,7 @@
     </message>
     <message>
         <source>P&amp;roperties</source>
-        <translation>P&amp;ropriétés</translation>
+        <translation>Pr&amp;opriétés</translation>
     </message>
     <message>
         <source>Put the keyboard focus on the parameters of the selected action</source>
@@ -395,8 +395,8 @@
         <translation>Donner le clavier à l&apos;arbre des actions et des liens</translation>
     </message>
     <message>
-        <source>Prob&amp;lems</source>
-        <translation>Prob&amp;lèmes</translation>
+        <source>Pro&amp;blems</source>
+        <translation>Pro&amp;blèmes</translation>
     </message>
     <message>
         <source>Put the keyboard focus on the list of problems</source>
@@ -411,7 +411,7 @@
         <translation>Donner le clavier au journal</translation>
     </message>
     <message>
-        <source>Dat&amp;a</source>
+        <source>Da&amp;ta</source>
         <translation>&amp;Données</translation>
     </message>
     <message>
@@ -420,14 +420,14 @@
     </message>
     <message>
         <source>Ne&amp;xt Tab</source>
-        <translation>Onglet &amp;suivant</translation>
+        <translation>Onglet s&amp;uivant</translation>
     </message>
     <message>
         <source>Show the next tab</source>
         <translation>Afficher l&apos;onglet suivant</translation>
     </message>
     <message>
-        <source>Previo&amp;us Tab</source>
+        <source>Pre&amp;vious Tab</source>
         <translation>Onglet pré&amp;cédent</translation>
     </message>
     <message>
@@ -4149,6 +4149,37 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     </message>
 </context>
 <context>
+    <name>QPlatformTheme</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Enregistrer</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Ne pas enregistrer</translation>
+    </message>
+    <message>
+        <source>&amp;Yes</source>
+        <translation>&amp;Oui</translation>
+    </message>
+    <message>
+        <source>&amp;No</source>
+        <translation>&amp;Non</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+</context>
+<context>
     <name>Units</name>
     <message numerus="yes">
         <source>rows</source>
@@ -5210,6 +5241,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Keep this version</source>
         <translation>Garder cette version</translation>
     </message>
+    <message>
+        <source>The file was removed or renamed. Save the graph to keep it.</source>
+        <translation>Le fichier a été supprimé ou renommé. Enregistrez le graphe pour le garder.</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::GraphCommands</name>
@@ -6223,6 +6258,18 @@ Actions&#xa0;: %2</translation>
     <message>
         <source>Corvanta</source>
         <translation>Corvanta</translation>
+    </message>
+    <message>
+        <source>Another program has changed &quot;%1&quot;. Save this version over it?</source>
+        <translation>Un autre programme a modifié «&#xa0;%1&#xa0;». Enregistrer cette version à sa place&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Run in progress</source>
+        <translation>Exécution en cours</translation>
+    </message>
+    <message>
+        <source>Close &quot;%1&quot; and stop its run?</source>
+        <translation>Fermer «&#xa0;%1&#xa0;» et arrêter son exécution&#xa0;?</translation>
     </message>
 </context>
 </TS>

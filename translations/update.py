@@ -29,6 +29,12 @@ def example_strings():
             yield 'QT_TRANSLATE_NOOP("Examples", %s)\n' % json.dumps(" ".join(comment[1].split()), ensure_ascii=False)
 
 
+def button_strings():
+    """The buttons of questions, whose French texts Qt has only with a package of its own."""
+    for text in ["OK", "Save", "Discard", "&Yes", "&No", "Cancel", "Close"]:
+        yield 'QT_TRANSLATE_NOOP("QPlatformTheme", "%s")\n' % text
+
+
 def update(panel_strings, catalogue):
     """Let `catalogue` have exactly the texts of the project."""
     with tempfile.TemporaryDirectory() as folder:
@@ -36,6 +42,7 @@ def update(panel_strings, catalogue):
         tables.write_bytes(subprocess.run([panel_strings], check=True, capture_output=True).stdout)
         with tables.open("a", encoding="utf-8") as file:
             file.writelines(example_strings())
+            file.writelines(button_strings())
         sources = [str(ROOT / name) for name in FOLDERS]
         subprocess.run([lupdate_program(), "-silent", "-locations", "none", "-no-obsolete", "-no-ui-lines", "-I", str(ROOT),
                         "-I", str(ROOT / "host/include"), "-extensions", "cpp,h", *sources, str(tables), "-ts", str(catalogue)],

@@ -1,12 +1,21 @@
 // The commands of the window, their shortcuts, and the program itself.
+#include "corvanta/edit/translation.h"
 #include "studio/shell/command_text.h"
 #include "studio/shell/preferences/shortcut_editor.h"
 #include "tests/studio/shell_window.h"
 
 #include <QClipboard>
+#include <QDockWidget>
 #include <QKeySequenceEdit>
 #include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QMenuBar>
 #include <QProcess>
+#include <QSet>
+#include <QTableView>
+#include <QTranslator>
+#include <QTreeView>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
@@ -79,6 +88,67 @@ TEST_F(Shell, ShortcutsAreUniqueEditableAndKept)
     EXPECT_EQ(child<QAction>("dataFind").shortcut(), QKeySequence(u"Ctrl+N"_s));
     window().commands().setShortcut(window().commands()[u"run.all"_s], QKeySequence(u"F5"_s));
     EXPECT_FALSE(settings.shortcut(u"run.all"_s));
+}
+
+/// The texts of the program are French as long as it exists.
+struct French
+{
+    French() { EXPECT_TRUE(loadTranslation(QLocale(QLocale::French))); }
+    ~French() { qDeleteAll(qApp->findChildren<QTranslator *>()); } // which removes them
+    Q_DISABLE_COPY_MOVE(French)
+};
+
+/// The letters that choose an entry of each menu; each may be there once.
+void expectUniqueMnemonics(const QMenuBar &bar)
+{
+    QList<const QWidget *> menus{&bar};
+    for (const QMenu *const menu : bar.findChildren<QMenu *>()) {
+        menus << menu;
+    }
+    for (const QWidget *const menu : std::as_const(menus)) {
+        QSet<QKeySequence> letters;
+        for (const QAction *const action : menu->actions()) {
+            const QKeySequence letter = QKeySequence::mnemonic(action->text());
+            EXPECT_TRUE(letter.isEmpty() || !letters.contains(letter))
+                << action->text().toStdString();
+            letters << letter;
+        }
+    }
+}
+
+TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
+{
+    QMap<QString, QString> english;
+    for (const QAction *const command : window().commands().all()) {
+        english[command->objectName()] = command->statusTip();
+    }
+    expectUniqueMnemonics(*window().menuBar());
+    shown.reset();
+    const French french;
+    write(u"orders.csv"_s, "a\n1\n");
+    open();
+    for (const QAction *const command : window().commands().all()) {
+        EXPECT_NE(command->statusTip(), english[command->objectName()])
+            << command->objectName().toStdString();
+    }
+    expectUniqueMnemonics(*window().menuBar());
+    EXPECT_EQ(child<QDockWidget>("dock.properties").windowTitle(), u"Propriétés"_s);
+    EXPECT_EQ(child<QTreeView>("paletteTree").model()->index(0, 0).data(), u"Lire des fichiers"_s);
+    canvas().select({u"table"_s});
+    trigger("run.data");
+    const auto *const rows = child<QTableView>("dataRows").model();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return rows->rowCount() == 1; }, 20000));
+    EXPECT_EQ(rows->headerData(0, Qt::Horizontal).toString(), u"a\ntexte"_s);
+    EXPECT_EQ(child<QLabel>("dataNote").text(), u"Toutes les lignes\u00a0: 1"_s);
+    trigger("run.all");
+    const auto &status = child<QLabel>("runStatusText");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return status.text().startsWith(u"Terminé"_s); }, 20000))
+        << status.text().toStdString();
+    document().setComment(u"table"_s, u"x"_s);
+    EXPECT_EQ(document().undoStack()->undoText().section(u' ', 0, 0), u"Commenter"_s);
+    answer(u"Annuler"_s); // Qt's own button
+    trigger("file.close");
+    EXPECT_NE(window().workspace()->current(), nullptr);
 }
 
 TEST_F(Shell, CommandsChangeTheGraph)
