@@ -14,6 +14,7 @@
 #include <QInputDialog>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QtMath>
 
@@ -164,24 +165,35 @@ void CanvasView::removeSelection()
     m_document.remove(m_scene->selectedIds(), m_scene->selectedLinks(), m_scene->selectedNotes());
 }
 
+/// The text of a note, edited by the user; nothing if it is cancelled.
+std::optional<QString> CanvasView::askForNote(const QString &text)
+{
+    QInputDialog dialog(this);
+    dialog.setOption(QInputDialog::UsePlainTextEditForTextInput);
+    dialog.setWindowTitle(tr("Note"));
+    dialog.setLabelText(tr("Text:"));
+    dialog.setTextValue(text);
+    dialog.adjustSize(); // makes the text field
+    // By keys the buttons could not be reached.
+    dialog.findChild<QPlainTextEdit *>()->setTabChangesFocus(true);
+    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.textValue()) : std::nullopt;
+}
+
 // Where a new action would be, too.
 void CanvasView::addNote()
 {
     const QPointF place = freePosition();
-    const QString text = QInputDialog::getMultiLineText(this, tr("Note"), tr("Text:"));
-    if (!text.isEmpty()) {
-        m_document.addNote(place, text);
+    const auto text = askForNote({});
+    if (text && !text->isEmpty()) {
+        m_document.addNote(place, *text);
         showNote(m_scene->notes().last());
     }
 }
 
 void CanvasView::editNote(int key)
 {
-    bool isAccepted = false;
-    const QString text = QInputDialog::getMultiLineText(this, tr("Note"), tr("Text:"),
-                                                        m_document.noteText(key), &isAccepted);
-    if (isAccepted) {
-        m_document.setNoteText(key, text);
+    if (const auto text = askForNote(m_document.noteText(key))) {
+        m_document.setNoteText(key, *text);
     }
 }
 

@@ -12,6 +12,8 @@
 
 #include <QGraphicsView>
 
+#include <optional>
+
 class QMimeData;
 
 namespace corvanta::studio {
@@ -111,6 +113,7 @@ private:
     template <class Item>
     void goToNext(const QVector<Item *> &items, void (CanvasView::*show)(Item *));
     void askForAction(const PinRef &from, QPointF place);
+    std::optional<QString> askForNote(const QString &text);
     void askForInsertion(const LinkRef &link, QPointF place);
     void addAsked(const QString &type, const PinRef &from, QPointF place);
     bool isAcceptable(const QMimeData *data) const;
