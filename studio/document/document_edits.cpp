@@ -21,17 +21,6 @@ namespace corvanta::studio {
 
 namespace {
 
-/// Keeps the positions that are only shown until now. Otherwise the next layout of the actions
-/// without a position would move them away from those that have one.
-void placeAll(Content *content)
-{
-    for (int i = 0; i < content->nodes.size(); ++i) {
-        if (!content->nodes[i]->isPlaced) {
-            content->changeNode(i, [](Node &node) { node.isPlaced = true; });
-        }
-    }
-}
-
 /// The element with another value of one parameter; empty if the value is not of its type.
 XMLNode withParameter(ActionItem &action, const XMLNode &before, const QString &parameter,
                       const QString &value)
@@ -147,13 +136,12 @@ QString GraphDocument::addActionIntoLink(const QString &type, const LinkRef &lin
         }
         return {};
     }
-    const QPointF middle = (position(link.from.action) + position(link.to.action)) / 2;
-    const Node node = newNode(type, newElement(type), middle);
+    const Node node = newNode(type, newElement(type), {});
     push(tr("Insert %1 into a link").arg(type), [&](Content &content) {
-        placeAll(&content);
         content.nodes.append(std::make_shared<const Node>(node));
         content.wires[index].ends.to = {node.id, 0};
         content.wires.insert(index + 1, {{{node.id, 0}, link.to}, -1});
+        placeBetween(&content, node.id, link);
     });
     return node.id;
 }

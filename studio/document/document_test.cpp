@@ -197,6 +197,32 @@ TEST_F(StudioDocument, NewElementsFollowThoseOfTheirKind)
     EXPECT_TRUE(lines[10].startsWith("  <action id='out' x='"_L1)) << lines[10].toStdString();
 }
 
+TEST_F(StudioDocument, AnInsertedActionGetsRoom)
+{
+    const auto document = open("<graph><action id='a' x='0' y='0'><readCSV/></action>"
+                               "<action id='b' x='272' y='0'><sort/></action>"
+                               "<action id='c' x='600' y='0'><sort/></action>"
+                               "<action id='other' x='272' y='112'><sort/></action>"
+                               "<link from='a:0' to='b:0'/><link from='b:0' to='c:0'/>"
+                               "<link from='a:0' to='other:0'/></graph>");
+    const QByteArray before = document->toXml();
+    const QString id = document->addActionIntoLink(u"filter"_s, document->links()[0]);
+    EXPECT_EQ(document->position(id), QPointF(272, 0));
+    EXPECT_EQ(document->position(u"b"_s), QPointF(544, 0));
+    EXPECT_EQ(document->position(u"c"_s), QPointF(872, 0));
+    EXPECT_EQ(document->position(u"other"_s), QPointF(272, 112));
+    document->undoStack()->undo();
+    EXPECT_EQ(document->toXml(), before);
+    // One that is dropped on the link too; where there is room it stays.
+    const QString dropped = document->addAction(u"cast"_s, {150, 10});
+    ASSERT_TRUE(document->insertIntoLink(dropped, document->links()[0]));
+    EXPECT_EQ(document->position(dropped), QPointF(272, 0));
+    EXPECT_EQ(document->position(u"b"_s), QPointF(544, 0));
+    const QString below = document->addAction(u"cast"_s, {700, 300});
+    ASSERT_TRUE(document->insertIntoLink(below, document->links().last()));
+    EXPECT_EQ(document->position(below), QPointF(700, 300));
+}
+
 TEST_F(StudioDocument, NotesAreInstructionsThatTheHostIgnores)
 {
     const QString all = replaced(u"  <!-- end -->"_s, u"  <?note y=\"8\" x='3.6' text='old'?>\n"

@@ -160,8 +160,9 @@ public:
     bool reroute(const LinkRef &link, const LinkRef &ends, QString *why = nullptr);
     bool canInsertIntoLink(const QString &id, const LinkRef &link, QString *why = nullptr) const;
     /// Replace a link by one to the first input pin of an action and one from its first output pin.
+    /// Where it covers the ends of the link, it goes between them, and what follows makes room.
     bool insertIntoLink(const QString &id, const LinkRef &link, QString *why = nullptr);
-    /// Add an action in the middle of a link. Returns its id.
+    /// Add an action in the middle of a link, where what follows makes room. Returns its id.
     QString addActionIntoLink(const QString &type, const LinkRef &link, QString *why = nullptr);
     /// Add an action that gets the rows of an output pin, at a free place right of it.
     QString addActionAfter(const QString &type, const PinRef &from, QString *why = nullptr);

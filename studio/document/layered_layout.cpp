@@ -4,6 +4,7 @@
 #include "studio/document/layered_layout.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <algorithm>
 #include <cmath>
@@ -197,6 +198,55 @@ private:
 QMap<QString, QPointF> layeredLayout(const Content &content, const QStringList &ids, QPointF origin)
 {
     return Layout(content, ids).positions(origin);
+}
+
+void placeAll(Content *content)
+{
+    for (int i = 0; i < content->nodes.size(); ++i) {
+        if (!content->nodes[i]->isPlaced) {
+            content->changeNode(i, [](Node &node) { node.isPlaced = true; });
+        }
+    }
+}
+
+namespace {
+
+/// An action and all that get rows of it.
+QSet<QString> fromActionOn(const Content &content, const QString &id)
+{
+    QSet<QString> found{id};
+    for (qsizetype before = 0; before != found.size();) {
+        before = found.size();
+        for (const Wire &wire : content.wires) {
+            if (found.contains(wire.ends.from.action)) {
+                found.insert(wire.ends.to.action);
+            }
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+void placeBetween(Content *content, const QString &id, const LinkRef &link)
+{
+    const double step = kLayerStep.width();
+    const QPointF from = content->nodes[content->indexOf(link.from.action)]->position;
+    const QPointF to = content->nodes[content->indexOf(link.to.action)]->position;
+    const double distance = to.x() - from.x();
+    // Only where rows go from left to right.
+    const double missing = distance > 0 ? qMax(0.0, 2 * step - distance) : 0;
+    const QPointF place = (from + to + QPointF(missing, 0)) / 2;
+    placeAll(content);
+    content->changeNode(content->indexOf(id),
+                        [&](Node &node) { node.position = canvasPosition(place); });
+    const QSet<QString> later = fromActionOn(*content, link.to.action);
+    for (int i = 0; missing > 0 && i < content->nodes.size(); ++i) {
+        const NodePtr &node = content->nodes[i];
+        if (later.contains(node->id) && node->position.x() >= to.x()) {
+            content->changeNode(i, [&](Node &moved) { moved.position.rx() += missing; });
+        }
+    }
 }
 
 } // namespace corvanta::studio

@@ -20,4 +20,12 @@ constexpr QSizeF kLayerStep{272, 112};
 QMap<QString, QPointF> layeredLayout(const Content &content, const QStringList &ids,
                                      QPointF origin);
 
+/// Gives all actions the positions where they are shown. Otherwise the next layout of those without
+/// a position would move them away from those that have one.
+void placeAll(Content *content);
+
+/// Moves an action between the ends of a link. Where they are too close, the later one and what
+/// depends on it move to the right.
+void placeBetween(Content *content, const QString &id, const LinkRef &link);
+
 } // namespace corvanta::studio

@@ -1,5 +1,6 @@
 // Which links are possible, and the edits of links.
 #include "studio/document/graph_document.h"
+#include "studio/document/layered_layout.h"
 
 #include <algorithm>
 
@@ -125,9 +126,18 @@ bool GraphDocument::insertIntoLink(const QString &id, const LinkRef &link, QStri
         return false;
     }
     const int index = m_content.indexOf(link);
+    const auto isNear = [&](const QString &other) {
+        const QPointF distance = position(id) - position(other);
+        return qAbs(distance.x()) < kLayerStep.width() && qAbs(distance.y()) < kLayerStep.height();
+    };
+    const bool leadsRight = position(link.from.action).x() < position(link.to.action).x();
+    const bool isNarrow = leadsRight && (isNear(link.from.action) || isNear(link.to.action));
     push(tr("Insert “%1” into a link").arg(id), [&](Content &content) {
         content.wires[index].ends.to = {id, 0};
         content.wires.insert(index + 1, {{{id, 0}, link.to}, -1});
+        if (isNarrow) {
+            placeBetween(&content, id, link);
+        }
     });
     return true;
 }
