@@ -22,7 +22,8 @@ QVector<ParameterProblem> ActionFilter::problems() const
     QVector<ParameterProblem> problems =
         shared::kindProblems(m_params.kinds) + shared::decimalPointProblems(m_params.decimal);
     const auto parsed = expression::parse(expandString(m_params.where));
-    if (!parsed) {
+    // An empty one is reported as such.
+    if (!parsed && !m_params.where.isEmpty()) {
         problems.append(
             {u"where"_s,
              QCoreApplication::translate("Problems", "invalid expression at character %1: %2")

@@ -287,6 +287,9 @@ TEST_F(Shell, ProblemsAreListedWhileEditing)
     document().addAction(u"writeJSON"_s, {});
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return !problemOf(u"table"_s) && problemOf(u"writeJSON"_s); }));
+    document().addAction(u"filter"_s, {});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return problemOf(u"filter"_s); }));
+    EXPECT_EQ(problems.findItems(u"filter"_s, Qt::MatchExactly).size(), 2); // empty, and no link
     // The name is not in the text again.
     EXPECT_FALSE(
         problems.findItems(u"'fileName' is required and empty"_s, Qt::MatchExactly, 1).isEmpty());
