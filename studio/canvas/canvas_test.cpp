@@ -252,6 +252,9 @@ TEST_F(Canvas, ANewActionIsAskedForWhereALinkEndsInTheOpen)
     EXPECT_TRUE(field->isVisible());
     QTest::keyClicks(field, u"excel"_s);
     EXPECT_GT(list->count(), 0);
+    field->setText(u"pptx chart"_s); // the search of the palette
+    ASSERT_EQ(list->count(), 1);
+    EXPECT_TRUE(list->item(0)->text().startsWith("writeReport"_L1));
     QTest::keyClick(field, Qt::Key_Escape);
     // A double click on a link inserts.
     const QPointF middle = scene().links()[0]->path().pointAtPercent(0.5);

@@ -1,5 +1,5 @@
 // Finds the category of an action by its keywords: the modules' own tags only say how common it is.
-#include "studio/shell/palette/catalogue.h"
+#include "studio/canvas/catalogue.h"
 
 #include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"

@@ -1,4 +1,4 @@
-// The actions of all modules, as the palette offers them: categories and search.
+// The actions of all modules, as the palette and the canvas offer them: categories and search.
 //
 // Threads: the GUI thread, because texts are translated.
 #pragma once

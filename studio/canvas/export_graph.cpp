@@ -19,7 +19,7 @@ namespace corvanta::studio {
 
 namespace {
 
-constexpr double kMargin = 24;
+constexpr double kPictureMargin = 24;
 constexpr double kPointsPerPixel = 0.75;
 
 /// Draw a part of the scene.
@@ -124,7 +124,8 @@ bool exportGraph(GraphScene &scene, const QString &file, QString *why)
 {
     const QRectF graph = scene.itemsRect();
     const QRectF area = graph.isEmpty() ? QRectF(0, 0, NodeItem::kWidth, NodeItem::kGrid * 4)
-                                        : graph.adjusted(-kMargin, -kMargin, kMargin, kMargin);
+                                        : graph.adjusted(-kPictureMargin, -kPictureMargin,
+                                                         kPictureMargin, kPictureMargin);
     const QString extension = QFileInfo(file).suffix().toLower();
     const PrintLook look(scene);
     if (extension == "svg"_L1) {

@@ -1,49 +1,21 @@
-// Names that begin with the searched words come before those that have them elsewhere.
+// A list of what the catalogue finds, below a field that keeps the focus.
 #include "studio/canvas/quick_add.h"
 
-#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QScreen>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
-
-namespace {
-
-/// In the language of the window.
-QString descriptionOf(const ActionItem &action)
-{
-    return QCoreApplication::translate("Parameters", action.getDescription().toUtf8());
-}
-
-/// How well an action fits the searched text: 0 best; negative: not at all.
-int rankOf(const ActionItem &action, const QString &text)
-{
-    const QString type = QString::fromLatin1(action.getTypeName());
-    if (type.startsWith(text, Qt::CaseInsensitive)) {
-        return 0;
-    }
-    if (type.contains(text, Qt::CaseInsensitive)) {
-        return 1;
-    }
-    const QStringList words = action.getKeywords() + action.getTags() +
-                              action.getAlternativeNames() +
-                              QStringList{action.getDescription(), descriptionOf(action)};
-    return words.join(u' ').contains(text, Qt::CaseInsensitive) ? 2 : -1;
-}
-
-} // namespace
 
 // The field keeps the focus; arrow keys go to the list.
 QuickAdd::QuickAdd(const ActionRegistry &registry, QWidget *parent)
     : QFrame(parent, Qt::Popup)
     , m_registry(registry)
+    , m_catalogue(registry)
     , m_field(new QLineEdit(this))
     , m_list(new QListWidget(this))
 {
@@ -83,25 +55,18 @@ void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QStri
     m_field->setFocus();
 }
 
-// Without a text all actions are listed, in the order of the catalogue.
+// Without a text all actions are listed, in the order of the palette.
 void QuickAdd::search()
 {
-    const QString text = m_field->text().trimmed();
-    std::vector<std::pair<int, ActionItem *>> found;
-    for (const auto &action : m_registry.prototypes()) {
-        const int rank = rankOf(*action, text);
-        if (rank >= 0 && (!m_needsInput || action->maxPinIn() > 0)) {
-            found.emplace_back(rank, action.get());
-        }
-    }
-    std::stable_sort(found.begin(), found.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
     m_list->clear();
-    for (const auto &[rank, action] : found) {
-        const QString type = QString::fromLatin1(action->getTypeName());
-        auto *const item = new QListWidgetItem(u"%1 – %2"_s.arg(type, descriptionOf(*action)),
+    for (const CatalogueEntry *const entry : m_catalogue.search(m_field->text())) {
+        ActionItem *const action = m_registry.prototype(entry->type);
+        if (m_needsInput && action->maxPinIn() == 0) {
+            continue;
+        }
+        auto *const item = new QListWidgetItem(u"%1 – %2"_s.arg(entry->type, entry->description),
                                                m_list); // owned by the list
-        item->setData(Qt::UserRole, type);
+        item->setData(Qt::UserRole, entry->type);
         if (const QPixmap *const icon = action->getIcon(1)) {
             item->setIcon(QIcon(*icon));
         }

@@ -1,8 +1,9 @@
 // Asks for the type of a new action where the mouse is: a search field and the actions found.
-// The search looks at types, descriptions, keywords, tags and other names of the actions. It is a
-// popup: Enter and a click choose, Escape and a click elsewhere close it. Threads: the GUI thread.
+// The search is that of the palette. It is a popup: Enter and a click choose, Escape and a click
+// elsewhere close it. Threads: the GUI thread.
 #pragma once
 #include "corvanta/action_registry.h"
+#include "studio/canvas/catalogue.h"
 
 #include <QFrame>
 
@@ -35,6 +36,7 @@ private:
     void accept();
 
     const ActionRegistry &m_registry;
+    Catalogue m_catalogue;
     QLineEdit *m_field;
     QListWidget *m_list;
     bool m_needsInput = false;

@@ -1,6 +1,6 @@
 // The palette: a search field and the tree of actions that can be added.
 #pragma once
-#include "studio/shell/palette/catalogue.h"
+#include "studio/canvas/catalogue.h"
 
 #include <QWidget>
 

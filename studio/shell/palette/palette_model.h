@@ -1,7 +1,7 @@
 // The tree of the palette: favourites, recent actions and the categories; or the matches of a
 // search as a list.
 #pragma once
-#include "studio/shell/palette/catalogue.h"
+#include "studio/canvas/catalogue.h"
 
 #include <QStandardItemModel>
 
