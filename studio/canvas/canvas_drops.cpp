@@ -1,30 +1,19 @@
 // What is dropped on the canvas: actions of the palette, data files and graphs.
 #include "studio/canvas/canvas_view.h"
+#include "studio/document/file_reader.h"
 #include "studio/document/layered_layout.h"
 
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QUrl>
 
-#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
 namespace {
-
-/// The files of a drop; other URLs are ignored.
-QStringList localFiles(const QMimeData *data)
-{
-    QStringList files;
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile()) {
-            files << url.toLocalFile();
-        }
-    }
-    return files;
-}
 
 bool isGraphFile(const QString &file)
 {
@@ -33,16 +22,28 @@ bool isGraphFile(const QString &file)
 
 } // namespace
 
+// Other URLs are ignored.
+CanvasView::DroppedFiles CanvasView::filesOf(const QMimeData &data, const ActionRegistry &registry)
+{
+    DroppedFiles files;
+    for (const QUrl &url : data.urls()) {
+        if (!url.isLocalFile()) {
+            continue;
+        }
+        const QString file = url.toLocalFile();
+        QStringList &kind = isGraphFile(file)                      ? files.graphs
+                            : readerType(registry, file).isEmpty() ? files.others
+                                                                   : files.data;
+        kind << file;
+    }
+    return files;
+}
+
 /// Whether something of a drop can be used.
 bool CanvasView::isAcceptable(const QMimeData *data) const
 {
-    if (data->hasFormat(actionMimeType())) {
-        return true;
-    }
-    const QStringList files = localFiles(data);
-    return std::any_of(files.begin(), files.end(), [&](const QString &file) {
-        return isGraphFile(file) || m_document.canRead(file);
-    });
+    const DroppedFiles files = filesOf(*data, m_document.registry());
+    return data->hasFormat(actionMimeType()) || !files.graphs.isEmpty() || !files.data.isEmpty();
 }
 
 void CanvasView::dragEnterEvent(QDragEnterEvent *event)
@@ -83,25 +84,33 @@ void CanvasView::dropEvent(QDropEvent *event)
         Q_EMIT message(why);
         return;
     }
+    const DroppedFiles files = filesOf(*event->mimeData(), m_document.registry());
     // On an action, the rows of the first file go there.
-    PinRef to = m_scene->inputFor(place);
+    const PinRef to = m_scene->inputFor(place);
     if (!to.action.isEmpty()) {
         corner = m_document.position(to.action) - QPointF(kLayerStep.width(), 0);
     }
-    for (const QString &file : localFiles(event->mimeData())) {
-        if (isGraphFile(file)) {
-            Q_EMIT graphDropped(file);
-            continue;
-        }
+    addDataFiles(files.data + files.others, corner, to);
+    for (const QString &file : files.graphs) {
+        Q_EMIT graphDropped(file);
+    }
+}
+
+// One message for all, so that no reason covers another.
+void CanvasView::addDataFiles(const QStringList &files, QPointF corner, PinRef to)
+{
+    QStringList reasons;
+    for (const QString &file : files) {
         QString why;
-        const QString id = m_document.addDataFile(file, corner, &why, to);
-        to = {};
+        const QString id = m_document.addDataFile(file, corner, &why, std::exchange(to, {}));
         if (!id.isEmpty()) {
             showAction(id);
+            corner.ry() += kLayerStep.height();
         }
-        Q_EMIT message(why);
-        corner.ry() += kLayerStep.height();
+        reasons << why;
     }
+    reasons.removeAll(QString());
+    Q_EMIT message(reasons.join(u' '));
 }
 
 } // namespace corvanta::studio

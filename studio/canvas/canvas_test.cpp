@@ -11,6 +11,7 @@
 #include <QDropEvent>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
@@ -296,6 +297,19 @@ TEST_F(Canvas, DroppedActionsAndFilesAreAdded)
     drop(&files, center(m_sort));
     EXPECT_TRUE(m_document.contains(u"data3"_s) && m_document.linksTo({m_sort, 0}).size() == 1);
     EXPECT_TRUE(m_message.contains("already has a link"_L1)) << m_message.toStdString();
+    // What no action reads is not forgotten because of the others.
+    files.setUrls({QUrl::fromLocalFile(u"/x/a.unknown"_s), QUrl::fromLocalFile(m_folder.path()),
+                   QUrl::fromLocalFile(file.fileName())});
+    drop(&files, {100, 600});
+    EXPECT_TRUE(m_document.contains(u"data4"_s));
+    EXPECT_TRUE(m_message.contains("a.unknown"_L1) &&
+                m_message.contains(QFileInfo(m_folder.path()).fileName()))
+        << m_message.toStdString();
+    QMimeData none;
+    none.setUrls({QUrl::fromLocalFile(u"/x/a.unknown"_s)});
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &none, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_view.viewport(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
 }
 
 TEST_F(Canvas, ExportsTheGraphInThreeFormats)

@@ -70,6 +70,18 @@ public:
     /// Remove the selected actions, links and notes.
     void removeSelection();
 
+    /// The files of a drop, by what can be done with them.
+    struct DroppedFiles
+    {
+        QStringList graphs;
+        QStringList data;   ///< an action reads them
+        QStringList others; ///< folders too
+    };
+    static DroppedFiles filesOf(const QMimeData &data, const ActionRegistry &registry);
+    /// Add the readers of files, one below the other; the rows of the first one go to `to`. The
+    /// message says why a file has none.
+    void addDataFiles(const QStringList &files, QPointF corner, PinRef to = {});
+
     /// The type of an action that is dragged from a palette, in UTF-8.
     static QString actionMimeType();
     static constexpr double kZoomStep = 1.2;

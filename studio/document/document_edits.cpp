@@ -146,11 +146,6 @@ QString GraphDocument::addActionIntoLink(const QString &type, const LinkRef &lin
     return node.id;
 }
 
-bool GraphDocument::canRead(const QString &file) const
-{
-    return !readerType(m_registry, file).isEmpty();
-}
-
 // The action is there at once; its levels and columns arrive when the file has been read.
 QString GraphDocument::addDataFile(const QString &file, QPointF position, QString *why,
                                    const PinRef &to)

@@ -143,8 +143,6 @@ public:
     /// reason. Returns its id; empty, with the reason, if no action reads such files.
     QString addDataFile(const QString &file, QPointF position, QString *why = nullptr,
                         const PinRef &to = {});
-    /// Whether an action reads files of this name.
-    bool canRead(const QString &file) const;
     /// Remove actions with their links, links, and notes by their keys.
     void remove(const QStringList &ids, const QVector<LinkRef> &links = {},
                 const QVector<int> &notes = {});

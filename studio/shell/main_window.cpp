@@ -36,26 +36,12 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolBar>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
 namespace corvanta::studio {
 
 namespace {
-
-/// The graph files among the dropped files.
-/// Other files are for the canvas, which has a place for the actions that read them.
-QStringList graphsOf(const QMimeData &data)
-{
-    QStringList files;
-    for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile() && url.toLocalFile().endsWith(".graph"_L1, Qt::CaseInsensitive)) {
-            files << url.toLocalFile();
-        }
-    }
-    return files;
-}
 
 /// Select what is at a place of the view, unless it is selected: commands act on the selection.
 void selectItemAt(CanvasView *canvas, QPoint place)
@@ -512,16 +498,25 @@ void MainWindow::closeEvent(QCloseEvent *event)
     event->accept();
 }
 
+// Data files that are dropped beside a canvas have no place in its graph.
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!graphsOf(*event->mimeData()).isEmpty()) {
+    const auto files = CanvasView::filesOf(*event->mimeData(), m_registry);
+    if (!files.graphs.isEmpty() || (m_shown == nullptr && !files.data.isEmpty())) {
         event->acceptProposedAction();
     }
 }
 
+// On the start page data files begin a graph.
 void MainWindow::dropEvent(QDropEvent *event)
 {
-    for (const QString &file : graphsOf(*event->mimeData())) {
+    const auto files = CanvasView::filesOf(*event->mimeData(), m_registry);
+    if (m_shown == nullptr && !files.data.isEmpty()) {
+        m_workspace->newDocument();
+        m_shown->canvas()->addDataFiles(files.data + files.others,
+                                        m_shown->canvas()->freePosition());
+    }
+    for (const QString &file : files.graphs) {
         m_workspace->open(file);
     }
     event->acceptProposedAction();

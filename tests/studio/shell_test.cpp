@@ -20,6 +20,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDockWidget>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QLabel>
@@ -447,6 +448,30 @@ TEST_F(Shell, StartPageListsTheExamples)
     QTest::keyClick(&list, Qt::Key_Return);
     ASSERT_NE(window().workspace()->current(), nullptr);
     EXPECT_EQ(document().ids(), (QStringList{u"table"_s, u"workbook"_s}));
+}
+
+TEST_F(Shell, FilesDroppedOnTheStartPageAreOpened)
+{
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(write(u"a.csv"_s, "a\n1\n")),
+                   QUrl::fromLocalFile(write(u"b.json"_s, "[{\"b\": 1}]"))});
+    const auto drop = [&] {
+        QDragEnterEvent enter({400, 300}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+        enter.setAccepted(false);
+        QApplication::sendEvent(&window(), &enter);
+        if (enter.isAccepted()) {
+            QDropEvent event({400, 300}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&window(), &event);
+        }
+        return enter.isAccepted();
+    };
+    EXPECT_TRUE(drop());
+    ASSERT_EQ(window().workspace()->tabs().size(), 1);
+    EXPECT_EQ(document().ids(), (QStringList{u"a"_s, u"b"_s}));
+    EXPECT_FALSE(drop()); // beside the canvas
+    files.setUrls({QUrl::fromLocalFile(write(u"a.graph"_s, kGraph))});
+    EXPECT_TRUE(drop());
+    EXPECT_EQ(window().workspace()->tabs().size(), 2);
 }
 
 TEST_F(Shell, EveryControlHasAnAccessibleName)
