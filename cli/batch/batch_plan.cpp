@@ -135,7 +135,8 @@ QByteArray jobScript(const BatchPlan &plan)
                       u"never"_s};
     words += plan.runOptions;
     // Success, usage errors and signals end the loop: another attempt would end in the same way.
-    // "wait" returns when a signal arrives, and is repeated until the program has ended.
+    // "wait" returns when a signal arrives, and is repeated until the program has ended. A signal
+    // leaves no status: Slurm may run the task again, on another node.
     const QString text = uR"(#!/bin/sh
 # Runs one task of a batch: job.sh TASK. A task that runs again does only what is missing.
 task=${1:-$SLURM_ARRAY_TASK_ID}
@@ -153,7 +154,10 @@ while :; do
         wait "$child"
         status=$?
     done
-    case $status in 0 | 2 | 129 | 130 | 131 | 143) break ;; esac
+    case $status in
+    0 | 2) break ;;
+    129 | 130 | 131 | 143) exit "$status" ;;
+    esac
     [ -z "$stopped" ] && [ "$attempt" -lt %4 ] || break
     attempt=$((attempt + 1))
 done

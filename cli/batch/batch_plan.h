@@ -6,7 +6,7 @@
 //   parts.txt      the files to merge, in the order of the inputs
 //   job.sh TASK    runs one task; merge.sh merges
 //   logs           one log per task, JSON lines
-//   status         the exit status of each task that has ended, in a file with its number
+//   status         the exit status of each task that has ended by itself, in a file with its number
 //   journal        see journal.h
 //   failures.tsv   the table of the inputs that have failed
 #pragma once
@@ -45,9 +45,9 @@ struct BatchPlan
     QString logOf(qsizetype task) const;
     /// The shard of a task.
     Shard shardOf(qsizetype task) const { return {task, tasks}; }
-    /// The exit status of a task that has ended; of "merge", of the merge.
+    /// The exit status of a task that has ended by itself; of "merge", of the merge.
     std::optional<int> statusOf(const QString &task) const;
-    /// The command that runs the graph for one input only.
+    /// The command that runs the graph for one input only, in visible characters.
     QString commandFor(qsizetype input) const;
 
     /// Write all files that the tasks need, and remove the statuses of earlier ones. The fault is

@@ -183,11 +183,15 @@ class Slurm(BatchCase):
         done = [entry["input"]["name"] for entry in self.journal("out/g.batch/journal") if entry["status"] == 0]
         self.assertEqual(sorted(done), sorted(str(self.folder / name) for name in self.names))
 
-    def test_node_that_fails(self):
+    def test_node_that_fails_and_task_that_is_queued_again(self):
         self.block(self.names[0])
+        self.block(self.names[1])
         process = self.start_batch("--max-running", "4")
-        CLUSTER.wait(lambda: self.is_running(0), WAITS)
-        running = CLUSTER.call("squeue", "-h", "-r", "-t", "running", "-o", "%K %N").stdout.splitlines()
+        CLUSTER.wait(lambda: self.is_running(0) and self.is_running(1), WAITS)
+        running = CLUSTER.call("squeue", "-h", "-r", "-t", "running", "-o", "%K %N %i").stdout.splitlines()
+        CLUSTER.call("scontrol", "requeue", next(line.split()[2] for line in running if line.startswith("2 ")))
+        CLUSTER.wait(lambda: CLUSTER.call("squeue", "-h", "-r", "-t", "pending", "-o", "%K").stdout == "2\n", WAITS)
+        self.assertFalse((self.folder / "out/g.batch/status/2").exists())  # or the batch would not wait for it
         node = next(line.split()[1] for line in running if line.startswith("1 "))
         CLUSTER.kill_node(node)
         self.unblock(0)
