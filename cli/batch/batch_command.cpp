@@ -233,10 +233,7 @@ CommandResult<void> Batch::prepare()
         return busyFault();
     }
     if (m_line.has(u"--no-resume"_s)) {
-        const QDir journal(m_plan.journal);
-        for (const QString &name : journal.entryList({u"shard-*"_s}, QDir::Files)) {
-            QFile::remove(journal.filePath(name));
-        }
+        clearJournal(m_plan.journal);
     }
     if (const auto written = m_plan.writeFiles(m_graph); !written) {
         return written.fault();

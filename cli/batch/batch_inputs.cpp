@@ -7,7 +7,8 @@
 // one input, or none would, after a file has changed.
 #include "cli/batch/batch_inputs.h"
 
-#include <QFile>
+#include "cli/batch/line_file.h"
+
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -54,11 +55,10 @@ bool isBatchFolder(const QString &word)
 
 CommandResult<QVector<InputFile>> inputsOfBatch(const QString &folder)
 {
-    QFile file(inputsFileOf(folder));
+    LineFile file(inputsFileOf(folder)); // no inputs if it cannot be read
     QVector<InputFile> inputs;
-    static_cast<void>(file.open(QIODevice::ReadOnly)); // no inputs if it cannot be read
-    while (!file.atEnd()) {
-        const auto input = inputOf(file.readLine(), inputs.size() + 1);
+    while (file.next()) {
+        const auto input = inputOf(file.line(), inputs.size() + 1);
         if (!input) {
             inputs.clear();
             break;
@@ -67,7 +67,7 @@ CommandResult<QVector<InputFile>> inputsOfBatch(const QString &folder)
     }
     if (inputs.isEmpty()) {
         return badUsage(u"the list '%1' of a batch cannot be read; start the batch again"_s.arg(
-            file.fileName()));
+            inputsFileOf(folder)));
     }
     return inputs;
 }

@@ -1,8 +1,11 @@
 // Counts the inputs of a batch by their last entry in the journal, and looks up failures in logs.
 #include "cli/batch/batch_state.h"
 
+#include "base/mapped.h"
+#include "cli/batch/line_file.h"
+#include "cli/visible_text.h"
+
 #include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -39,12 +42,10 @@ private:
     }
     void addFile(const QString &name)
     {
-        QFile file(name);
-        static_cast<void>(file.open(QIODevice::ReadOnly)); // an empty one if it cannot be read
-        for (qint64 number = 1; !file.atEnd(); ++number) {
-            const QByteArray line = file.readLine();
-            if (line.startsWith("{\"level\":1,")) {
-                const QJsonObject message = QJsonDocument::fromJson(line).object();
+        LineFile file(name);
+        for (qint64 number = 1; file.next(); ++number) {
+            if (file.line().startsWith("{\"level\":1,")) {
+                const QJsonObject message = QJsonDocument::fromJson(file.line()).object();
                 m_places[keyOf(message[u"input"].toString(), message[u"message"].toString())] =
                     u"%1:%2"_s.arg(name, QString::number(number));
             }

@@ -8,6 +8,7 @@
 
 #include "base/counted.h"
 #include "base/mapped.h"
+#include "cli/batch/line_file.h"
 #include "corvanta/main_ui.h"
 
 #include <QDateTime>
@@ -26,6 +27,10 @@ namespace {
 
 /// The member that names the rows of a piece.
 constexpr auto kRows = "rowsOfInput"_L1;
+
+/// The files of a journal, among others if a user has chosen their folder.
+constexpr auto kEntries = "shard-*-of-*.jsonl"_L1;
+constexpr auto kRunning = "shard-*-of-*.running"_L1;
 
 /// Whether the file is unchanged.
 bool isUnchanged(const FileState &state)
@@ -100,22 +105,14 @@ bool JournalEntry::parse(const QByteArray &line)
 void JournalReader::readFile(const QString &name, Position *position,
                              QVector<JournalEntry> *entries)
 {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly) || !file.seek(position->offset)) {
-        return;
-    }
-    for (;;) {
-        const QByteArray line = file.readLine();
-        // The rest may be completed later.
-        if (!line.endsWith('\n')) {
-            return;
-        }
-        position->offset += line.size();
+    LineFile file(name, position->offset);
+    while (file.next() && file.isComplete()) {
+        position->offset += file.bytes();
         ++position->line;
         JournalEntry entry;
-        if (entry.parse(line)) {
+        if (entry.parse(file.line())) {
             *entries << entry;
-        } else if (line != "\n" && ++m_damaged == 1) {
+        } else if (file.line() != "\n" && ++m_damaged == 1) {
             m_firstDamaged = u"%1, line %2"_s.arg(name, QString::number(position->line));
         }
     }
@@ -125,25 +122,43 @@ QVector<JournalEntry> JournalReader::read()
 {
     const QDir folder(m_folder);
     QVector<JournalEntry> entries;
-    for (const QString &name : folder.entryList({u"*.jsonl"_s}, QDir::Files, QDir::Name)) {
+    for (const QString &name : folder.entryList({kEntries}, QDir::Files, QDir::Name)) {
         readFile(folder.filePath(name), &m_positions[name], &entries);
     }
     return entries;
 }
+
+namespace {
+
+/// Nothing if the file has no entry, as after the end of a shard.
+std::optional<JournalEntry> entryIn(const QString &name)
+{
+    LineFile file(name);
+    JournalEntry entry;
+    return file.next() && entry.parse(file.line()) ? std::optional(entry) : std::nullopt;
+}
+
+} // namespace
 
 /// A process that was killed has left the file that names its input.
 QVector<JournalEntry> interruptedRuns(const QString &folder)
 {
     const QDir files(folder);
     QVector<JournalEntry> entries;
-    for (const QString &name : files.entryList({u"*.running"_s}, QDir::Files, QDir::Name)) {
-        QFile file(files.filePath(name));
-        JournalEntry entry;
-        if (file.open(QIODevice::ReadOnly) && entry.parse(file.readAll())) {
-            entries << entry;
+    for (const QString &name : files.entryList({kRunning}, QDir::Files, QDir::Name)) {
+        if (const auto entry = entryIn(files.filePath(name))) {
+            entries << *entry;
         }
     }
     return entries;
+}
+
+void clearJournal(const QString &folder)
+{
+    const QDir files(folder);
+    for (const QString &name : files.entryList({kEntries, kRunning}, QDir::Files)) {
+        QFile::remove(files.filePath(name));
+    }
 }
 
 namespace {
@@ -236,13 +251,11 @@ CommandResult<void> Journal::open(const Shard &shard)
         return Fault{kFailed, u"another program runs the shard %1 (its journal is '%2')"_s.arg(
                                   shard.text(), m_file)};
     }
-    JournalEntry interrupted;
-    QFile running(m_running);
-    if (running.open(QIODevice::ReadOnly) && interrupted.parse(running.readAll())) {
-        const auto last = m_last.find(keyOf(interrupted.input.name, interrupted.run));
-        if (last == m_last.end() || last->second.time < interrupted.time) {
-            addEntries({interrupted}, &m_last);
-            static_cast<void>(add(interrupted)); // add() reports the next one
+    if (const auto interrupted = entryIn(m_running)) {
+        const auto last = m_last.find(keyOf(interrupted->input.name, interrupted->run));
+        if (last == m_last.end() || last->second.time < interrupted->time) {
+            addEntries({*interrupted}, &m_last);
+            static_cast<void>(add(*interrupted)); // add() reports the next one
         }
     }
     return {};

@@ -65,6 +65,8 @@ private:
 
 /// What the runs that have not ended, or have ended their program, would leave as entries.
 QVector<JournalEntry> interruptedRuns(const QString &folder);
+/// Remove the files of all shards, and no others.
+void clearJournal(const QString &folder);
 
 /// What determines the result of a run, in addition to its input.
 struct RunIdentity

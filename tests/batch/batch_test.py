@@ -211,8 +211,10 @@ class Batches(BatchCase):
         self.write_graph(GRAPH.replace("'x'", "'y'"))
         self.batch("--inputs", "in/*.csv", "--balance", "size")
         self.assertEqual(self.outputs(), {**self.expected(4), **self.expected(4, "y")})
+        (self.folder / "out/g.batch/journal/shard-data.csv").write_text("of a user")
         self.batch("--inputs", "in/*.csv", "--no-resume")
         self.assertEqual(len(self.journal("out/g.batch/journal")), 4)
+        self.assertTrue((self.folder / "out/g.batch/journal/shard-data.csv").exists())
 
     def test_crash(self):
         """A run that ends its program does not keep the other inputs of its task from being run."""

@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import random
+import resource
 import subprocess
 import sys
 import time
@@ -185,6 +186,14 @@ class Resume(BatchCase):
         self.assertIn("1 line of the journal cannot be read and is ignored (first: ", messages[0]["message"])
         self.assertEqual(messages[-1]["summary"]["inputs"]["done"], 1)
         self.assertEqual(self.counts("--inputs", "in/*.csv"), {"skipped": 3})
+        # The zeros of a file system: one long line, which is not kept in memory.
+        with open(file, "r+b") as journal:
+            journal.seek(400 << 20)
+            journal.write(b"\n")
+        messages = self.run_inputs("--inputs", "in/*.csv", "--progress", "always")
+        self.assertIn("3 lines of the journal cannot be read and are ignored (first: ", messages[0]["message"])
+        self.assertEqual(messages[-1]["summary"]["inputs"]["skipped"], 3)
+        self.assertLess(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, 300 << 10)
 
     def test_journal_of_another_graph(self):
         self.write_graph(GRAPH.replace("'K,U'", "'U,U'"), "other.graph")

@@ -195,6 +195,7 @@ class Slurm(BatchCase):
         node = next(line.split()[1] for line in running if line.startswith("1 "))
         CLUSTER.kill_node(node)
         self.unblock(0)
+        self.unblock(1)
 
         def has_ended():
             """Slurm starts what it has queued again after two minutes; a test need not wait for them."""
