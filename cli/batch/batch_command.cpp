@@ -131,7 +131,7 @@ public:
 private:
     Fault<ExitStatus> busyFault() const;
     CommandResult<void> detach() const;
-    CommandResult<void> printFolder() const;
+    void printFolder() const;
     CommandResult<void> prepare();
     CommandResult<void> runTasks(QVector<qsizetype> tasks);
     CommandResult<void> startTasks(const QVector<qsizetype> &tasks);
@@ -184,10 +184,9 @@ CommandResult<void> Batch::check() const
 }
 
 /// For scripts, which ask for the state later.
-CommandResult<void> Batch::printFolder() const
+void Batch::printFolder() const
 {
     std::printf("%s\n", m_plan.folder.toUtf8().constData());
-    return {};
 }
 
 /// Starts this program again, without a terminal: it waits for the tasks.
@@ -216,7 +215,8 @@ CommandResult<void> Batch::detach() const
         }
         QThread::msleep(kTick);
     }
-    return printFolder();
+    printFolder();
+    return {};
 }
 
 /// The lock is held until this program ends, whatever ends it.
@@ -403,8 +403,15 @@ CommandResult<void> Batch::run()
                    u"%1 in %2 to run (%3); the folder of the batch is '%4'"_s.arg(
                        counted(m_plan.inputs - m_doneBefore, u"input"_s),
                        counted(tasks.size(), u"task"_s), m_plan.backend, m_plan.folder));
-    if (const auto done = runTasks(tasks); !done || m_line.has(u"--detach"_s)) {
-        return done ? printFolder() : done;
+    if (const auto done = runTasks(tasks); !done) {
+        return done;
+    }
+    if (m_line.has(u"--detach"_s)) {
+        printFolder();
+        // Without tasks there is no job: what is left to merge is merged here.
+        if (!tasks.isEmpty()) {
+            return {};
+        }
     }
     ExitStatus status = worstStatus(tasks);
     if (!m_plan.merged.isEmpty() && status == kDone && !interruption()) {

@@ -6,6 +6,7 @@
 #include "cli/batch/backend.h"
 #include "corvanta/main_ui.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -57,6 +58,7 @@ public:
 
 private:
     CommandResult<QString> submit(const QStringList &words, const QString &script) const;
+    bool hasFailedTask() const;
     bool isQueued();
     void warnAboutHeld(const QString &queue);
 
@@ -93,7 +95,8 @@ CommandResult<void> SlurmBackend::start(const QVector<qsizetype> &tasks, BatchPl
         return job.fault();
     }
     m_plan.job = *job;
-    if (!m_plan.merged.isEmpty()) {
+    m_plan.mergeJob.clear();
+    if (!m_plan.merged.isEmpty() && !hasFailedTask()) {
         const auto merge =
             submit({u"--dependency=afterok:"_s + *job, u"--kill-on-invalid-dep=yes"_s,
                     outputOption(m_plan, u"slurm-merge.out"_s)},
@@ -107,6 +110,15 @@ CommandResult<void> SlurmBackend::start(const QVector<qsizetype> &tasks, BatchPl
     plan->job = m_plan.job;
     plan->mergeJob = m_plan.mergeJob;
     return {};
+}
+
+/// Whether a task of an earlier job has failed: its output may be an old one, and a merge that
+/// depends on the new job only would take it.
+bool SlurmBackend::hasFailedTask() const
+{
+    const QDir statuses(m_plan.file(u"status"_s));
+    return std::ranges::any_of(statuses.entryList(QDir::Files),
+                               [&](const QString &task) { return m_plan.statusOf(task) != kDone; });
 }
 
 /// Whether the controller still has the jobs. One that does not answer may come back.

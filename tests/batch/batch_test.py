@@ -286,26 +286,45 @@ class Batches(BatchCase):
         self.assertIn("3 of 3 inputs done, 9 rows (not running)", self.call("batch", "--status", "out/g.batch").stdout)
         self.assertEqual(self.outputs(), self.expected(3))
 
-    def test_job_that_is_held_and_removed(self):
-        self.write_inputs(2)
+    def write_scheduler(self, sbatch, squeue):
+        """Programs with these names; returns the variables with which they are found."""
         (self.folder / "bin").mkdir()
-        jobs = "(sleep 1; for task in 1 2; do sh out/g.batch/job.sh $task; done) >job.out 2>&1 &"
-        for name, text in [("sbatch", f"echo '7;cluster'\nif [ -e seen ] && [ ! -e gone ]; then touch again; {jobs} fi"),
-                           ("squeue", "case $* in *%K*) [ -e again ] && echo 1 && echo 2; exit; esac\nif [ -e again ] && [ ! -e gone ]; then echo '7_1 RUNNING None'; exit; fi\n"
-                                      "if [ -e seen ]; then echo 'Invalid job id specified' >&2; exit 1; fi\n"
-                                      "touch seen; echo '7_1 PENDING JobHeldAdmin'")]:
+        for name, text in (("sbatch", sbatch), ("squeue", squeue)):
             (self.folder / "bin" / name).write_text(f"#!/bin/sh\ncd {self.folder}\n{text}\n")
             (self.folder / "bin" / name).chmod(0o755)
+        return {"PATH": f"{self.folder}/bin:/usr/bin:/bin"}
+
+    def test_merge_of_a_scheduler(self):
+        """A merge does not depend on the last job only: a task of an earlier one may have failed."""
+        self.damage(self.write_inputs(2)[1])
+        first = "case $* in *merge.sh) touch ended; sh out/g.batch/job.sh 2; esac"  # and task 1 is lost
+        path = self.write_scheduler(f'echo "$*" >>calls\nwc -l <calls\n[ ! -e ended ] || sh out/g.batch/job.sh 1\n{first}\nexit 0',
+                                    "echo 'Invalid job id specified' >&2\nexit 1")
+        words = ["--inputs", "in/*.csv", "--backend", "slurm", "--per-task", "1", "--merge", "all.csv"]
+        self.assertIn("1 of 2 inputs done, 1 failed", self.batch(*words, "--retries", "1", status=1, variables=path).stderr)
+        self.assertEqual([line.rsplit("/", 1)[1] for line in (self.folder / "calls").read_text().splitlines()], ["job.sh", "merge.sh", "job.sh"])
+        # Without tasks there is no job that a merge could depend on.
+        self.write_inputs(2)
+        self.batch("--inputs", "in/*.csv")
+        self.assertEqual(self.batch(*words, "--detach", variables=path).stdout, f"{self.folder}/out/g.batch\n")
+        self.assertEqual(self.status()["merge"], "done")
+
+    def test_job_that_is_held_and_removed(self):
+        self.write_inputs(2)
+        jobs = "(sleep 1; for task in 1 2; do sh out/g.batch/job.sh $task; done) >job.out 2>&1 &"
+        path = self.write_scheduler(f"echo '7;cluster'\nif [ -e seen ] && [ ! -e gone ]; then touch again; {jobs} fi",
+                                    "case $* in *%K*) [ -e again ] && echo 1 && echo 2; exit; esac\nif [ -e again ] && [ ! -e gone ]; then echo '7_1 RUNNING None'; exit; fi\n"
+                                    "if [ -e seen ]; then echo 'Invalid job id specified' >&2; exit 1; fi\n"
+                                    "touch seen; echo '7_1 PENDING JobHeldAdmin'")
         (self.folder / "out/g.batch").mkdir(parents=True)
-        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--per-task", "1", variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
+        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--per-task", "1", variables=path)
         self.assertIn('Warning: Slurm holds a task: 7_1 PENDING JobHeldAdmin; "scontrol release 7_1" starts it', done.stderr)
         self.assertIn("Warning: 2 tasks ended without a status (the first is 1) and are started again", done.stderr)
         self.assertEqual((done.stdout, self.outputs()), ("", self.expected(2)))
         # Slurm still lists tasks that have ended.
-        self.batch("--inputs", "in/*.csv", "--backend", "slurm", variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
+        self.batch("--inputs", "in/*.csv", "--backend", "slurm", variables=path)
         (self.folder / "gone").write_text("")
-        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--retries", "0", "--no-resume", status=1,
-                          variables={"PATH": f"{self.folder}/bin:/usr/bin:/bin"})
+        done = self.batch("--inputs", "in/*.csv", "--backend", "slurm", "--retries", "0", "--no-resume", status=1, variables=path)
         self.assertEqual([line.split("\t")[1] for line in done.stdout.splitlines()], ["cause", "not run", "not run"])
 
     def test_merge(self):
@@ -377,12 +396,9 @@ class Batches(BatchCase):
         self.write_inputs(2)
         self.write_graph(GRAPH.replace("${inputStem}", "all"), "one.graph")
         self.write_graph(GRAPH.replace("'K,U'", "'U,U'"), "other.graph")
-        (self.folder / "bin").mkdir()
-        (self.folder / "bin/sbatch").write_text("#!/bin/sh\necho 'sbatch: error: invalid partition' >&2\nexit 1\n")
-        (self.folder / "bin/sbatch").chmod(0o755)
+        path = self.write_scheduler("echo 'sbatch: error: invalid partition' >&2\nexit 1", "")
         (self.folder / "full").mkdir()
         (self.folder / "full/file").write_text("")
-        path = {"PATH": f"{self.folder}/bin:/usr/bin:/bin"}
         alone = {"PATH": str(self.folder / "nothing")}
         inputs = ["--inputs", "in/*.csv"]
         cases = [
