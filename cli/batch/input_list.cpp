@@ -5,8 +5,12 @@
 #include "corvanta/files.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
+#include <filesystem>
+#include <system_error>
 #include <unordered_map>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +25,12 @@ bool hasWildcard(const QString &name)
     return name.contains(u'*') || name.contains(u'?');
 }
 
+/// A pattern in which brackets are literal, as in the parameters of readers.
+QString withLiteralBrackets(QString pattern)
+{
+    return pattern.replace(u'[', "[[]"_L1);
+}
+
 /// The folders that match the parts of a folder's name.
 QStringList foldersOf(const QString &pattern)
 {
@@ -31,8 +41,7 @@ QStringList foldersOf(const QString &pattern)
     QStringList folders;
     for (const QString &parent : foldersOf(info.path())) {
         const QDir folder(parent);
-        // Brackets are literal, as in the parameters of readers.
-        const QStringList filter{info.fileName().replace(u'[', "[[]"_L1)};
+        const QStringList filter{withLiteralBrackets(info.fileName())};
         for (const QString &name : folder.entryList(
                  filter, QDir::Dirs | QDir::NoDotAndDotDot | QDir::CaseSensitive, QDir::Name)) {
             folders << folder.filePath(name);
@@ -41,12 +50,42 @@ QStringList foldersOf(const QString &pattern)
     return folders;
 }
 
+/// Whether listFiles() finds all files of the folder that match. Qt leaves out names that are not
+/// UTF-8, and links without a file: data would be missing in silence. Hidden links are the locks of
+/// editors.
+CommandResult<void> checkAllFound(const QString &folder, const QString &pattern)
+{
+    const auto wanted =
+        QRegularExpression::fromWildcard(withLiteralBrackets(pattern), Qt::CaseSensitive);
+    std::error_code error; // then the folder has no files
+    std::filesystem::directory_iterator entry(QFileInfo(folder).filesystemFilePath(), error);
+    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const QByteArray bytes(entry->path().filename().c_str());
+        const QString name = QFile::decodeName(bytes);
+        if (!wanted.match(name).hasMatch()) {
+            continue;
+        }
+        const QString full = QDir(folder).filePath(name);
+        if (QFile::encodeName(name) != bytes) {
+            return badUsage(
+                u"--inputs: the name of '%1' is not UTF-8; rename the file"_s.arg(full));
+        }
+        if (entry->is_symlink(error) && !entry->exists(error) && !name.startsWith(u'.')) {
+            return badUsage(u"--inputs: '%1' is a link to a file that does not exist"_s.arg(full));
+        }
+    }
+    return {};
+}
+
 /// listFiles() expands only the last part of a name, so the folders are expanded before.
 ListedNames matchesOf(const QString &pattern)
 {
     const QFileInfo info(pattern);
     QVector<ListedName> found;
     for (const QString &folder : foldersOf(info.path())) {
+        if (const auto checked = checkAllFound(folder, info.fileName()); !checked) {
+            return checked.fault();
+        }
         const QString inFolder = QDir(folder).filePath(info.fileName());
         QStringList names;
         listFiles(inFolder, &names);

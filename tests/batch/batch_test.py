@@ -148,6 +148,11 @@ class Batches(BatchCase):
         self.check_names("local")
         # Lists have a name per line, what they do not hold is refused; a pattern finds such a file.
         (self.folder / "in/new\nline.csv").write_text("k,t\n8,text\n")
+        for wrong, says in ((b"in/\xfc[1].csv", "--inputs: the name of 'in/\ufffd[1].csv' is not UTF-8; rename the file"),
+                            (b"in/lost[1].csv", "--inputs: 'in/lost[1].csv' is a link to a file that does not exist")):
+            os.symlink("none", os.path.join(os.fsencode(self.folder), wrong))
+            self.assertIn(says, self.batch("--inputs", "in/*[1].csv", status=2).stderr)
+            os.unlink(os.path.join(os.fsencode(self.folder), wrong))
         self.batch("--inputs", "in/*.csv")
         self.assertEqual(self.outputs()["new\nline_x.csv"], b"k,t\n8,text\n")
         self.assertIn(f"--merge: the name '{self.folder}/out/new\nline_x.csv' has a line break",
