@@ -11,7 +11,6 @@
 #include "cli/commands.h"
 #include "cli/session.h"
 #include "cli/stop_signals.h"
-#include "cli/visible_text.h"
 #include "corvanta/main_ui.h"
 
 #include <QCoreApplication>

@@ -4,6 +4,7 @@
 #include "base/mapped.h"
 #include "cli/batch/batch_inputs.h"
 #include "cli/merge/merge_action.h"
+#include "cli/visible_text.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -96,6 +97,21 @@ QStringList mergeOptionsOf(const CommandLine &line)
 QString shellCommand(const QStringList &words)
 {
     return mapped<QStringList>(words, shellWord).join(u' ');
+}
+
+/// The same command in one line of visible characters, for tables and terminals.
+QString visibleCommand(const QString &command)
+{
+    if (visibleText(command) == command) {
+        return command;
+    }
+    QString octal; // the form of printf %b
+    for (const char c : command.toUtf8()) {
+        const bool isPlain = c >= ' ' && c <= '~' && c != '\\';
+        octal += isPlain ? QString(QLatin1Char(c))
+                         : u"\\0%1"_s.arg(uint(uchar(c)), 3, 8, QLatin1Char('0'));
+    }
+    return u"eval \"$(printf %b %1)\""_s.arg(shellWord(octal));
 }
 
 /// Replaced in one step, because tasks of an earlier attempt may still read the file.
@@ -329,7 +345,7 @@ QString BatchPlan::commandFor(qsizetype input) const
                       u"%1/%2"_s.arg(QString::number(input), QString::number(inputs)),
                       u"--journal"_s,
                       journal};
-    return shellCommand(words + runOptions);
+    return visibleCommand(shellCommand(words + runOptions));
 }
 
 /// Statuses of an earlier run are removed: they would count as those of the new tasks.

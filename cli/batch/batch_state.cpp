@@ -55,12 +55,6 @@ private:
     std::unordered_map<QString, QString> m_places;
 };
 
-/// One cell of a table whose cells are separated by tabs and line feeds.
-QByteArray cellOf(QString text)
-{
-    return text.replace(u'\t', u' ').replace(u'\n', u' ').toUtf8();
-}
-
 } // namespace
 
 BatchState::BatchState(const BatchPlan &plan, QVector<InputFile> inputs)
@@ -148,13 +142,14 @@ QVector<BatchFailure> BatchState::failures() const
     return failures;
 }
 
-/// Of "failures.tsv", which other programs read.
+/// Of "failures.tsv", which other programs read, and for terminals: no character of a cell ends it
+/// or its line.
 QByteArray failureTable(const QVector<BatchFailure> &failures)
 {
     QByteArray table = "input\tcause\tlog\tcommand\n";
     for (const BatchFailure &failure : failures) {
-        table += cellOf(failure.input) + '\t' + cellOf(failure.cause) + '\t' + cellOf(failure.log) +
-                 '\t' + cellOf(failure.command) + '\n';
+        const QStringList cells{failure.input, failure.cause, failure.log, failure.command};
+        table += mapped<QStringList>(cells, visibleText).join(u'\t').toUtf8() + '\n';
     }
     return table;
 }

@@ -47,5 +47,5 @@ private:
     LastEntries m_last;
 };
 
-/// The table of failures with a line of names, separated by tabs.
+/// The table of failures with a line of names, separated by tabs. Invisible characters are escaped.
 QByteArray failureTable(const QVector<BatchFailure> &failures);

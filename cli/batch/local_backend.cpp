@@ -115,9 +115,10 @@ public:
         QFile file(list);
         static_cast<void>(file.open(QIODevice::WriteOnly)); // parallel reports a missing file
         // Whole commands: in words of its own command line, parallel would replace {}, {.} and {#}.
+        // They end with zeros, because the name of a folder may have a line feed.
         const QByteArray script = "/bin/sh " + shellWord(m_plan.file(u"job.sh"_s)).toUtf8() + ' ';
         for (const qsizetype task : tasks) {
-            file.write(script + QByteArray::number(task) + '\n');
+            file.write(script + QByteArray::number(task) + '\0');
         }
         file.close();
         // The journal says what is done, also after a change of the graph; this log cannot.
@@ -128,7 +129,7 @@ public:
         words +=
             m_plan.maxRunning > 0 ? QStringList(u"-j%1"_s.arg(m_plan.maxRunning)) : QStringList();
         words += m_plan.backendOptions;
-        words << u"-a"_s << list;
+        words << u"--null"_s << u"-a"_s << list;
         m_processes.push_back(startQuietly(u"parallel"_s, words));
         return {};
     }

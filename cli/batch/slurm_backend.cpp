@@ -36,10 +36,14 @@ QString rangesOf(const QVector<qsizetype> &tasks)
     return ranges.join(u',');
 }
 
-/// The option for a file of sbatch. A percent sign begins a pattern there.
+/// The option for a file of sbatch. A percent sign begins a pattern there. After a backslash in the
+/// name there are no patterns, so that all tasks share the file.
 QString outputOption(const BatchPlan &plan, const QString &pattern)
 {
-    return u"--output="_s + plan.file(u"logs/"_s).replace(u'%', "%%"_L1) + pattern;
+    QString folder = plan.file(u"logs/"_s);
+    folder =
+        folder.contains(u'\\') ? folder.replace(u'\\', "\\\\"_L1) : folder.replace(u'%', "%%"_L1);
+    return u"--output="_s + folder + pattern;
 }
 
 class SlurmBackend final : public Backend

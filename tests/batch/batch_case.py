@@ -23,8 +23,8 @@ PIECES = """<graph version='4.12'>
 """
 
 
-# Signs that a shell, a pattern, GNU parallel or sbatch would replace.
-ODD_FOLDER = "it's {} {#} {.} 100%a"
+# Signs that a shell, a pattern, GNU parallel or sbatch would replace, and those that end a line or a cell.
+ODD_FOLDER = "it's {} {#} {.} 100%a a\\b\n\tc"
 ODD_NAMES = ["-r.csv", "a b.csv", "100%1%j.csv", "it's.csv", 'say "x".csv', "$HOME `id`.csv", "{}.csv", "#;&.csv"]
 
 

@@ -17,6 +17,7 @@ from batch_case import GRAPH, ODD_FOLDER, PIECES, BatchCase
 
 BatchCase.corvanta = str(pathlib.Path(sys.argv.pop(1)).resolve())
 PARALLEL = shutil.which("parallel")
+ODD_SUFFIX = "it's %1\t\\t\r\u202e\n"  # no cell of a table may have these signs
 WAITS = 20
 
 
@@ -50,7 +51,7 @@ class Batches(BatchCase):
         """One input fails; its command repeats it, and the same batch then has nothing to do."""
         names = self.write_inputs(9)
         self.damage(names[4])
-        done = self.batch("--inputs", "in/*.csv", "--backend", backend, "--per-task", "2", "--max-running", "2", "--set", "suffix=it's %1", status=1)
+        done = self.batch("--inputs", "in/*.csv", "--backend", backend, "--per-task", "2", "--max-running", "2", "--set", f"suffix={ODD_SUFFIX}", status=1)
         self.assertIn(f"9 inputs in 5 tasks to run ({backend}); the folder of the batch is '{self.folder}/out/g.batch'", done.stderr)
         self.assertIn("8 of 9 inputs done, 1 failed, 24 rows", done.stderr)
         self.assertIn("Error: 1 input is not done; '", done.stderr)
@@ -71,9 +72,9 @@ class Batches(BatchCase):
             os.utime(self.folder / other, ns=self.times[other])
         environment = {**os.environ, "PATH": f"{os.path.dirname(self.corvanta)}:{os.environ['PATH']}"}
         subprocess.run(["sh", "-c", command], check=True, env=environment, stderr=subprocess.DEVNULL)
-        self.assertEqual(self.outputs(), self.expected(9, "it's %1"))
+        self.assertEqual(self.outputs(), self.expected(9, ODD_SUFFIX))
         before = {path: path.stat().st_mtime_ns for path in (self.folder / "out").glob("*.csv")}
-        again = self.batch("--inputs", "in/*.csv", "--backend", backend, "--set", "suffix=it's %1")
+        again = self.batch("--inputs", "in/*.csv", "--backend", backend, "--set", f"suffix={ODD_SUFFIX}")
         self.assertIn("9 of 9 inputs done, 27 rows", again.stderr)
         self.assertEqual(again.stdout, "")
         self.assertEqual({path: path.stat().st_mtime_ns for path in before}, before)

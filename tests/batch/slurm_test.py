@@ -272,7 +272,7 @@ class Slurm(BatchCase):
         done = subprocess.run(words, cwd=self.folder, env=CLUSTER.environment, capture_output=True, text=True, check=False, timeout=WAITS)
         self.assertEqual(done.returncode, 0, done.stderr + CLUSTER.logs())
         self.assertEqual(self.outputs(ODD_FOLDER + "/out"), outputs)
-        self.assertTrue((self.folder / ODD_FOLDER / "logs/slurm-1.out").exists())
+        self.assertTrue((self.folder / ODD_FOLDER / "logs/slurm-%a.out").exists())  # no pattern after a backslash
 
     def test_rejected_job(self):
         before = self.files()
