@@ -520,10 +520,12 @@ CommandResult<void> checkForm(const CommandLine &line)
 
 CommandOptions batchOptions()
 {
-    return Session::options(
-        {{{"", kBatchOptions}, {"", kMergeOptions}, {"Graph", graphOptions().first(2)}},
-         1,
-         u"one graph file, or one folder with --status, is required"_s});
+    return Session::options({{{"", kBatchOptions},
+                              {"", kMergeOptions},
+                              {"Graph", graphOptions().first(2)},
+                              {"", graphRunOptions()}},
+                             1,
+                             u"one graph file, or one folder with --status, is required"_s});
 }
 
 CommandResult<void> batchCommand(const CommandLine &line)

@@ -60,7 +60,7 @@ CommandResult<void> checkAllFound(const QString &folder, const QString &pattern)
     std::error_code error; // then the folder has no files
     std::filesystem::directory_iterator entry(QFileInfo(folder).filesystemFilePath(), error);
     for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const QByteArray bytes(entry->path().filename().c_str());
+        const auto bytes = QByteArray::fromStdString(entry->path().filename().string());
         const QString name = QFile::decodeName(bytes);
         if (!wanted.match(name).hasMatch()) {
             continue;

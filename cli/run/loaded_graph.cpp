@@ -25,6 +25,11 @@ constexpr OptionInfo kGraphOptions[] = {
      "missing"},
     {"--name", "FILE", "for -: the name for messages; relative names are relative to its folder"},
 };
+constexpr OptionInfo kGraphRunOptions[] = {
+    {"--compression", "LEVEL",
+     "compression of packages: isal-2 (fast, the default), isal-3, zlib-1 to zlib-9 (smallest)"},
+    {"--strict", "", "unknown names and wrong values in GRAPH are errors, not warnings"},
+};
 
 /// The variables of `--set NAME=VALUE` and `more`; of equal names the last one counts.
 CommandResult<LoadedGraph::Variables> variablesOf(const QStringList &assignments,
@@ -104,6 +109,11 @@ CommandResult<CorvantaGraph::Loaded> readGraph(const CommandLine &line)
 std::span<const OptionInfo> graphOptions()
 {
     return kGraphOptions;
+}
+
+std::span<const OptionInfo> graphRunOptions()
+{
+    return kGraphRunOptions;
 }
 
 CommandResult<std::unique_ptr<LoadedGraph>> LoadedGraph::load(const CommandLine &line,

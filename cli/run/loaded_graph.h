@@ -9,6 +9,8 @@
 
 /// The options that determine the files of a graph: --set, --out-dir, --name.
 std::span<const OptionInfo> graphOptions();
+/// The options of its runs: --compression, --strict.
+std::span<const OptionInfo> graphRunOptions();
 
 /// A graph with the actions, variables and output folder that it was checked with.
 struct LoadedGraph

@@ -60,6 +60,18 @@ CommandResult<RunOptions> optionsOfRun(const CommandLine &line, const LoadedGrap
     return options;
 }
 
+/// The options that choose among inputs have no meaning without any.
+CommandResult<void> rejectInputOptions(const CommandLine &line)
+{
+    const CommandOptions options{{OptionGroup{"", manyInputsOptions()}}};
+    for (const QString &name : options.withValue() + options.flags()) {
+        if (line.values.contains(name) || line.has(name)) {
+            return badUsage(u"%1 needs --inputs"_s.arg(name));
+        }
+    }
+    return {};
+}
+
 /// Prints the files that a run would write, for scripts: as they are, one per line.
 void printOutputs(const QStringList &names, bool isJson)
 {
@@ -77,6 +89,9 @@ CommandResult<BatchGraph> loadForCheck(const CommandLine &line)
 {
     if (line.values.contains(u"--inputs"_s)) {
         return BatchGraph::load(line, LoadedGraph::load);
+    }
+    if (const auto misplaced = rejectInputOptions(line); !misplaced) {
+        return misplaced.fault();
     }
     auto loaded = LoadedGraph::load(line, {});
     return loaded ? CommandResult<BatchGraph>(BatchGraph({}, *std::move(loaded))) : loaded.fault();
@@ -111,23 +126,8 @@ CommandResult<void> checkGraph(const CommandLine &line)
     return {};
 }
 
-/// The options that choose among inputs have no meaning without any.
-CommandResult<void> rejectInputOptions(const CommandLine &line)
-{
-    const CommandOptions options{{OptionGroup{"", manyInputsOptions()}}};
-    for (const QString &name : options.withValue() + options.flags()) {
-        if (line.values.contains(name) || line.has(name)) {
-            return badUsage(u"%1 needs --inputs"_s.arg(name));
-        }
-    }
-    return {};
-}
-
-constexpr OptionInfo kRunOptions[] = {
+constexpr OptionInfo kTapOptions[] = {
     {"--tap", "ID:PIN=FILE.csv", "also write the rows of an output pin as CSV (repeatable)"},
-    {"--compression", "LEVEL",
-     "compression of packages: isal-2 (fast, the default), isal-3, zlib-1 to zlib-9 (smallest)"},
-    {"--strict", "", "unknown names and wrong values in GRAPH are errors, not warnings"},
 };
 constexpr OptionInfo kCheckOptions[] = {
     {"--list-outputs", "", "print the files that a run would write, one per line"},
@@ -142,10 +142,12 @@ constexpr OptionInfo kCheckOptions[] = {
 
 CommandOptions runOptions()
 {
-    return Session::options(
-        {{{"", graphOptions()}, {"", kRunOptions}, {"Many inputs", manyInputsOptions()}},
-         1,
-         u"one graph file is required"_s});
+    return Session::options({{{"", graphOptions()},
+                              {"", kTapOptions},
+                              {"", graphRunOptions()},
+                              {"Many inputs", manyInputsOptions()}},
+                             1,
+                             u"one graph file is required"_s});
 }
 
 CommandResult<void> runCommand(const CommandLine &line)
@@ -177,7 +179,7 @@ CommandResult<void> runCommand(const CommandLine &line)
 CommandOptions checkOptions()
 {
     return {{{"", graphOptions()},
-             {"", manyInputsOptions().first(1)},
+             {"", manyInputsOptions().first(2)},
              {"", Session::logFormatOption()},
              {"", kCheckOptions}},
             1,

@@ -218,8 +218,9 @@ class Batches(BatchCase):
         self.batch("--inputs", "in/*.csv", "--balance", "size")
         self.assertEqual(self.outputs(), {**self.expected(4), **self.expected(4, "y")})
         (self.folder / "out/g.batch/journal/shard-data.csv").write_text("of a user")
-        self.batch("--inputs", "in/*.csv", "--no-resume")
-        self.assertEqual(len(self.journal("out/g.batch/journal")), 4)
+        self.batch("--inputs", "in/*.csv", "--no-resume", "--compression", "isal-3", "--strict")
+        self.assertEqual([entry["run"]["compression"] for entry in self.journal("out/g.batch/journal")], ["isal-3"] * 4)
+        self.assertIn(" --strict ", (self.folder / "out/g.batch/job.sh").read_text())
         self.assertTrue((self.folder / "out/g.batch/journal/shard-data.csv").exists())
 
     def test_crash(self):

@@ -14,6 +14,8 @@ class Split(BatchCase):
     def test_row_groups(self):
         self.parquet("in/big.parquet", [30, 30, 30, 100, 10])
         self.write_graph(PIECES)
+        pieces = self.call("check", "g.graph", "--inputs", "in/*.parquet", "--split-rows", "60", "--out-dir", "out", "--list-outputs")
+        self.assertEqual(pieces.stdout.split(), [f"{self.folder}/out/big_{part}.csv" for part in (1, 2, 3, 4)])
         counts = self.counts("--inputs", "in/*.parquet", "--split-rows", "60")
         self.assertEqual(counts, {"done": 4})
         pieces = {name: content.decode().split() for name, content in self.outputs().items()}
@@ -58,6 +60,7 @@ class Split(BatchCase):
             done = self.call("run", "g.graph", "--inputs", "in/q?parquet", "--split-rows", "5", "--out-dir", "out")
             self.assertEqual((done.returncode, says in done.stderr), (2, True), done.stderr)
         self.write_graph(graph)
+        self.assertIn("--split-rows needs --inputs", self.call("check", "g.graph", "--split-rows", "5").stderr)
         done = self.call("run", "g.graph", "--inputs", "in/q?parquet")
         self.assertEqual(done.returncode, 2)
         self.assertIn("}: divide its input files with --inputs LIST --split-rows N, or set the variable with --set ", done.stderr)
