@@ -174,7 +174,8 @@ CommandResult<void> Batch::check() const
         if (isRunning(*earlier)) {
             return busyFault();
         }
-    } else if (folder.exists() && !folder.isEmpty()) {
+    } else if (folder.exists() && !folder.isEmpty() && !QFileInfo::exists(lockOf(m_plan))) {
+        // The lock is the first file of a batch, also of one that could not begin.
         return badUsage(u"the folder '%1' has other files; name another one with --folder"_s.arg(
             m_plan.folder));
     }

@@ -376,6 +376,7 @@ class Batches(BatchCase):
     def test_table_that_cannot_be_written(self):
         self.damage(self.write_inputs(1)[0])
         (self.folder / "out/g.batch").mkdir(parents=True)
+        (self.folder / "out/g.batch/lock").write_text("")  # of a batch that could not begin
         self.batch("--inputs", "in/*.csv", status=1)
         table = self.folder / "out/g.batch/failures.tsv"
         table.unlink()
