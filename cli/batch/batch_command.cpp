@@ -342,8 +342,10 @@ ExitStatus Batch::merge() const
     if (status != kDone) {
         QFile log(m_plan.file(u"logs/merge.log"_s));
         static_cast<void>(log.open(QIODevice::ReadOnly)); // empty if there is none
-        MainUI::addLog(MainUI::Error, u"Error: the merge has failed: %1"_s.arg(
-                                          QString::fromUtf8(log.read(4096)).trimmed()));
+        const QString said = QString::fromUtf8(log.read(4096)).trimmed();
+        MainUI::addLog(MainUI::Error,
+                       u"Error: the merge has failed: %1"_s.arg(
+                           said.isEmpty() ? u"its program has ended without a message"_s : said));
     }
     return status == kDone ? kDone : kFailed;
 }

@@ -2,6 +2,7 @@
 #include "cli/batch/batch_plan.h"
 
 #include "base/mapped.h"
+#include "base/system_error.h"
 #include "cli/batch/batch_inputs.h"
 #include "cli/merge/merge_action.h"
 #include "cli/visible_text.h"
@@ -354,7 +355,8 @@ CommandResult<void> BatchPlan::writeFiles(const BatchGraph &graph) const
     QDir(file(u"status"_s)).removeRecursively();
     for (const QString &name : {file(u"status"_s), file(u"logs"_s), journal}) {
         if (!QDir().mkpath(name)) {
-            return Fault{kFailed, u"cannot create the folder '%1'"_s.arg(name)};
+            return Fault{kFailed, u"cannot create the folder '%1': %2"_s.arg(
+                                      name, SystemError::ofLastCall().text())};
         }
         if (!QFileInfo(name).isWritable()) {
             return Fault{kFailed, u"cannot write to the folder '%1'"_s.arg(name)};

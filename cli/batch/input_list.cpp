@@ -114,7 +114,7 @@ Fault<ExitStatus> wrongNames(const QString &first, qsizetype count)
 
 QString InputFile::label() const
 {
-    return piece
+    return piece && piece->rowCount > 0
                ? u"%1 (rows %2 to %3)"_s.arg(file.name, QString::number(piece->firstRow),
                                              QString::number(piece->firstRow + piece->rowCount - 1))
                : file.name;

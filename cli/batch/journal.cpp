@@ -8,6 +8,7 @@
 
 #include "base/counted.h"
 #include "base/mapped.h"
+#include "base/system_error.h"
 #include "cli/batch/line_file.h"
 #include "corvanta/main_ui.h"
 
@@ -245,7 +246,8 @@ CommandResult<void> Journal::open(const Shard &shard)
     m_running = name + ".running"_L1;
     using platform::FileLock;
     if (!QDir().mkpath(m_folder)) {
-        return Fault{kFailed, u"cannot create the folder '%1' of the journal"_s.arg(m_folder)};
+        return Fault{kFailed, u"cannot create the folder '%1' of the journal: %2"_s.arg(
+                                  m_folder, SystemError::ofLastCall().text())};
     }
     if (m_lock.tryFile(m_running, FileLock::IfMissing::Create) == FileLock::Outcome::Held) {
         return Fault{kFailed, u"another program runs the shard %1 (its journal is '%2')"_s.arg(

@@ -371,6 +371,10 @@ class Batches(BatchCase):
         self.assertIn("Error: the merge has failed: ", self.batch("--inputs", "in/*.csv", "--merge", "all.csv", status=1).stderr)
         self.assertIn("2 of 2 inputs done, 6 rows (not running, merge failed)", self.call("batch", "--status", "out/g.batch").stdout)
         self.assertEqual(self.outputs(), self.expected(2))
+        (self.folder / "out/g.batch/logs/merge.log").unlink()
+        (self.folder / "out/g.batch/logs/merge.log").mkdir()  # as if the merge was killed
+        self.assertIn("Error: the merge has failed: its program has ended without a message",
+                      self.batch("--inputs", "in/*.csv", "--merge", "all.csv", status=1).stderr)
         self.assertEqual((self.folder / "out/g.batch/parts.txt").read_text(), "".join(f"{self.folder}/out/a0{i}_x.csv\n" for i in (1, 2)))
 
     def test_table_that_cannot_be_written(self):

@@ -323,7 +323,7 @@ class BadInput(BatchCase):
         self.assertEqual(self.outputs(), self.expected(2))
         (self.folder / "file").write_text("")
         messages = self.run_inputs("--inputs", "list.txt", "--journal", "file/j", status=1)
-        self.assertIn(f"cannot create the folder '{self.folder}/file/j' of the journal", messages[-1]["message"])
+        self.assertIn(f"cannot create the folder '{self.folder}/file/j' of the journal: Not a directory", messages[-1]["message"])
 
 
 if __name__ == "__main__":

@@ -28,6 +28,12 @@ class Split(BatchCase):
         self.assertEqual(len(self.outputs()["big_3.csv"].split()), 100)
         said = self.run_inputs("--inputs", "in/*.parquet", "--split-rows", "60", "--no-resume", "-v")
         self.assertTrue(any(line.get("input", "").endswith("big.parquet (rows 91 to 190)") for line in said), said)
+        # A file without rows is one piece, without a range.
+        (self.folder / "none.csv").write_text("n\n")
+        self.call("convert", "none.csv", "in/none.parquet")
+        said = self.run_inputs("--inputs", "in/n*.parquet", "--split-rows", "60", status=1)
+        self.assertEqual(said[0]["input"], f"{self.folder}/in/none.parquet")
+        (self.folder / "in/none.parquet").unlink()
         # Shards by size count the rows of the pieces.
         self.counts("--inputs", "in/*.parquet", "--split-rows", "60", "--shard", "1/2", "--balance", "size", "--journal", "size")
         self.assertEqual(len(self.journal("size")), 1)
