@@ -149,6 +149,7 @@ private:
     BatchState m_state;
     platform::FileLock m_lock;
     bool m_isNewFolder = false;
+    bool m_isNewOutDir = false;
     qsizetype m_doneBefore = 0;
 };
 
@@ -223,6 +224,7 @@ CommandResult<void> Batch::detach() const
 CommandResult<void> Batch::prepare()
 {
     m_isNewFolder = !QFileInfo::exists(m_plan.folder);
+    m_isNewOutDir = !QFileInfo::exists(m_graph.loaded->absoluteOutDir());
     if (const auto created = m_graph.loaded->createOutDir(); !created) {
         return created.fault();
     }
@@ -243,12 +245,15 @@ CommandResult<void> Batch::prepare()
     return {};
 }
 
-/// A batch that the scheduler rejects leaves no files.
+/// A batch that the scheduler rejects leaves nothing.
 CommandResult<void> Batch::startTasks(const QVector<qsizetype> &tasks)
 {
     if (const auto started = m_backend->start(tasks, &m_plan); !started) {
         if (m_isNewFolder && m_plan.job.isEmpty()) {
             QDir(m_plan.folder).removeRecursively();
+            if (m_isNewOutDir) {
+                QDir().rmdir(m_graph.loaded->absoluteOutDir()); // fails if it has other files
+            }
         }
         return started.fault();
     }

@@ -437,6 +437,7 @@ class Batches(BatchCase):
             with self.subTest(words=words):
                 self.assertIn(text.replace("FOLDER", str(self.folder)), self.batch(*words, status=2, variables=variables).stderr)
                 self.assertEqual(self.files(), before)
+                self.assertFalse((self.folder / "out").exists())
         for graph, text in [("one.graph", "its name must depend on"), ("-", "a batch needs a graph file, because its tasks read it later")]:
             self.assertIn(text, self.batch(*inputs, status=2, graph=graph).stderr)
         two = GRAPH.replace("</graph>", "<action id='b'><writeCSV fileName='${inputStem}.b.csv'/></action><link from='in:0' to='b:0'/></graph>")
