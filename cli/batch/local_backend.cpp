@@ -19,14 +19,15 @@ using namespace corvanta;
 
 namespace {
 
-/// A process that ends with this one, without input and output.
-std::unique_ptr<QProcess> startQuietly(const QString &program, const QStringList &words)
+/// A process that ends with this one, without input and output. Its errors are added to a log.
+std::unique_ptr<QProcess> startQuietly(const QString &program, const QStringList &words,
+                                       const QString &log = QProcess::nullDevice())
 {
     auto process = std::make_unique<QProcess>();
     platform::makeGroupThatEndsWithUs(*process);
     process->setStandardInputFile(QProcess::nullDevice());
     process->setStandardOutputFile(QProcess::nullDevice());
-    process->setStandardErrorFile(QProcess::nullDevice());
+    process->setStandardErrorFile(log, QIODevice::Append);
     process->start(program, words);
     process->waitForStarted();
     return process;
@@ -111,6 +112,15 @@ public:
 
     CommandResult<void> start(const QVector<qsizetype> &tasks, BatchPlan * /*plan*/) override
     {
+        // The journal says what is done, also after a change of the graph; this log cannot.
+        QFile::remove(m_plan.file(u"joblog"_s));
+        const QStringList options = optionWords();
+        const auto checked =
+            runProgram(u"parallel"_s, options + QStringList{u"-a"_s, QProcess::nullDevice()});
+        if (!checked.isDone) {
+            return badUsage(u"GNU parallel has rejected its options: %1"_s.arg(
+                checked.errors.section(u'\n', 0, 0)));
+        }
         const QString list = m_plan.file(u"tasks.txt"_s);
         QFile file(list);
         static_cast<void>(file.open(QIODevice::WriteOnly)); // parallel reports a missing file
@@ -121,16 +131,8 @@ public:
             file.write(script + QByteArray::number(task) + '\0');
         }
         file.close();
-        // The journal says what is done, also after a change of the graph; this log cannot.
-        const QString log = m_plan.file(u"joblog"_s);
-        QFile::remove(log);
-        QStringList words{u"--will-cite"_s,     u"--joblog"_s,  log,
-                          u"--resume-failed"_s, u"--termseq"_s, u"TERM,15000,KILL,25"_s};
-        words +=
-            m_plan.maxRunning > 0 ? QStringList(u"-j%1"_s.arg(m_plan.maxRunning)) : QStringList();
-        words += m_plan.backendOptions;
-        words << u"--null"_s << u"-a"_s << list;
-        m_processes.push_back(startQuietly(u"parallel"_s, words));
+        m_processes.push_back(startQuietly(u"parallel"_s, options + QStringList{u"-a"_s, list},
+                                           m_plan.file(u"logs/parallel.log"_s)));
         return {};
     }
     bool isRunning() override
@@ -141,6 +143,16 @@ public:
     void cancel() override { end(&m_processes); }
 
 private:
+    QStringList optionWords() const
+    {
+        QStringList words{u"--will-cite"_s,     u"--joblog"_s,  m_plan.file(u"joblog"_s),
+                          u"--resume-failed"_s, u"--termseq"_s, u"TERM,15000,KILL,25"_s,
+                          u"--null"_s};
+        words +=
+            m_plan.maxRunning > 0 ? QStringList(u"-j%1"_s.arg(m_plan.maxRunning)) : QStringList();
+        return words + m_plan.backendOptions;
+    }
+
     BatchPlan m_plan;
     std::vector<std::unique_ptr<QProcess>> m_processes;
 };

@@ -430,6 +430,7 @@ class Batches(BatchCase):
             ([*inputs, "--merge", "all.parquet"], "the part 'FOLDER/out/a01_x.csv' does not have the extension of a Parquet file", {}),
             ([*inputs, "--merge", "none/all.csv"], "--merge: there is no folder 'FOLDER/none'", {}),
         ]
+        cases += [([*inputs, "--backend", "parallel", "--backend-option=--nothing"], "GNU parallel has rejected its options: Unknown option: nothing", {})] if PARALLEL else []
         (self.folder / "old").mkdir()
         (self.folder / "old/inputs.jsonl").write_text("")
         before = self.files()
