@@ -89,7 +89,8 @@ QString lockOf(const BatchPlan &plan)
 }
 
 /// Whether a program waits for the tasks, or the scheduler has some. It lists tasks for a while
-/// after they have left their status; the merge does not belong to an array (N/A).
+/// after they have left their status; the merge does not belong to an array (N/A). A job that it
+/// does not know has ended.
 bool isRunning(const BatchPlan &plan)
 {
     platform::FileLock lock;
@@ -102,6 +103,11 @@ bool isRunning(const BatchPlan &plan)
     const QString jobs = plan.mergeJob.isEmpty() ? plan.job : plan.job + u',' + plan.mergeJob;
     const ProgramOutput queue = runProgram(
         u"squeue"_s, {u"--noheader"_s, u"--array"_s, u"--format=%K"_s, u"--jobs="_s + jobs});
+    if (!queue.isDone && !queue.errors.contains("Invalid job"_L1)) {
+        MainUI::addLog(MainUI::Warning,
+                       u"Warning: Slurm does not say whether the job %1 runs: %2"_s.arg(
+                           plan.job, queue.errors));
+    }
     const auto tasks = queue.output.split(u'\n', Qt::SkipEmptyParts);
     return queue.isDone && std::ranges::any_of(tasks, [&](const QString &task) {
                return !plan.statusOf(task.trimmed() == "N/A"_L1 ? u"merge"_s : task.trimmed());

@@ -328,6 +328,9 @@ class Batches(BatchCase):
         self.assertIn('Warning: Slurm holds a task: 7_1 PENDING JobHeldAdmin; "scontrol release 7_1" starts it', done.stderr)
         self.assertIn("Warning: 2 tasks ended without a status (the first is 1) and are started again", done.stderr)
         self.assertEqual((done.stdout, self.outputs()), ("", self.expected(2)))
+        self.assertNotIn("Warning", self.call("batch", "--status", "out/g.batch", variables=path).stderr)
+        self.assertIn("Warning: Slurm does not say whether the job 7 runs: execvp: No such file",
+                      self.call("batch", "--status", "out/g.batch", variables={"PATH": "none"}).stderr)
         # Slurm still lists tasks that have ended.
         self.batch("--inputs", "in/*.csv", "--backend", "slurm", variables=path)
         (self.folder / "gone").write_text("")
