@@ -81,7 +81,11 @@ CommandResult<QString> SlurmBackend::submit(const QStringList &words, const QStr
                             words + m_plan.backendOptions + QStringList(m_plan.file(script));
     const ProgramOutput submitted = runProgram(u"sbatch"_s, all);
     if (!submitted.isDone) {
-        return badUsage(u"the scheduler has rejected the job: %1"_s.arg(submitted.errors));
+        // Its text does not say that the array is too long (MaxArraySize).
+        const bool isAboutArray = submitted.errors.contains("array"_L1, Qt::CaseInsensitive);
+        return badUsage(u"the scheduler has rejected the job: %1%2"_s.arg(
+            submitted.errors,
+            isAboutArray ? u"; a larger --per-task makes fewer tasks"_s : QString()));
     }
     return submitted.output.section(u';', 0, 0); // the name of a cluster may follow
 }
