@@ -136,11 +136,11 @@ void DocumentFile::scheduleRecovery()
 }
 
 // Saved or undone in the meantime, the document needs no recovery.
-void DocumentFile::writeRecovery()
+bool DocumentFile::writeRecovery()
 {
     if (!m_document.isModified()) {
         removeRecovery();
-        return;
+        return true;
     }
     if (m_recovery.isEmpty()) {
         QDir().mkpath(recoveryFolder());
@@ -153,10 +153,9 @@ void DocumentFile::writeRecovery()
     QSaveFile file(m_recovery);
     const QJsonObject head{{u"original"_s, m_document.fileName()},
                            {u"base"_s, QString::fromLatin1(m_base)}};
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(QJsonDocument(head).toJson(QJsonDocument::Compact) + '\n' + m_document.toXml());
-        file.commit();
-    }
+    const QByteArray text =
+        QJsonDocument(head).toJson(QJsonDocument::Compact) + '\n' + m_document.toXml();
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
 }
 
 // The lock goes last, or another session could offer the file.
@@ -310,8 +309,9 @@ GraphDocument::recover(const Recovery &recovery, const ActionRegistry &registry)
     }
     document->m_differsFromFile = true;
     document->m_file->setBase(recovery.base);
-    document->m_file->writeRecovery();
-    discard(recovery);
+    if (document->m_file->writeRecovery()) {
+        discard(recovery);
+    }
     return document;
 }
 

@@ -32,8 +32,9 @@ public:
 
     /// Write the recovery file soon, if the document is modified then.
     void scheduleRecovery();
-    /// Write it now. A failure is not reported, because it concerns no file of the user.
-    void writeRecovery();
+    /// Write it now. Returns false if the document is not in it; the user is not told, because that
+    /// concerns no file of theirs.
+    bool writeRecovery();
     /// Also when nothing has been written.
     void removeRecovery();
 

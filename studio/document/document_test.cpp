@@ -491,6 +491,20 @@ TEST_F(StudioDocument, AKilledSessionIsRecovered)
     EXPECT_TRUE(changed.wait(kTimeoutMs));
 }
 
+TEST_F(StudioDocument, ARecoveryFileStaysUntilThereIsANewOne)
+{
+    const QString left = write(u"left.recovery"_s, "{}\n<graph/>\n");
+    const QString folder = DocumentFile::recoveryFolder();
+    QDir(folder).removeRecursively();
+    QFile inTheWay(folder); // no file can be written to a folder of that name
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(GraphDocument::recover({left, {}, {}}, test::allActions()));
+    EXPECT_TRUE(QFile::exists(left));
+    ASSERT_TRUE(inTheWay.remove());
+    EXPECT_TRUE(GraphDocument::recover({left, {}, {}}, test::allActions()));
+    EXPECT_FALSE(QFile::exists(left));
+}
+
 TEST_F(StudioDocument, ProblemsFollowTheEdits)
 {
     const auto document = open(kGraph);
