@@ -265,6 +265,8 @@ TEST_F(StudioDocument, ANewGraphIsTheSameTextAsTheHostWrites)
               QString::fromUtf8(parsed->toXml()));
     EXPECT_EQ(document.title(), "Untitled"_L1);
     EXPECT_TRUE(document.isModified());
+    document.setVariable(u"b"_s, u""_s);
+    EXPECT_TRUE(document.toXml().contains("<variable name='b' value=''/>"));
     document.undoStack()->setIndex(0);
     EXPECT_EQ(document.toXml(), "<graph version='4.12'>\n</graph>\n");
 }
@@ -351,6 +353,10 @@ TEST_F(StudioDocument, EditsOfPanelsAreStepsAndLettersAreJoined)
     EXPECT_EQ(changed.count(), 2);
     EXPECT_EQ(upstream.count(), 4); // both actions, twice
     EXPECT_TRUE(document->toXml().contains("separator='|'"));
+    document->recordEdit(item, {u"quote"_s, {}, 7}); // letters in another field
+    EXPECT_EQ(document->undoStack()->count(), 2);
+    document->undoStack()->undo();
+    EXPECT_TRUE(document->toXml().contains("separator='|'"));
     document->undoStack()->undo();
     EXPECT_EQ(document->action(u"in"_s), item);
     EXPECT_EQ(parameters->parameterValue(separator), ","_L1);
@@ -375,6 +381,10 @@ TEST_F(StudioDocument, CopiesKeepTheirLinksAndGetNewNames)
     EXPECT_TRUE(document->paste(u"not a graph"_s, {}).isEmpty());
     EXPECT_EQ(document->paste(text, {500, 500}), QStringList{u"out3"_s});
     EXPECT_EQ(document->position(u"out3"_s), QPointF(500, 500));
+    const QString cut = u"<graph><action id='a'><sort/></action><link from='in:0' to='a:0'/>"
+                        "<link from='a:0' to='out:0'/></graph>"_s;
+    EXPECT_EQ(document->paste(cut, {}), QStringList{u"a"_s});
+    EXPECT_EQ(document->links().size(), 2); // "in" of that text is another action
     document->undoStack()->setIndex(0);
     EXPECT_EQ(document->toXml(), kGraph);
 }
@@ -429,6 +439,7 @@ TEST_F(StudioDocument, SavesWithUndoAndNoticesOtherPrograms)
     ASSERT_FALSE(failed);
     EXPECT_TRUE(failed.fault().detail.contains("cannot be written"_L1));
     EXPECT_EQ(document->title(), "test.graph"_L1);
+    EXPECT_EQ(document->toXml(), kGraph); // its inputs are still those of its folder
 }
 
 TEST_F(StudioDocument, SaveAsKeepsTheMeaningOfRelativeNames)
@@ -480,6 +491,9 @@ TEST_F(StudioDocument, AKilledSessionIsRecovered)
     EXPECT_TRUE((*recovered)->isModified());
     EXPECT_FALSE((*recovered)->hasChangedOnDisk());
     EXPECT_TRUE(GraphDocument::recoveries().isEmpty());
+    ASSERT_TRUE((*recovered)->reload());
+    EXPECT_FALSE((*recovered)->isModified());
+    EXPECT_TRUE(QDir(folder).entryList({u"*.recovery"_s}).isEmpty()); // the user has discarded it
     // A program has changed the original since.
     write(u"test.graph"_s, "<graph/>");
     ASSERT_TRUE(left.open(QIODevice::WriteOnly));
