@@ -98,6 +98,10 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
     m_appends = m_existed = false;
     m_error = {};
     m_options = std::move(options);
+    // The name that readers use, whatever file its links lead to.
+    if (!name.endsWith(".gz"_L1)) {
+        m_options.packing = Packing::None;
+    }
     m_target = name;
     // Checked before links are followed: what /dev/stdout leads to may have no name of its own.
     m_isRegular = !isPipeOrDevice(name);
@@ -136,7 +140,7 @@ TargetFile::Done TargetFile::openFile(const QString &name, MyWriteFile::Existing
         return failed(TargetError::CannotOpen, m_target, opened.fault().code.number);
     }
     m_file = *std::move(opened);
-    if (m_options.packing == Packing::ByName && m_target.endsWith(".gz"_L1)) {
+    if (m_options.packing == Packing::ByName) {
         m_packer = std::make_unique<Packer>(*this);
     }
     return {};

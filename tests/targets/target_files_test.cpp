@@ -46,6 +46,7 @@ constexpr WriterCase kWriters[] = {
      "<axis pinIdx='0'>k</axis><axis pinIdx='0'>t</axis></Chart></writeReport>",
      "PK", false},
     {"<writeCSV fileName='link'/>", "k,t\n"},
+    {"<writeCSV fileName='link.csv.gz'/>", "\x1f\x8b", true, false, nullptr, "link.csv.gz"},
     {"<writeSAS autoWidth='1' fileName='link'/>", ""}, // the start is zero bytes
     {"<writeSASXPT autoWidth='1' fileName='link'/>", "HEADER RECORD*******LIBRARY HEADER"},
     {"<mergeFiles fileName='link.csv'><parts><s>in.csv</s></parts></mergeFiles>", "k,t\n", true,
