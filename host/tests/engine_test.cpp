@@ -133,6 +133,25 @@ TEST_F(EngineTest, WaitingRowsBeyondTheMemoryLimitGoThroughAFile)
     EXPECT_EQ(g_seen.disordered, 0);
 }
 
+// The file is emptied and filled again, or has rows while there is room in memory.
+TEST_F(EngineTest, RowsKeepTheirOrderWhenTheFileIsUsedAgain)
+{
+    for (const char *const rowsOfPin0 : {"1000", "700"}) {
+        g_seen.reset();
+        const auto run =
+            make("<action id='a'><source rows='3000' text='" + QByteArray(20000, 'x') +
+                 "'/></action><action id='b'><sink/></action><action id='c'><turns rows='1000' "
+                 "failAt='" +
+                 rowsOfPin0 +
+                 "'/></action><link from='a:0' to='b:0'/><link from='a:0' to='c:0'/><link "
+                 "from='b:0' to='c:1'/>");
+        runToEnd(*run);
+        EXPECT_TRUE(run->succeeded());
+        EXPECT_EQ(g_seen.rows, 3 * 3000);
+        EXPECT_EQ(g_seen.disordered, 0);
+    }
+}
+
 // Otherwise the file of a slow reader grows until its producer has ended.
 TEST_F(EngineTest, AProducerWaitsWhileItsRowsComeBackFromAFile)
 {

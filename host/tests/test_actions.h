@@ -4,6 +4,7 @@
 #include "corvanta/plugin_interface.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -248,6 +249,34 @@ private:
     qint64 m_taken = 0; // of pin 0
 };
 
+/// Takes `rows` rows of pin 1, then `failAt` rows of pin 0, in turn to the end of both.
+class Turns final : public TestAction<Turns>
+{
+public:
+    Turns(const XMLNode &saved, GlobalParameters *parameters)
+        : TestAction(describe("turns", 2, 0), saved, parameters)
+    {
+    }
+
+private:
+    bool step() override
+    {
+        std::array<qint64, 2> expected{};
+        std::array<bool, 2> hasMore{true, true};
+        for (int pin = 1; hasMore[0] || hasMore[1]; pin = 1 - pin) {
+            const qint64 end = expected[pin] + (pin == 1 ? m_params.rows : m_params.failAt);
+            while (hasMore[pin] && (expected[pin] < end || !hasMore[1 - pin])) {
+                const OneRow *const row = getNextRowFromInPin(pin);
+                hasMore[pin] = row != nullptr;
+                g_seen.rows += hasMore[pin] ? 1 : 0;
+                const bool isNext = !hasMore[pin] || row->colAsKey(0, nullptr) == expected[pin]++;
+                g_seen.disordered += isNext ? 0 : 1;
+            }
+        }
+        return false;
+    }
+};
+
 /// Blocks in a wait of its own until the host wakes it.
 class Blocker final : public TestAction<Blocker>
 {
@@ -326,6 +355,8 @@ public:
             return new Renamer(XMLNode::emptyNode(), nullptr);
         case 4:
             return new Late(XMLNode::emptyNode(), nullptr);
+        case 5:
+            return new Turns(XMLNode::emptyNode(), nullptr);
         default:
             return nullptr;
         }
