@@ -3,11 +3,14 @@
 #include "io/rows/row_key.h"
 #include "io/rows/row_sorter.h"
 #include "io/rows/row_table.h"
+#include "io/spool/block_spool.h"
+#include "tests/support/graph_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <map>
+#include <optional>
 #include <random>
 
 using namespace corvanta;
@@ -186,6 +189,28 @@ TEST(RowSorter, ReportsAFolderThatDoesNotExist)
     EXPECT_EQ(sorter.error().number, ENOENT);
     EXPECT_EQ(sorter.folder(), u"/nowhere"_s);
     qunsetenv("TMPDIR");
+}
+
+TEST(BlockSpool, ARetryWritesABlockThatWasCutAgain)
+{
+    std::optional<test::FileSizeLimit> full;
+    BlockSpool spool({.memoryBytes = 0, .retryWrite = [&] {
+                          full.reset();
+                          return true;
+                      }});
+    std::string block;
+    for (int i = 0; i < 5000; ++i) {
+        block += std::to_string(i);
+    }
+    full.emplace(block.size() * 3 / 2);
+    ASSERT_TRUE(spool.put(block));
+    ASSERT_TRUE(spool.put(block));
+    ASSERT_TRUE(spool.rewind());
+    for (int i = 0; i < 2; ++i) {
+        const auto read = spool.next();
+        ASSERT_TRUE(read && *read);
+        EXPECT_EQ(**read, block);
+    }
 }
 
 TEST(RowTable, FindsAllRowsOfAKeyInOrder)
