@@ -1,6 +1,7 @@
 // Preloaded into a program, makes one call for a file fail: number $FAIL_AT of those that concern
 // files below the folder $FAIL_FOLDER, with the error number $FAIL_ERROR. $FAIL_COUNT names a file
-// that gets the number of such calls when the program ends.
+// that gets the number of such calls when the program ends, and " lost" when that call may have
+// lost what the program had written.
 //
 // Removing files never fails, because a program cannot undo what it is not allowed to remove.
 #include <dlfcn.h>
@@ -19,8 +20,10 @@
 namespace {
 
 constexpr int kMaxFiles = 1024;
-std::array<std::atomic<bool>, kMaxFiles> g_isOurs; // by descriptor: a file below the folder
+std::array<std::atomic<bool>, kMaxFiles> g_isOurs;    // by descriptor: a file below the folder
+std::array<std::atomic<bool>, kMaxFiles> g_isWritten; // of these, those with a call of write()
 std::atomic<long> g_count = 0;
+std::atomic<bool> g_isLost = false;
 
 const char *variable(const char *name)
 {
@@ -61,6 +64,7 @@ int opened(int file, bool ours)
 {
     if (file >= 0 && file < kMaxFiles) {
         g_isOurs[static_cast<size_t>(file)] = ours;
+        g_isWritten[static_cast<size_t>(file)] = false;
     }
     return file;
 }
@@ -70,7 +74,7 @@ struct WritesCount
     ~WritesCount()
     {
         if (std::FILE *const file = std::fopen(variable("FAIL_COUNT"), "w")) {
-            std::fprintf(file, "%ld", g_count.load());
+            std::fprintf(file, "%ld%s", g_count.load(), g_isLost ? " lost" : "");
             std::fclose(file);
         }
     }
@@ -104,19 +108,33 @@ extern "C" {
 OPEN(open)
 OPEN(open64)
 CALL(ssize_t, read, (int file, void *buffer, size_t n), (file, buffer, n))
-CALL(ssize_t, write, (int file, const void *bytes, size_t n), (file, bytes, n))
 CALL(int, ftruncate, (int file, off_t size), (file, size))
 CALL(int, ftruncate64, (int file, off64_t size), (file, size))
 CALL(int, fsync, (int file), (file))
+
+ssize_t write(int file, const void *bytes, size_t n)
+{
+    static const auto real = next(&write, "write");
+    const bool ours = isOurs(file);
+    if (ours) {
+        g_isWritten[static_cast<size_t>(file)] = true;
+    }
+    return ours && fails() ? -1 : real(file, bytes, n);
+}
 
 int close(int file)
 {
     static const auto real = next(&close, "close");
     const bool ours = isOurs(file);
+    const bool isWritten = ours && g_isWritten[static_cast<size_t>(file)];
     opened(file, false);
     // The descriptor is closed in any case, as by the system.
     const int result = real(file);
-    return ours && fails() ? -1 : result;
+    if (!ours || !fails()) {
+        return result;
+    }
+    g_isLost = isWritten;
+    return -1;
 }
 
 int rename(const char *from, const char *to) noexcept

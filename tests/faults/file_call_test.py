@@ -44,7 +44,7 @@ class FileCalls(unittest.TestCase):
         return int(self.count.read_text())
 
     def check(self, case, new, printed, call, error):
-        done = self.run_with(case, FAIL_AT=str(call), FAIL_ERROR=str(error))
+        done = self.run_with(case, FAIL_AT=str(call), FAIL_ERROR=str(error), FAIL_COUNT=str(self.count))
         self.messages += done.stderr
         what = f"{case.name}, call {call}, {errno.errorcode[error]}: {done.stderr}"
         found = {name: self.files.content(name) for name in case.targets}
@@ -53,6 +53,8 @@ class FileCalls(unittest.TestCase):
             self.assertIn(os.strerror(error), done.stderr, what)
         elif done.returncode == 0:
             self.assertEqual((found, done.stdout.encode()), (new, printed), what)
+            self.assertNotRegex(done.stderr, r"(?mi)^(\[.*?\] )?error", what)
+            self.assertNotIn("lost", self.count.read_text(), what)
         else:
             # A graph file that cannot be read is like an invalid one.
             self.assertEqual(done.returncode, 2 if "graph file" in done.stderr else 1, what)
