@@ -243,6 +243,11 @@ class Rows(Case):
                 self.assertEqual(b"".join(out.split()[1:]), expected, where)
         self.convert("m.csv", "m.json")  # but no digit is lost
         self.assertIn(b'"t":"100.12345678901234567"', self.content("m.json").replace(b" ", b""))
+        self.put("long.csv", "t\n9007199254740993\n")
+        self.put("short.csv", "t\n7\n")
+        for inputs in (("long.csv", "short.csv"), ("short.csv", "long.csv")):
+            self.convert(*inputs, "joined.json")
+            self.assertIn(b'"9007199254740993"', self.content("joined.json"))
         self.put("mixed.csv", "t\n10\n9\nn/a\n")
         self.assertEqual(self.convert("mixed.csv", "-", "--to", "csv", "--sort", "t"), b"t\n10\n9\nn/a\n")
         self.assertIn("sort: the column 't' is sorted as texts: 2 of its 3 values are numbers; the first other value is 'n/a' in row 3", self.said)
