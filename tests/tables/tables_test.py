@@ -37,7 +37,7 @@ class Folder(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="corvanta_tables_"))
         self.addCleanup(subprocess.run, ["rm", "-rf", self.folder])
 
-    def run_graph(self, inputs, *actions, status=0):
+    def run_graph(self, inputs, *actions, status=0, last="<writeCSV fileName='out.csv'/>"):
         """The rows and messages of a chain of actions, the first of which reads the inputs: (CSV text, types)."""
         parts = []
         for i, (text, types) in enumerate(inputs):
@@ -45,12 +45,13 @@ class Folder(unittest.TestCase):
             parts.append(f"<action id='in{i}'><readCSV fileName='in{i}.csv' types='{types}'/></action><link from='in{i}:0' to='a0:{i}'/>")
         for i, element in enumerate(actions):
             parts.append(f"<action id='a{i}'>{element}</action><link from='a{i}:0' to='a{i + 1}:0'/>")
-        parts.append(f"<action id='a{len(actions)}'><writeCSV fileName='out.csv'/></action>")
+        parts.append(f"<action id='a{len(actions)}'>{last}</action>")
         (self.folder / "g.graph").write_text("<graph version='4.11'>" + "".join(parts) + "</graph>")
         done = subprocess.run([CORVANTA, "run", "g.graph", "--log-format", "json"], cwd=self.folder, capture_output=True, text=True, timeout=120)
         self.assertEqual(done.returncode, status, done.stderr)
         messages = [json.loads(line)["message"] for line in done.stderr.splitlines()]
-        return (self.folder / "out.csv").read_text() if status == 0 else None, messages
+        out = self.folder / "out.csv"
+        return out.read_text() if status == 0 and out.exists() else None, messages
 
     def check(self, inputs, actions, expected, messages=()):
         self.assertEqual(self.run_graph(inputs, *actions), (expected, list(messages)))
@@ -69,8 +70,8 @@ class Select(Folder):
         self.check([("a=b,c\n1,2\n", "")], [action("select", rename=["a=b=x=y"])], "x=y,c\n1,2\n")
 
     def test_no_more_is_read_than_needed(self):
-        # The rows after the first ones are invalid: reading them would fail.
-        table = "a\n" + "1\n" * 300000 + "x\n"
+        # The rows after the first ones are invalid: reading them would fail. They do not fit the queues between the actions.
+        table = "a\n" + "1\n" * 3_000_000 + "x\n"
         self.check([(table, "K")], [where("a = 1"), action("cast", types=["a=F"]),
                                     action("select", "lastRow='2'")], "a\n1\n1\n")
 
@@ -145,6 +146,16 @@ class Sort(Folder):
             rows = [(time or None, "fedcba"[times.index(time)]) for time in expected]
             self.check(table, [action("sort", keys=keys, kinds=["d=datetime"])], text_of([("d", "n"), *rows]))
         self.check([("b\ntrue\nFALSE\nTrue\nfalse\n", "")], [action("sort", keys=["b"], kinds=["b=boolean"])], "b\nFALSE\nfalse\ntrue\nTrue\n")
+
+    def test_the_declared_order_is_that_of_the_texts(self):
+        """A writer that has a file for each value relies on it."""
+        table = [("a,b\n10,x\n9,y\n10.0,x\n", "")]
+        by_texts, by_numbers = action("sort", keys=["b"]), action("sort", keys=["a", "b"], kinds=["a=decimal"])
+        exchange = action("select", rename=["a=b", "b=a"])
+        for actions, column, is_sorted in (([by_texts], "b", True), ([by_numbers], "a", False), ([by_numbers], "b", False),
+                                           ([by_texts, exchange], "b", False)):
+            said = self.run_graph(table, *actions, last=f"<writeParquet file='p' split='1' splitVar='{column}'/>")[1]
+            self.assertEqual(any("The table to split is not sorted" in text for text in said), not is_sorted, actions)
 
     def test_random_tables(self):
         chance = random.Random(11)
@@ -244,6 +255,7 @@ class Union(Folder):
         self.check([a, b], [action("union", "match='1'")], "a,b\n1,x\n2,\n0.5,7\n,3\n")
         self.check([a, a], [action("union", "match='2'")], "a,b\n1,x\n2,\n1,x\n2,\n")
         self.check([("a\n1\n\n", "K"), ("a\nx\n", "")], [action("union")], "a\n1\n\nx\n")
+        self.check([("a\n1\n\n", "K"), ("a\n0.5\n", "F")], [action("union")], "a\n1\n\n0.5\n")
         self.check([a, b], [action("union", "lastColumn='a'")], "b,c,a\nx,,1\n,,2\n,0.5,7\n,,3\n")
 
     def test_errors(self):
