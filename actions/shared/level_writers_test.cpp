@@ -455,6 +455,9 @@ TEST(SplitName, DifferentValuesHaveDifferentSafeNames)
     const QString longValue(300, u'é');
     EXPECT_LE(fileNamePart(longValue).toUtf8().size(), 200);
     EXPECT_NE(fileNamePart(longValue), fileNamePart(longValue + u'e'));
+    // A pair of units is not divided: no half of it has a name in the file system.
+    EXPECT_TRUE(
+        fileNamePart(u"\U0001F600"_s.repeated(99)).startsWith(u"\U0001F600"_s.repeated(45) + u'~'));
 }
 
 TEST(SplitName, ThePartGoesInFrontOfTheExtension)

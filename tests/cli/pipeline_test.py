@@ -392,12 +392,20 @@ class Folders(Case):
             self.assertFalse((self.folder / "new").exists())
 
     def test_numbers_join_where_there_is_no_key(self):
-        document = json.loads(json.dumps(self.DOCUMENT))
-        document["orders"][2]["id"] = 1
-        self.put("dump.json", json.dumps(document))
+        for third in (1, ""):  # repeated, or nothing to join by
+            document = json.loads(json.dumps(self.DOCUMENT))
+            document["orders"][2]["id"] = third
+            self.put("dump.json", json.dumps(document))
+            self.convert("dump.json", "out/")
+            self.assertEqual(self.rows_of("out/orders.csv"),
+                             [["orders_number", "id", "city"], ["1", "1", "Oslo"], ["2", "2", "Rome"], ["3", str(third), "Bonn"]])
+            self.assertEqual(self.rows_of("out/lines.csv"), [["orders_number", "p", "n"], ["1", "pen", "2"], ["1", "ink", "1"], ["3", "cap", "7"]])
+
+    def test_names_that_a_file_system_may_not_distinguish(self):
+        self.put("dump.json", json.dumps({name: [{"n": i}, {"n": i}] for i, name in enumerate(("a:b", "a?b", "A_B", "A_B_2"))}))
         self.convert("dump.json", "out/")
-        self.assertEqual(self.rows_of("out/orders.csv"), [["orders_number", "id", "city"], ["1", "1", "Oslo"], ["2", "2", "Rome"], ["3", "1", "Bonn"]])
-        self.assertEqual(self.rows_of("out/lines.csv"), [["orders_number", "p", "n"], ["1", "pen", "2"], ["1", "ink", "1"], ["3", "cap", "7"]])
+        self.assertEqual({name: self.rows_of(name)[1] for name in self.names() if "/" in name},
+                         {"out/a_b.csv": ["0"], "out/a_b_2.csv": ["1"], "out/A_B_3.csv": ["2"], "out/A_B_2_2.csv": ["3"]})
 
     def test_xml_lines_and_deeper_levels(self):
         self.put("shop.xml", "<shop>" + "".join(

@@ -93,6 +93,10 @@ class Sas(unittest.TestCase):
         self.assertIn("ERROR while writing SAS transport file '", error)
         self.assertIn("the format cannot hold the 10000 columns of the table", error)
 
+    def test_a_factor_below_1_cuts_no_text(self):
+        self.assertEqual(self.convert("t\nabcdefgh\n", "o.sas7bdat", "--writer", "f1=0.5"), "")
+        self.assertIn(b"abcdefgh", self.content("o.sas7bdat"))
+
     def test_characters_that_cannot_be_stored(self):
         for target in ("o.sas7bdat", "o.xpt"):
             found = self.convert("k,t\n1,ab\n2,a\0b\n3,\0\0\n", target, "--reader", "types=K,U")
