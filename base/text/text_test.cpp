@@ -173,6 +173,7 @@ TEST(UnmarkedUtf16, IsToldFromTextsOfBytes)
         std::string(64, '\0'),
         utf16Bytes(u"abcdefghijkl\xDC00z\n", false), // a lone surrogate
         "\xD0\x98\xD0\xBC\xD1\x8F;1\n",              // the same letters in UTF-8
+        std::string("\xE9\xE8\xE9\0\xE9\n", 6),      // a zero, but not at the line feed
     };
     for (const std::string &bytes : others) {
         EXPECT_EQ(unmarkedUtf16(bytes), nullptr) << bytes;
