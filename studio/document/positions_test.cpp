@@ -37,6 +37,14 @@ TEST(StudioPositions, LayoutLeadsToTheRightWithoutOverlaps)
     EXPECT_TRUE(document.undoStack()->undoText().startsWith("Move "_L1));
 }
 
+TEST(StudioPositions, ALoopBeginsAtTheTopToo)
+{
+    const test::StudioFolder folder("<action id='a'><sort/></action><action id='b'><sort/></action>"
+                                    "<link from='a:0' to='b:0'/><link from='b:0' to='a:0'/>");
+    EXPECT_EQ(folder.document->position(u"a"_s).y(), 0);
+    EXPECT_GT(folder.document->position(u"b"_s).y(), 0);
+}
+
 // The search for a free place would not end, and a canvas cannot draw it.
 TEST(StudioPositions, PositionsAreWhereTheCanvasCanDraw)
 {
