@@ -78,10 +78,13 @@ void addRange(const ParameterInfo &info, QJsonObject *entry)
     if (info.high < std::numeric_limits<int>::max()) {
         entry->insert(u"high"_s, info.high);
     }
+    if (!info.lowMeaning.isEmpty()) {
+        entry->insert(u"lowMeans"_s, info.lowMeaning);
+    }
 }
 
-/// One parameter; "low", "high", "required", "choices", "explanations", "choiceExamples", "unit",
-/// "usedWhen", "element" and "members" only where they apply.
+/// One parameter; "low", "high", "lowMeans", "required", "choices", "explanations",
+/// "choiceExamples", "unit", "usedWhen", "element" and "members" only where they apply.
 QJsonObject parameterEntry(const ParameterInfo &info, const ExampleWriter &examples)
 {
     QJsonObject entry{{u"name"_s, info.name},

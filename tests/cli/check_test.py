@@ -581,11 +581,13 @@ class CommandLine(Case):
     def test_describe_has_what_a_parameter_allows(self):
         def infos(action):
             return {info["name"]: info for info in json.loads(self.corvanta("describe", action, "--json").stdout)["parameters"]}
-        size = infos("writeParquet")["pageSize"]
+        writer = infos("writeParquet")
+        size = writer["pageSize"]
         self.assertEqual((size["low"], size["high"], size["unit"], "required" in size), (1, 1048576, "KiB", False))
-        self.assertEqual(infos("writeParquet")["keyStorage"]["choices"][1], "32-bit integer")
+        self.assertEqual(writer["keyStorage"]["choices"][1], "32-bit integer")
         self.assertEqual(infos("readExcel")["sheetIdx"]["low"], 1)
         self.assertNotIn("high", infos("readExcel")["sheetIdx"])
+        self.assertEqual((writer["timeOut"]["low"], writer["timeOut"]["lowMeans"], "lowMeans" in size), (-1, "no limit", False))
         self.assertTrue(infos("writeReport")["output"]["required"])
         text = self.corvanta("describe", "writeReport").stdout
         self.assertIn("Allowed: a whole number from 1 to 1000.", text)

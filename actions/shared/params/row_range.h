@@ -34,6 +34,7 @@ template <class P> ParamGroup<P> rowRange(const char *skipping)
             .meaning(skipping),
         text<P>("rowCount", &P::rowCount)
             .wholeNumber(0, std::numeric_limits<qint64>::max())
+            .lowMeans("all rows")
             .otherwise("fails the run")
             .label("Number of rows")
             .meaning("Number of rows of each file that are read, starting at firstRow; 0: all."),
