@@ -108,6 +108,8 @@ std::optional<QString> finalName(const QString &name);
 /// A text that is the same for all names (hard links) of an existing file; empty for a file that
 /// has one name.
 QString identityOfLinkedFile(const QString &name);
+/// Whether there is a file of this name that is neither an ordinary one nor a folder.
+bool isPipeOrDevice(const QString &name);
 /// Whether both names refer to the same existing file.
 bool isSameFile(const QString &a, const QString &b);
 /// Whether the file, or the folder of a file that does not exist yet, is on NFS or SMB.

@@ -368,6 +368,13 @@ QString identityOfLinkedFile(const QString &name)
                     : QString();
 }
 
+bool isPipeOrDevice(const QString &name)
+{
+    struct stat facts = {};
+    return ::stat(native(name).constData(), &facts) == 0 && !S_ISREG(facts.st_mode) &&
+           !S_ISDIR(facts.st_mode);
+}
+
 bool isSameFile(const QString &a, const QString &b)
 {
     struct stat first = {};

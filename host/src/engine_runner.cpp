@@ -1,13 +1,18 @@
 // Previews: runs the part of a graph that a pin depends on, with a listener at the pin.
 #include "corvanta/engine_runner.h"
 
+#include "base/platform/files.h"
+#include "corvanta/action_item.h"
+#include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
+#include "corvanta/global_parameters.h"
 #include "corvanta/main_ui.h"
 #include "corvanta/row_listener.h"
 #include "corvanta/run.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +29,35 @@ std::optional<CorvantaGraph::Pin> sourceOf(const CorvantaGraph &graph, const QSt
     return link == graph.links.end() ? std::nullopt : std::optional(link->from);
 }
 
+/// A pipe or device that an action of the part reads; empty: none.
+QString pipeIn(const CorvantaGraph &part, const ActionRegistry &registry)
+{
+    GlobalParameters global;
+    part.applyTo(&global, {}, QString());
+    for (const CorvantaGraph::Action &action : part.actions) {
+        const std::unique_ptr<ActionItem> item = registry.create(action.parameters, &global);
+        const auto *const parameters = dynamic_cast<const ActionParameters *>(item.get());
+        const QStringList files = parameters == nullptr ? QStringList() : parameters->inputs();
+        const auto pipe = std::ranges::find_if(files, platform::isPipeOrDevice);
+        if (pipe != files.end()) {
+            return *pipe;
+        }
+    }
+    return {};
+}
+
+/// What a preview must not do to the world outside, in the words of a message; empty: nothing.
+QString effectOf(const CorvantaGraph &part, const ActionRegistry &registry)
+{
+    const QStringList written = part.outputs(registry, {}, QString());
+    if (!written.isEmpty()) {
+        return u"run actions that write files ('%1')"_s.arg(written.first());
+    }
+    const QString pipe = pipeIn(part, registry);
+    return pipe.isEmpty() ? QString()
+                          : u"read a pipe, whose bytes a run would miss ('%1')"_s.arg(pipe);
+}
+
 /// Whether the part can be run for a preview. Logs what is wrong with it.
 bool canRun(const CorvantaGraph &part, const ActionRegistry &registry,
             const EngineRunner::Options &options)
@@ -36,14 +70,11 @@ bool canRun(const CorvantaGraph &part, const ActionRegistry &registry,
     if (!problems.isEmpty()) {
         return false;
     }
-    const QStringList files =
-        options.mayWrite ? QStringList() : part.outputs(registry, {}, QString());
-    if (!files.isEmpty()) {
-        MainUI::addLog(MainUI::Error,
-                       u"Error: a preview does not run actions that write files ('%1')\n"_s.arg(
-                           files.first()));
+    const QString effect = options.mayWrite ? QString() : effectOf(part, registry);
+    if (!effect.isEmpty()) {
+        MainUI::addLog(MainUI::Error, u"Error: a preview does not %1\n"_s.arg(effect));
     }
-    return files.isEmpty();
+    return effect.isEmpty();
 }
 
 } // namespace

@@ -42,11 +42,9 @@ std::optional<QString> followLinks(const QString &name)
 
 /// Such a target has readers that are connected to it: replacing it would separate them. Standard
 /// output may be a file, which other programs write to before and after this one.
-bool isPipeOrDevice(const QString &name)
+bool isConnected(const QString &name)
 {
-    const QFileInfo info(name);
-    return name == QLatin1StringView(platform::kStandardOutput) ||
-           (info.exists() && !info.isFile() && !info.isDir());
+    return name == QLatin1StringView(platform::kStandardOutput) || platform::isPipeOrDevice(name);
 }
 
 /// Calls `rename`. What it throws for lack of memory leaves no temporary file.
@@ -104,7 +102,7 @@ TargetFile::Done TargetFile::open(const QString &name, Options options)
     }
     m_target = name;
     // Checked before links are followed: what /dev/stdout leads to may have no name of its own.
-    m_isRegular = !isPipeOrDevice(name);
+    m_isRegular = !isConnected(name);
     if (!m_isRegular) {
         return openFile(name, MyWriteFile::Existing::Truncate);
     }

@@ -542,6 +542,26 @@ TEST_F(EngineTest, APreviewWritesNoFileIfItMustNot)
                   ": Error: a preview does not run actions that write files ('/no.csv')")});
 }
 
+// The run would miss the bytes.
+TEST_F(EngineTest, APreviewReadsNoPipe)
+{
+    useOwnModule();
+    ActionRegistry registry;
+    registry.loadAll();
+    const auto graph =
+        CorvantaGraph::parse("<graph><action id='in'><readCSV fileName='/dev/null'/></action>"
+                             "<action id='next'><select/></action>"
+                             "<link from='in:0' to='next:0'/></graph>",
+                             QStringLiteral("/test.graph"));
+    ASSERT_TRUE(graph);
+    EngineRunner runner;
+    EXPECT_FALSE(runner.run(*graph, registry, QStringLiteral("next"), 0, EngineRunner::PinIn,
+                            {.mayWrite = false, .log = &m_log}));
+    EXPECT_EQ(m_log.messages, QStringList{QStringLiteral(
+                                  ": Error: a preview does not read a pipe, whose bytes a run "
+                                  "would miss ('/dev/null')")});
+}
+
 // Soon after the start, and in the middle of the rows.
 TEST_F(EngineTest, APreviewCanBeStopped)
 {

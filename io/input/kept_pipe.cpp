@@ -3,8 +3,6 @@
 #include "base/system_error.h"
 #include "io/spool/block_spool.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -32,8 +30,7 @@ KeptPipes &keptPipes()
 
 bool isPipe(const QString &path)
 {
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile() && !info.isDir();
+    return platform::isPipeOrDevice(path);
 }
 
 qint64 ReplayedSource::read(void *buffer, qint64 n)

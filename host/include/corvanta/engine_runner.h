@@ -32,7 +32,7 @@ public:
     struct Options
     {
         bool wholeTable = false; ///< keep all rows
-        bool mayWrite = true;    ///< false: an action that writes files is an error
+        bool mayWrite = true;    ///< false: an action that writes files or reads a pipe is an error
         std::stop_token stop;    ///< ends the run soon
         LogSink *log = nullptr;  ///< null: the program's sink
         /// Gets the rows instead of rows() and columns(); see RowListener. Null: keep them.
