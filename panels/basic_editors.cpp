@@ -27,7 +27,8 @@ namespace {
 // Visible lines of a text; longer ones scroll.
 constexpr int kTextLines = 2;
 constexpr int kChoiceCharacters = 16; // long choices must not widen the panel
-constexpr int kWideChoice = 44;       // characters; a longer choice gets the width of its label too
+constexpr int kWideChoice =
+    29; // average characters; a longer choice gets the width of its label too
 
 /// A layout without margins, for controls that form one field.
 template <class Layout> Layout *plainLayout(QWidget *parent)
@@ -230,8 +231,10 @@ ChoiceEditor::ChoiceEditor(const FieldContext &context, std::span<const NamedVal
 
 bool ChoiceEditor::isWide() const
 {
-    return std::any_of(m_choices.begin(), m_choices.end(),
-                       [](const auto &choice) { return choice.second.size() > kWideChoice; });
+    const QFontMetrics metrics = m_box->fontMetrics();
+    return std::any_of(m_choices.begin(), m_choices.end(), [&](const auto &choice) {
+        return metrics.horizontalAdvance(choice.second) > metrics.averageCharWidth() * kWideChoice;
+    });
 }
 
 bool ChoiceEditor::isCut() const

@@ -9,6 +9,7 @@
 #include "panels/structure_editor.h"
 
 #include <QCoreApplication>
+#include <QLabel>
 #include <QToolButton>
 
 #include <limits>
@@ -147,12 +148,17 @@ QString shownValue(const ParameterInfo &info, const QString &value)
         return value == "0"_L1 ? QCoreApplication::translate("Panels", "off")
                                : QCoreApplication::translate("Panels", "on");
     }
-    if (!info.lowMeaning.isEmpty() && value == QString::number(info.low)) {
-        return info.lowMeaning;
-    }
-    const QString text = info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
+    const bool isLow = !info.lowMeaning.isEmpty() && value == QString::number(info.low);
+    const QString text =
+        isLow ? info.lowMeaning : info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
     return text.isEmpty() ? value
                           : QCoreApplication::translate("Panels", "\u201c%1\u201d").arg(text);
+}
+
+int fullWidth(const QLabel &label)
+{
+    // A text is wrapped when it is a fraction of a pixel wider than the label.
+    return label.fontMetrics().size(Qt::TextShowMnemonic, label.text()).width() + 1;
 }
 
 bool isNarrow(const QWidget &form, int width)

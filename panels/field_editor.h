@@ -13,6 +13,7 @@
 #include <functional>
 
 class ActionItem;
+class QLabel;
 class QToolButton;
 
 namespace corvanta {
@@ -111,6 +112,10 @@ QString unitText(const QString &unit, int count);
 /// A value as texts show it: the text of a choice, on and off, or what a number means. `info` is
 /// translated.
 QString shownValue(const ParameterInfo &info, const QString &value);
+/// Labels left of fields have at most a third of the width of a form.
+inline constexpr int kLabelShare = 3;
+/// The width of a label on one line.
+int fullWidth(const QLabel &label);
 /// Whether labels belong above the fields of a form that is `width` pixels wide.
 bool isNarrow(const QWidget &form, int width);
 /// The label before a field, with a colon unless it is a sentence.

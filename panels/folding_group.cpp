@@ -130,10 +130,7 @@ int FoldingGroup::longestLabel() const
     int width = 0;
     for (const Field &field : m_fields) {
         if (canBeLeft(field.label, *field.editor)) {
-            // A text is wrapped when it is a fraction of a pixel wider than the label.
-            const QFontMetrics metrics = field.label->fontMetrics();
-            width =
-                qMax(width, metrics.size(Qt::TextShowMnemonic, field.label->text()).width() + 1);
+            width = qMax(width, fullWidth(*field.label));
         }
     }
     return width;

@@ -36,7 +36,6 @@ namespace {
 using Type = ParameterInfo::Type;
 
 constexpr int kPanelWidth = 460;            // preferred, in pixels
-constexpr int kLabelShare = 3;              // labels have at most a third of the width
 constexpr int kMaxConditionCharacters = 80; // of the values in a remark
 constexpr int kMaxDefaultCharacters = 40;   // in a menu
 constexpr int kValidationDelayMs = 200;

@@ -6,9 +6,10 @@
 #include "panels/glyphs.h"
 #include "panels/structures/element_item.h"
 
-#include <QFormLayout>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -26,19 +27,47 @@ using Type = ParameterInfo::Type;
 
 constexpr int kVisibleRows = 8; // as high as the buttons; longer trees scroll
 
+/// Says what it means that it is empty: users do not read an empty box as a setting.
+class HintedTree final : public QTreeWidget
+{
+public:
+    HintedTree(QString hint, QWidget *parent)
+        : QTreeWidget(parent)
+        , m_hint(std::move(hint))
+    {
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QTreeWidget::paintEvent(event);
+        if (topLevelItemCount() == 0) {
+            constexpr int margin = 4;
+            QPainter painter(viewport());
+            painter.setPen(palette().color(QPalette::PlaceholderText));
+            painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                             Qt::TextWordWrap, m_hint);
+        }
+    }
+
+private:
+    QString m_hint;
+};
+
 } // namespace
 
 StructureEditor::StructureEditor(const FieldContext &context)
     : StructureEditor(context, Lists::InTree,
-                      {tr("Add an element"), tr("Add an element inside the current one")})
+                      {tr("Add an element"), tr("Add an element inside the current one"),
+                       tr("None: the button + adds one")})
 {
 }
 
-StructureEditor::StructureEditor(const FieldContext &context, Lists lists, const AddTexts &texts)
+StructureEditor::StructureEditor(const FieldContext &context, Lists lists, const Texts &texts)
     : FieldEditor(context)
     , m_lists(lists)
-    , m_tree(new QTreeWidget(this))
-    , m_form(new QFormLayout)
+    , m_tree(new HintedTree(texts.empty, this))
+    , m_form(new QGridLayout)
     , m_column(new QVBoxLayout(this))
 {
     m_tree->setHeaderHidden(true);
@@ -51,20 +80,21 @@ StructureEditor::StructureEditor(const FieldContext &context, Lists lists, const
     m_column->setContentsMargins(0, 0, 0, 0);
     m_column->addLayout(top);
     m_column->addLayout(m_form);
+    m_form->setColumnStretch(1, 1);
     top->addWidget(m_tree);
     top->addLayout(buttons);
     addButtons(buttons, texts);
     connect(m_tree, &QTreeWidget::currentItemChanged, this, [this] { showFields(); });
 }
 
-void StructureEditor::addButtons(QVBoxLayout *buttons, const AddTexts &texts)
+void StructureEditor::addButtons(QVBoxLayout *buttons, const Texts &texts)
 {
     buttons->setSpacing(2);
     buttons->addWidget(makeButton(
-        Glyph::Add, texts.after, [this] { add(Where::After); }, Qt::Key_Insert));
+        Glyph::Add, texts.addAfter, [this] { add(Where::After); }, Qt::Key_Insert));
     if (m_tree->rootIsDecorated()) {
         buttons->addWidget(makeButton(
-            Glyph::ToRight, texts.inside, [this] { add(Where::Inside); },
+            Glyph::ToRight, texts.addInside, [this] { add(Where::Inside); },
             Qt::CTRL | Qt::Key_Insert));
     }
     buttons->addWidget(makeButton(
@@ -84,12 +114,10 @@ StructureEditor::~StructureEditor()
     m_tree->disconnect(this);
 }
 
-/// The labels of the members are where those of the panel are.
 void StructureEditor::resizeEvent(QResizeEvent *event)
 {
     FieldEditor::resizeEvent(event);
-    m_form->setRowWrapPolicy(isNarrow(*this, width()) ? QFormLayout::WrapAllRows
-                                                      : QFormLayout::WrapLongRows);
+    arrangeLabels();
 }
 
 // ---- The elements
@@ -206,8 +234,9 @@ void StructureEditor::showFields()
     const ParameterInfo *const list = current() == nullptr ? nullptr : &current()->info;
     // Elements of one list have the same fields, which get other values.
     if (list == nullptr || list != m_shownList) {
-        while (m_form->rowCount() > 0) {
-            m_form->removeRow(0);
+        for (const Field &field : m_fields) {
+            delete field.label;
+            delete field.editor;
         }
         m_fields.clear();
         m_shownList = list;
@@ -229,17 +258,53 @@ void StructureEditor::makeFields()
     orderTabs();
 }
 
-/// A wide editor has its label in a row of its own, which is hidden with it.
 void StructureEditor::updateFields()
 {
     for (const Field &field : m_fields) {
         const ParameterInfo &member = m_shownList->members[field.member];
         const bool isShown = showsMember(current()->element, *m_shownList, member);
         field.editor->showValue(memberValue(current()->element, member));
-        m_form->setRowVisible(field.editor, isShown);
-        if (field.editor->isWide()) {
-            m_form->setRowVisible(field.label, isShown);
+        field.editor->setVisible(isShown);
+        if (field.label != nullptr) {
+            field.label->setVisible(isShown);
         }
+    }
+    arrangeLabels();
+}
+
+/// As in the panel: above the fields in a narrow form and of wide editors, else with one width.
+void StructureEditor::arrangeLabels()
+{
+    int longest = 0;
+    for (const Field &field : m_fields) {
+        const bool isCounted = field.label != nullptr && !field.editor->isWide();
+        if (isCounted && !field.editor->isHidden()) {
+            longest = qMax(longest, fullWidth(*field.label));
+        }
+    }
+    const int labelWidth = isNarrow(*this, width()) ? 0 : qMin(longest, width() / kLabelShare);
+    m_form->setColumnMinimumWidth(0, labelWidth);
+    int row = 0;
+    for (const Field &field : m_fields) {
+        place(field, row, labelWidth);
+        row += 2;
+    }
+}
+
+/// In two rows of the form. `labelWidth` 0: the label is above the field.
+void StructureEditor::place(const Field &field, int row, int labelWidth)
+{
+    const bool isLeft = labelWidth > 0 && field.label != nullptr && !field.editor->isWide();
+    m_form->removeWidget(field.editor);
+    m_form->addWidget(field.editor, row + 1, isLeft ? 1 : 0, 1, isLeft ? 1 : 2);
+    if (field.label != nullptr) {
+        m_form->removeWidget(field.label);
+        m_form->addWidget(field.label, isLeft ? row + 1 : row, 0, 1, isLeft ? 1 : 2,
+                          isLeft ? Qt::AlignTop : Qt::AlignBottom);
+        // On one line with the text of the control.
+        field.label->setMinimumSize(isLeft ? labelWidth : 0,
+                                    isLeft ? field.editor->focusProxy()->sizeHint().height() : 0);
+        field.label->setMaximumWidth(isLeft ? labelWidth : QWIDGETSIZE_MAX);
     }
 }
 
@@ -276,18 +341,12 @@ void StructureEditor::addField(int index)
         updateFields();
         reportElements(kind);
     });
-    if (field.editor->showsLabel()) {
-        m_form->addRow(field.editor);
-    } else {
-        field.label = new QLabel(captionOf(inner.label));
+    field.editor->setParent(this);
+    if (!field.editor->showsLabel()) {
+        field.label = new QLabel(captionOf(inner.label), this);
         field.label->setBuddy(field.editor->focusProxy());
+        field.label->setWordWrap(true);
         field.label->setToolTip(toolTipOf(inner));
-        if (field.editor->isWide()) {
-            m_form->addRow(field.label);
-            m_form->addRow(field.editor);
-        } else {
-            m_form->addRow(field.label, field.editor);
-        }
     }
     m_fields.push_back(field);
 }

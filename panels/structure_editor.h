@@ -13,7 +13,7 @@
 
 #include <vector>
 
-class QFormLayout;
+class QGridLayout;
 class QLabel;
 class QToolButton;
 class QTreeWidget;
@@ -38,13 +38,13 @@ public:
 protected:
     /// Where the lists inside an element are shown: as nodes of the tree, or as fields.
     enum class Lists { InTree, AsFields };
-    /// Names of the two buttons that add elements.
-    struct AddTexts
+    struct Texts
     {
-        QString after;  ///< an element of the same list
-        QString inside; ///< an element of the list in the current one
+        QString addAfter;  ///< name of the button that adds an element to the same list
+        QString addInside; ///< the same for the list in the current element
+        QString empty;     ///< what it means that there is no element
     };
-    StructureEditor(const FieldContext &context, Lists lists, const AddTexts &texts);
+    StructureEditor(const FieldContext &context, Lists lists, const Texts &texts);
 
     // What an editor of one structure can replace. `list` declares the members of the element.
 
@@ -97,7 +97,7 @@ private:
     QString value() const { return valueOf(context().info, elements(), m_wrapper); }
     ElementItem *current() const;
     void showElements(std::vector<Element> elements);
-    void addButtons(QVBoxLayout *buttons, const AddTexts &texts);
+    void addButtons(QVBoxLayout *buttons, const Texts &texts);
     void updateItem(ElementItem *item);
     /// Show the fields of the current element.
     void showFields();
@@ -106,6 +106,9 @@ private:
     void addField(int index);
     /// Hide the fields of members that the current element does not use.
     void updateFields();
+    /// Put the labels of the fields where there is room for them.
+    void arrangeLabels();
+    void place(const Field &field, int row, int labelWidth);
     void orderTabs();
     /// Show and report the elements after an edit.
     void reportElements(Edit kind = Edit::Step);
@@ -119,7 +122,7 @@ private:
     Lists m_lists;
     Element m_wrapper; // of the value
     QTreeWidget *m_tree;
-    QFormLayout *m_form;
+    QGridLayout *m_form;
     QVBoxLayout *m_column;
     QToolButton *m_lastButton = nullptr;        // Tab moves from it to the fields
     const ParameterInfo *m_shownList = nullptr; // that m_fields belong to

@@ -2085,10 +2085,6 @@
         <translation>Chemin de la valeur, à partir de l&apos;occurrence. Vide&#xa0;: l&apos;occurrence elle-même.</translation>
     </message>
     <message>
-        <source>Names of sub-elements</source>
-        <translation>Noms des sous-éléments</translation>
-    </message>
-    <message>
         <source>Reads the names of the sub-elements instead of the text.</source>
         <translation>Lit les noms des sous-éléments au lieu du texte.</translation>
     </message>
@@ -2993,10 +2989,6 @@
         <translation>Place les tableaux entre les paragraphes et les sauts de ligne entre les textes. Sinon, un tableau dans un paragraphe mis en forme est à l&apos;intérieur de son texte, où certains programmes ne l&apos;affichent pas.</translation>
     </message>
     <message>
-        <source>Tables</source>
-        <translation>Tableaux</translation>
-    </message>
-    <message>
         <source>One v (markerName, colWidths in twentieths of a point, styleID, includeHeaders) per input pin.</source>
         <translation>Un v (markerName, colWidths en vingtièmes de point, styleID, includeHeaders) par entrée.</translation>
     </message>
@@ -3397,10 +3389,6 @@
         <translation>Répète la valeur d&apos;une cellule avec colspan ou rowspan dans chaque colonne et ligne de sa table. Les lignes de thead et de tfoot sont des lignes de la table, et [n] est sa colonne numéro n.</translation>
     </message>
     <message>
-        <source>Number of the occurrence</source>
-        <translation>Numéro de l&apos;occurrence</translation>
-    </message>
-    <message>
         <source>Reads the number of the occurrence, from 1, instead of the text; at most one column of a level.</source>
         <translation>Lit le numéro de l&apos;occurrence, à partir de 1, au lieu du texte&#xa0;; au plus une colonne par niveau.</translation>
     </message>
@@ -3743,6 +3731,30 @@
     <message>
         <source>the last row of the table</source>
         <translation>la dernière ligne de la table</translation>
+    </message>
+    <message>
+        <source>Tag names</source>
+        <translation>Noms des balises</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Numéro</translation>
+    </message>
+    <message>
+        <source>as all numbers</source>
+        <translation>comme tous les nombres</translation>
+    </message>
+    <message>
+        <source>Widths</source>
+        <translation>Largeurs</translation>
+    </message>
+    <message>
+        <source>Header row</source>
+        <translation>En-tête</translation>
+    </message>
+    <message>
+        <source>Tables, one per input pin</source>
+        <translation>Tableaux, un par entrée</translation>
     </message>
 </context>
 <context>
@@ -4439,6 +4451,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Tags of the template without a chart: &apos;%1&apos;</source>
         <translation>Balises du modèle sans graphique&#xa0;: «&#xa0;%1&#xa0;»</translation>
     </message>
+    <message>
+        <source>No charts yet: choose a template, or add one</source>
+        <translation>Aucun graphique&#xa0;: choisir un modèle, ou en ajouter un</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::ChoiceEditor</name>
@@ -4480,12 +4496,12 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Retirer la dernière entrée et son tableau</translation>
     </message>
     <message>
-        <source>Pin %1</source>
-        <translation>Entrée %1</translation>
-    </message>
-    <message>
         <source>the template has no marker &apos;%%1%&apos;</source>
         <translation>le modèle n&apos;a pas de marque «&#xa0;%%1%&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Input pin %1</source>
+        <translation>Entrée %1</translation>
     </message>
 </context>
 <context>
@@ -4826,6 +4842,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>%1 (columns: %2)</source>
         <translation>%1 (colonnes&#xa0;: %2)</translation>
     </message>
+    <message>
+        <source>No levels yet: fill them from the file, or add one</source>
+        <translation>Aucun niveau&#xa0;: les remplir d&apos;après le fichier, ou en ajouter un</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::StructureEditor</name>
@@ -4852,6 +4872,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     <message>
         <source>Move the element down</source>
         <translation>Descendre l&apos;élément</translation>
+    </message>
+    <message>
+        <source>None: the button + adds one</source>
+        <translation>Aucun&#xa0;: le bouton + en ajoute un</translation>
     </message>
 </context>
 <context>
@@ -4914,14 +4938,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Ajouter un élément au niveau courant</translation>
     </message>
     <message>
-        <source>Beginning of the file:</source>
-        <translation>Début du fichier&#xa0;:</translation>
-    </message>
-    <message>
-        <source>Beginning of the file</source>
-        <translation>Début du fichier</translation>
-    </message>
-    <message>
         <source>Level %1</source>
         <translation>Niveau %1</translation>
     </message>
@@ -4948,6 +4964,18 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     <message>
         <source>With the first rows of the input</source>
         <translation>Avec les premières lignes de l&apos;entrée</translation>
+    </message>
+    <message>
+        <source>No levels: each row is written as one element</source>
+        <translation>Aucun niveau&#xa0;: chaque ligne s&apos;écrit comme un élément</translation>
+    </message>
+    <message>
+        <source>Preview of the file:</source>
+        <translation>Aperçu du fichier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Preview of the file</source>
+        <translation>Aperçu du fichier</translation>
     </message>
 </context>
 <context>

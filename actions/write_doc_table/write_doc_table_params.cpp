@@ -15,14 +15,14 @@ const ParamTable<DocTable> &docTableTable()
             .meaning("Name of the marker in the template, without its percent signs."),
         text("colWidths", &DocTable::colWidths)
             .always()
-            .label("Column widths")
+            .label("Widths")
             .meaning("Comma-separated widths of the columns, in twentieths of a point."),
         text("styleID", &DocTable::styleID)
             .always()
             .label("Style")
             .meaning("Identifier of the Word table style."),
         flag("includeHeaders", &DocTable::includeHeaders)
-            .label("Write the column names")
+            .label("Header row")
             .meaning("Writes a header row with the column names."),
     };
     return table;
@@ -78,7 +78,7 @@ const ParamTable<WriteDocTableParams> &writeDocTableParamTable()
                 "a formatted paragraph is inside its text, where some programs do not show it."),
         // Child elements come after all attributes.
         children("v", &P::tables, docTableTable(), {defaultDocTable, completeTables})
-            .label("Tables")
+            .label("Tables, one per input pin")
             .meaning("One v (markerName, colWidths in twentieths of a point, styleID, "
                      "includeHeaders) per input pin."),
     };

@@ -47,17 +47,13 @@ bool isNewAxis(const Element &axis, const ParameterInfo &list)
 ChartAxesField::ChartAxesField(const FieldContext &context, std::function<int()> type)
     : FieldEditor(context)
     , m_type(std::move(type))
+    , m_grid(new QGridLayout(this))
 {
-    auto *const grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setColumnStretch(2, 1);
+    m_grid->setContentsMargins(0, 0, 0, 0);
     for (int i = 0; i < charts::kMaxAxes; ++i) {
         m_rows.push_back(makeRow());
-        const Row &row = m_rows.back();
-        grid->addWidget(row.title, i, 0);
-        grid->addWidget(row.pin, i, 1);
-        grid->addWidget(row.column, i, 2);
     }
+    place(false);
     setMainControl(m_rows.front().column);
     refreshContext();
 }
@@ -80,6 +76,31 @@ ChartAxesField::Row ChartAxesField::makeRow()
     connect(row.column, &QComboBox::editTextChanged, this,
             [this, index] { take(index, Edit::Typing); });
     return row;
+}
+
+/// Next to a title and a pin, the names of columns would be cut in a narrow panel.
+void ChartAxesField::resizeEvent(QResizeEvent *event)
+{
+    FieldEditor::resizeEvent(event);
+    place(isNarrow(*this, width()));
+}
+
+void ChartAxesField::place(bool isAbove)
+{
+    int line = 0;
+    const int first = isAbove ? 0 : 1; // column of the grid that has the pins
+    for (const Row &row : m_rows) {
+        for (QWidget *const part :
+             std::initializer_list<QWidget *>{row.title, row.pin, row.column}) {
+            m_grid->removeWidget(part);
+        }
+        m_grid->addWidget(row.title, line, 0, 1, isAbove ? 2 : 1);
+        line += isAbove ? 1 : 0;
+        m_grid->addWidget(row.pin, line, first);
+        m_grid->addWidget(row.column, line++, first + 1);
+    }
+    m_grid->setColumnStretch(1, isAbove ? 1 : 0);
+    m_grid->setColumnStretch(2, isAbove ? 0 : 1);
 }
 
 void ChartAxesField::refreshContext()
@@ -114,7 +135,7 @@ void ChartAxesField::showRows()
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const Row &row = m_rows[i];
         const QString title = i < m_shown ? titleOf(axes[i]) : QString();
-        row.title->setText(title + u':');
+        row.title->setText(captionOf(title));
         nameControl(row.pin, tr("Input pin: %1").arg(title));
         nameControl(row.column, tr("Column: %1").arg(title));
         for (QWidget *const part :

@@ -10,6 +10,7 @@
 #include <vector>
 
 class QComboBox;
+class QGridLayout;
 class QLabel;
 
 namespace corvanta {
@@ -27,6 +28,7 @@ public:
 
 protected:
     void setValue(const QString &value) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     struct Row
@@ -37,6 +39,8 @@ private:
     };
 
     Row makeRow();
+    /// Put the titles left of the boxes, or above them.
+    void place(bool isAbove);
     /// Show the rows of the type, with their titles.
     void showRows();
     /// Offer the pins of the action and the columns of the chosen pin.
@@ -45,6 +49,7 @@ private:
     void take(size_t row, Edit kind);
 
     std::function<int()> m_type;
+    QGridLayout *m_grid;
     std::vector<Row> m_rows; // as many as any type has
     size_t m_shown = 0;      // of them
     std::vector<Element> m_axes;

@@ -26,7 +26,8 @@ constexpr int kNamesInNote = 3; // more are counted only
 } // namespace
 
 ChartEditor::ChartEditor(const FieldContext &context, FindMarks findMarks)
-    : StructureEditor(context, Lists::AsFields, {tr("Add a chart"), {}})
+    : StructureEditor(context, Lists::AsFields,
+                      {tr("Add a chart"), {}, tr("No charts yet: choose a template, or add one")})
     , m_findMarks(findMarks)
     , m_note(new NoteLabel(this))
     , m_add(new QPushButton(tr("Add them"), this))

@@ -22,7 +22,7 @@ DocTablesEditor::DocTablesEditor(const FieldContext &context, FindOffers findOff
                              tr("Remove the last input pin and its table")})
     , m_findOffers(findOffers)
 {
-    showRowNumbers(tr("Pin %1"));
+    showRowNumbers(tr("Input pin %1"));
     setSuggestions([this](const ParameterInfo &member) {
         return member.name == kMarker  ? m_offers.markers.value_or(QStringList())
                : member.name == kStyle ? m_offers.styles.value_or(QStringList())

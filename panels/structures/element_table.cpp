@@ -43,13 +43,12 @@ ElementTable::ElementTable(const FieldContext &context, const Texts &texts)
     , m_meaning(new NoteLabel(this))
 {
     auto *const column = new QVBoxLayout(this);
-    auto *const row = new QHBoxLayout;
-    auto *const buttons = new QVBoxLayout;
+    auto *const buttons = new QHBoxLayout; // below the table, which needs the whole width
     column->setContentsMargins(0, 0, 0, 0);
-    column->addLayout(row);
+    column->setSpacing(2);
+    column->addWidget(m_table);
+    column->addLayout(buttons);
     column->addWidget(m_meaning);
-    row->addWidget(m_table);
-    row->addLayout(buttons);
     buttons->setSpacing(2);
     buttons->addWidget(makeButton(
         Glyph::Add, texts.add, [this] { addRow(); }, Qt::Key_Insert));
@@ -115,7 +114,7 @@ void ElementTable::updateMinimumWidth()
     const QHeaderView *const header = m_table->horizontalHeader();
     int widest = 0;
     int texts = 0;
-    int others = m_rowFormat.isEmpty() ? 0 : fontMetrics().horizontalAdvance(m_rowFormat) * 2;
+    int others = m_rowToolTip.isEmpty() ? 0 : fontMetrics().horizontalAdvance(u"999"_s);
     for (int i = 0; i < m_table->columnCount(); ++i) {
         const int width = m_table->isColumnHidden(i) ? 0 : header->sectionSizeHint(i);
         const bool isText = header->sectionResizeMode(i) == QHeaderView::Stretch;
@@ -127,9 +126,9 @@ void ElementTable::updateMinimumWidth()
 }
 
 /// The numbers take room, so the minimum width changes.
-void ElementTable::showRowNumbers(const QString &format)
+void ElementTable::showRowNumbers(const QString &toolTip)
 {
-    m_rowFormat = format;
+    m_rowToolTip = toolTip;
     m_table->verticalHeader()->setVisible(true);
     updateMinimumWidth();
 }
@@ -182,8 +181,10 @@ void ElementTable::showElements(std::vector<Element> elements)
         m_table->setItem(i / m_table->columnCount(), i % m_table->columnCount(),
                          new QTableWidgetItem);
     }
-    for (int i = 0; !m_rowFormat.isEmpty() && i < rows; ++i) {
-        m_table->setVerticalHeaderItem(i, new QTableWidgetItem(m_rowFormat.arg(i)));
+    for (int i = 0; !m_rowToolTip.isEmpty() && i < rows; ++i) {
+        auto *const title = new QTableWidgetItem(QString::number(i));
+        title->setToolTip(m_rowToolTip.arg(i));
+        m_table->setVerticalHeaderItem(i, title);
     }
     m_table->setCurrentCell(qBound(-1, row, rows - 1), column);
     showMeaning();

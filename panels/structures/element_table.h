@@ -64,8 +64,8 @@ protected:
     void updateCells();
     /// Do not show the member of that name.
     void hideMember(const QString &name);
-    /// Show the numbers of the rows, from 0, in the place of %1.
-    void showRowNumbers(const QString &format);
+    /// Show the numbers of the rows, from 0. `toolTip` has them in the place of %1.
+    void showRowNumbers(const QString &toolTip);
     /// The text of a cell without a value.
     void setEmptyText(const QString &text);
 
@@ -89,7 +89,7 @@ private:
     QTableWidget *m_table;
     CellDelegate *m_delegate;
     NoteLabel *m_meaning;
-    QString m_rowFormat; // empty: rows have no titles
+    QString m_rowToolTip; // empty: rows have no titles
     Remark m_remark = [](const Element &, const ParameterInfo &) { return QString(); };
 };
 

@@ -19,7 +19,10 @@ constexpr auto kColumns = "e"_L1;
 } // namespace
 
 ReadLevelsEditor::ReadLevelsEditor(const FieldContext &context, FindLevels findLevels)
-    : StructureEditor(context, Lists::AsFields, {tr("Add a level inside the current one"), {}})
+    : StructureEditor(context, Lists::AsFields,
+                      {tr("Add a level inside the current one"),
+                       {},
+                       tr("No levels yet: fill them from the file, or add one")})
     , m_findLevels(findLevels)
 {
 }

@@ -92,7 +92,8 @@ PreviewRows sampleRows(TableSchema columns)
 WriteLevelsEditor::WriteLevelsEditor(const FieldContext &context, const LevelWriting &writing)
     : StructureEditor(context, Lists::InTree,
                       {tr("Add a level or an item after the current one"),
-                       tr("Add an item to the current level")})
+                       tr("Add an item to the current level"),
+                       tr("No levels: each row is written as one element")})
     , m_writing(writing)
     , m_text(new QPlainTextEdit(this))
     , m_source(new NoteLabel(this))
@@ -103,7 +104,7 @@ WriteLevelsEditor::WriteLevelsEditor(const FieldContext &context, const LevelWri
 
 void WriteLevelsEditor::addPreview()
 {
-    auto *const title = new QLabel(tr("Beginning of the file:"));
+    auto *const title = new QLabel(tr("Preview of the file:"));
     title->setBuddy(m_text);
     m_text->setReadOnly(true);
     m_text->setTabChangesFocus(true);
@@ -115,7 +116,7 @@ void WriteLevelsEditor::addPreview()
         2 * (m_text->frameWidth() + static_cast<int>(m_text->document()->documentMargin()));
     m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kVisibleTextLines +
                            margins);
-    nameControl(m_text, tr("Beginning of the file"));
+    nameControl(m_text, tr("Preview of the file"));
     column()->addWidget(title);
     column()->addWidget(m_text);
     column()->addWidget(m_problem);
@@ -161,7 +162,7 @@ QString WriteLevelsEditor::summary(const Element &element, const ParameterInfo &
     const QString what = type.choices.value(number.toInt());
     const QString text = what.isEmpty() ? tr("Type %1").arg(number) : what;
     const QString detail = detailOf(element, list);
-    return detail.isEmpty() ? text : text + u": "_s + detail;
+    return detail.isEmpty() ? text : captionOf(text) + u' ' + detail;
 }
 
 QString WriteLevelsEditor::remark(const Element &element, const ParameterInfo &list) const

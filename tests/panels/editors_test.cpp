@@ -143,7 +143,7 @@ TEST(Editors, ASpecialNumberIsShownAsItsMeaning)
     box->selectAll();
     QTest::keyClicks(box, u"-1"_s);
     EXPECT_EQ(editor.last(), u"-1"_s);
-    EXPECT_EQ(shownValue(info, u"-1"_s), u"no limit"_s) << "in tool tips";
+    EXPECT_EQ(shownValue(info, u"-1"_s), u"\u201cno limit\u201d"_s) << "in tool tips";
     // A number that is too great for a spin box.
     info.high = std::numeric_limits<qint64>::max();
     const Editor line = editorOf(info);

@@ -113,6 +113,9 @@ TEST(Languages, AFrenchPanelHasNoEnglishText)
         const QStringList translated = textsOfType(type);
         ASSERT_EQ(translated.size(), english.size()) << type.toStdString();
         for (qsizetype i = 0; i < english.size(); ++i) {
+            const bool isLabel = english[i].endsWith(u':') && !values.contains(english[i]);
+            EXPECT_TRUE(!isLabel || translated[i].endsWith(u"\u00a0:"_s))
+                << english[i].toStdString();
             const QString text = bare(english[i]);
             const bool isText = text.contains(word) && !text.contains(ofRun) &&
                                 !same.contains(text) && !values.contains(text) && text != type;

@@ -18,10 +18,10 @@ const ParamTable<ReadItem> &itemTable()
             .label("Path")
             .meaning("Path of the value, from the occurrence. Empty: the occurrence itself."),
         flag("tagName", &ReadItem::tagName)
-            .label("Names of sub-elements")
+            .label("Tag names")
             .meaning("Reads the names of the sub-elements instead of the text."),
         flag("number", &ReadItem::isNumber)
-            .label("Number of the occurrence")
+            .label("Number")
             .meaning("Reads the number of the occurrence, from 1, instead of the text; at most one "
                      "column of a level."),
     };

@@ -16,6 +16,7 @@ const ParamTable<VariableDefinition> &variableDefinitionTable()
                 "of dates or times, ISO 8601 texts become numbers."),
         number("l", &V::width)
             .range(0, 8)
+            .lowMeans("as all numbers")
             .label("Width of numbers")
             .meaning("Bytes of each number in a transport file, 3 to 8; 0: numberWidth."),
     };
