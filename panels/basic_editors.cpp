@@ -9,7 +9,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -323,7 +322,7 @@ TextEditor::TextEditor(const FieldContext &context)
     : FieldEditor(context)
     , m_text(new QPlainTextEdit(this))
 {
-    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_text->setFont(fixedFont(font()));
     m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_text->setTabChangesFocus(true); // as in the other fields
     const int margins =

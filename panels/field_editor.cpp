@@ -9,6 +9,7 @@
 #include "panels/structure_editor.h"
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QToolButton>
 
@@ -153,6 +154,13 @@ QString shownValue(const ParameterInfo &info, const QString &value)
         isLow ? info.lowMeaning : info.choices.value(info.choices.isEmpty() ? -1 : value.toInt());
     return text.isEmpty() ? value
                           : QCoreApplication::translate("Panels", "\u201c%1\u201d").arg(text);
+}
+
+QFont fixedFont(const QFont &font)
+{
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(font.pointSizeF());
+    return fixed;
 }
 
 int fullWidth(const QLabel &label)

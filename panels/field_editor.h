@@ -112,6 +112,9 @@ QString unitText(const QString &unit, int count);
 /// A value as texts show it: the text of a choice, on and off, or what a number means. `info` is
 /// translated.
 QString shownValue(const ParameterInfo &info, const QString &value);
+/// The system's font for text of a file, as large as `font`: its own size need not follow the
+/// user's.
+QFont fixedFont(const QFont &font);
 /// Labels left of fields have at most a third of the width of a form.
 inline constexpr int kLabelShare = 3;
 /// The width of a label on one line.

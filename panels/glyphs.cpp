@@ -106,6 +106,9 @@ public:
     }
     QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
     {
+        if (size.isEmpty()) {
+            return {}; // a view that is not laid out yet asks for it
+        }
         QPixmap pixmap(size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);

@@ -1,9 +1,9 @@
 #include "panels/preview/preview.h"
 
 #include "corvanta/action_item.h"
+#include "panels/field_editor.h"
 #include "panels/preview/rows_model.h"
 
-#include <QFontDatabase>
 #include <QHeaderView>
 #include <QPlainTextEdit>
 #include <QTableView>
@@ -91,7 +91,7 @@ QLayout *Preview::makeText()
     m_text->setReadOnly(true);
     m_text->setTabChangesFocus(true);
     m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
-    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_text->setFont(fixedFont(font()));
     m_text->setAccessibleName(tr("Beginning of the file"));
     m_text->setAccessibleDescription(tr("The beginning of the file, as text or as bytes"));
     m_text->setMinimumHeight(fontMetrics().lineSpacing() * kVisibleLines);

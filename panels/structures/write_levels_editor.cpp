@@ -7,7 +7,6 @@
 #include "panels/note_label.h"
 #include "panels/suggestion_field.h"
 
-#include <QFontDatabase>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
@@ -109,9 +108,7 @@ void WriteLevelsEditor::addPreview()
     m_text->setReadOnly(true);
     m_text->setTabChangesFocus(true);
     m_text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    fixed.setPointSizeF(font().pointSizeF()); // that of the system does not follow the user's
-    m_text->setFont(fixed);
+    m_text->setFont(fixedFont(font()));
     const int margins =
         2 * (m_text->frameWidth() + static_cast<int>(m_text->document()->documentMargin()));
     m_text->setFixedHeight(QFontMetrics(m_text->font()).lineSpacing() * kVisibleTextLines +

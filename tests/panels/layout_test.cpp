@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QStyleOption>
 #include <QTest>
@@ -18,6 +19,8 @@
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -298,7 +301,7 @@ TEST_P(PanelLayouts, LabelsAreLeftOfFieldsWhereThereIsRoom)
     EXPECT_EQ(leftLabels(460), names) << "the width decides, not what it was before";
 }
 
-TEST(Controls, BoxesAndIconsGrowWithTheFont)
+TEST(Controls, BoxesIconsAndTextsGrowWithTheFont)
 {
     const QFont normal = QApplication::font();
     const auto sizes = [] {
@@ -306,15 +309,18 @@ TEST(Controls, BoxesAndIconsGrowWithTheFont)
         const Panel panel = shown(action);
         const auto *const box = panel->findChild<QCheckBox *>();
         const auto *const heading = panel->findChild<QToolButton *>(u"heading"_s);
-        return std::pair{box->style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, box),
-                         heading->iconSize().width()};
+        const auto *const text = panel->findChild<QPlainTextEdit *>();
+        return std::array{box->style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, box),
+                          heading->iconSize().width(), text->fontMetrics().height()};
     };
-    const auto [box, icon] = sizes();
+    const auto before = sizes();
     QFont font = normal;
     font.setPointSizeF(normal.pointSizeF() * 2);
     QApplication::setFont(font);
-    EXPECT_GE(sizes().first, box * 3 / 2);
-    EXPECT_GE(sizes().second, icon * 3 / 2);
+    const auto after = sizes();
+    for (size_t i = 0; i < before.size(); ++i) {
+        EXPECT_GE(after.at(i), before.at(i) * 3 / 2) << i;
+    }
     QApplication::setFont(normal);
 }
 
