@@ -3756,6 +3756,10 @@
         <source>Tables, one per input pin</source>
         <translation>Tableaux, un par entrée</translation>
     </message>
+    <message>
+        <source>Decimal comma (without effect)</source>
+        <translation>Virgule décimale (sans effet)</translation>
+    </message>
 </context>
 <context>
     <name>Problems</name>

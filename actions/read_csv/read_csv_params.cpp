@@ -63,6 +63,7 @@ ParamGroup<P> textForm()
             .meaning("lf: a line feed, with or without a carriage return before it. auto: "
                      "carriage returns alone if the first 64 KiB have no line feed."),
         flag("uniqueNames", &P::uniqueNames)
+            .onlyWhen("header", {QStringLiteral("1")})
             .label("Number equal column names")
             .meaning("The second and later columns of one name get _2, _3, ... Off: they keep the "
                      "name, which most file formats do not allow."),

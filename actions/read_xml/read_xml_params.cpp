@@ -167,7 +167,10 @@ const ParamTable<ReadXmlParams> &readXmlParamTable()
         shared::missingFiles<P>(),
         beforeTheRows(),
         pages(),
-        shared::warnUnread<P>(),
+        shared::warnUnread<P>()
+            .onlyWhen("readHTML", {QStringLiteral("0")})
+            .onlyWhen("addOnlyText", {QStringLiteral("0")})
+            .onlyWhen("getTagPresenceFlag", {QStringLiteral("0")}),
         shared::columnTypes<P>(),
         readLevels<P>(&P::levels),
     };

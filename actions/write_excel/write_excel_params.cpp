@@ -93,7 +93,7 @@ ParamGroup<P> sheetContent()
             .meaning("Leaves cells of NaN and infinite numbers empty. Off: they are written as the "
                      "texts nan, inf and -inf."),
         flag("useComma", &P::useComma)
-            .label("Decimal comma")
+            .label("Decimal comma (without effect)")
             .meaning("Saved with the graph; has no effect on the cells."),
         flag<P>("createDir", &P::createDir)
             .role(ParameterInfo::Role::CreateFolder)
@@ -163,6 +163,7 @@ ParamGroup<P> dateInput()
             .meaning("With an empty dateFormat, reads dates such as 2024-02-29 and "
                      "2024-02-29T12:30:00. Off: no text is a date then."),
         flag("keepOddDates", &P::keepOddDates)
+            .ignoredWhen(shared::kToDate, {QString()})
             .label("Keep texts that are not dates")
             .meaning("Texts in ToDate columns that are not dates, or before 1900, are written as "
                      "texts. Off: their cells are empty, with a warning."),
@@ -276,6 +277,7 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
             .meaning("Creates a missing workbook or sheet. Off: it is an error."),
         shared::checkNameCollision<P>(),
         flag("forceRecompute", &P::forceRecompute)
+            .ignoredWhen("mode", {QStringLiteral("0")})
             .label("Recompute formulas when the workbook is opened")
             .meaning("Marks an updated workbook for a full calculation on load."),
         shared::writeAllColumns<P>(

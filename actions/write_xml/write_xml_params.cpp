@@ -57,6 +57,7 @@ ParamGroup<P> elementForms()
         text("indentStart", &P::indentStart)
             .wholeNumber(0, 1000)
             .otherwise("uses the nearest allowed number, 0 for a text")
+            .onlyWhen("humanReadable", {QStringLiteral("1")})
             .label("Indent of the outermost level")
             .meaning("Number of spaces before an element of the first level; each level below has "
                      "two more."),

@@ -129,11 +129,13 @@ TEST_P(Panels, EveryParameterIsEditedByItsField)
     const QVector<ParameterInfo> infos =
         panels::parametersOf(panels::fromXml(panels::example(type()))).parameters();
     for (int i = 0; i < infos.size(); ++i) {
-        const Action action = panels::fromXml(panels::example(type()));
-        ActionParameters &parameters = panels::parametersOf(action);
+        UndoEditor editor(panels::example(type()));
+        const QByteArray unedited = editor.graph.toXml();
+        ActionParameters &parameters = panels::parametersOf(editor.action);
         satisfy(parameters, infos[i]);
-        const Panel panel = shown(action);
-        QWidget *const field = fieldOf(panel, infos[i].name);
+        panels::unfold(*editor.panel);
+        editor.panel->refresh();
+        QWidget *const field = fieldOf(editor.panel, infos[i].name);
         ASSERT_NE(field, nullptr) << infos[i].name.toStdString();
         EXPECT_TRUE(field->isEnabled()) << infos[i].name.toStdString();
         const QString old = parameters.parameterValue(i);
@@ -144,9 +146,12 @@ TEST_P(Panels, EveryParameterIsEditedByItsField)
         EXPECT_NE(expected, old) << infos[i].name.toStdString();
         EXPECT_EQ(parameters.parameterValue(i), expected) << infos[i].name.toStdString();
         // The saved form has the value.
-        const Action copy = panels::fromXml(panels::saved(*action));
+        const Action copy = panels::fromXml(panels::saved(*editor.action));
         EXPECT_EQ(panels::parametersOf(copy).parameterValue(i), expected)
             << infos[i].name.toStdString();
+        while (editor.undo()) {
+        }
+        EXPECT_EQ(editor.graph.toXml(), unedited) << infos[i].name.toStdString();
     }
 }
 
@@ -291,6 +296,8 @@ TEST(PanelEdits, FieldsThatTheModeIgnoresAreDisabledAndSayWhy)
     EXPECT_EQ(editor.value(u"mode"_s), u"4"_s);
     const UndoEditor writer("<writeJSON/>");
     EXPECT_TRUE(hasNote(writer.panel, u"Used only when \u201cWrite all rows\u201d is off"_s));
+    const UndoEditor xml("<writeXML indentStart='2'/>");
+    EXPECT_FALSE(fieldOf(xml.panel, u"indentStart"_s)->isEnabled());
 }
 
 TEST(PanelEdits, TwoWritersOfOneFileAreShownBelowTheField)
