@@ -1,7 +1,5 @@
 #include "codecs/markup/levels/leaf_columns.h"
 
-#include "base/bytes.h"
-
 #include <algorithm>
 
 namespace corvanta::markup {
@@ -18,19 +16,18 @@ LeafColumns::LeafColumns(const LevelState &level, const PathSyntax &syntax, cons
         if (!items[i].tagName && isName(paths[i])) {
             const std::u16string &name = paths[i].front().name;
             const bool isWritten = QStringView(name) == items[i].path.toLower();
-            m_columns.push_back({name, i, isWritten ? items[i].path.toStdString() : ""});
+            m_columns.push_back({name, i, isWritten ? items[i].path.toStdString() : "", 0});
         }
     }
     if (inner != nullptr) {
         paths.push_back(inner->initialPath);
     }
     std::erase_if(m_columns, [&](const Column &column) { return isShared(column, paths); });
-}
-
-bool LeafColumns::hasBytes(const RawText &name, const Column &column)
-{
-    return name.view().size() == column.bytes.size() &&
-           equalBytes(name.data, column.bytes.data(), column.bytes.size());
+    // Before the first record, the columns are expected in their order.
+    for (size_t i = 0; i < m_columns.size(); ++i) {
+        m_columns[i].next = (i + 1) % m_columns.size();
+        m_last = i;
+    }
 }
 
 /// Members without a name are called "_", and that name has no place in the text.
@@ -49,41 +46,54 @@ bool LeafColumns::isShared(const Column &column, const Paths &paths)
     return std::ranges::count_if(paths, begins) != 1;
 }
 
-/// Most records have the same members in the same order. Some lack one, or have one at another
-/// place than the sample: then the next member is expected where it was before.
-size_t LeafColumns::find(const RawText &name)
+/// The leaf of a record that lacks a member, or has one at another place than the record before.
+size_t LeafColumns::search(const RawText &name)
 {
     constexpr size_t kSkipped = 4;
     constexpr size_t kSearched = 32;
     const size_t count = m_columns.size();
-    size_t index = m_next;
-    for (size_t i = 0; i < std::min(kSearched, count); ++i, ++index) {
-        index = index < count ? index : 0;
-        if (hasBytes(name, m_columns[index])) {
-            m_next = i < kSkipped ? index + 1 : m_next;
-            return m_columns[index].item;
+    for (size_t i = 1; i <= std::min(kSearched, count); ++i) {
+        const size_t column = (m_last + i) % count;
+        if (hasBytes(name, m_columns[column])) {
+            return use(column);
         }
     }
-    index = m_next;
-    for (size_t i = 0; i < std::min(kSkipped, count); ++i, ++index) {
-        index = index < count ? index : 0;
-        if (nameMatches(name, m_columns[index].name)) {
-            m_columns[index].bytes = name.view();
-            return m_columns[index].item;
+    for (size_t i = 1; i <= std::min(kSkipped, count); ++i) {
+        const size_t column = (m_last + i) % count;
+        if (nameMatches(name, m_columns[column].name)) {
+            m_columns[column].bytes = name.view();
+            return use(column);
         }
     }
     return kNone;
+}
+
+/// The column is expected after the last one from now on.
+size_t LeafColumns::use(size_t column)
+{
+    m_columns[m_last].next = column;
+    m_last = column;
+    m_expected = m_columns[column].next;
+    return m_columns[column].item;
 }
 
 /// A further leaf of an item goes to the tree, which counts it.
 bool LeafKeeper::take(const MarkupTokenizer &tokenizer, const MarkupTokenizer::Leaf &leaf)
 {
     const size_t item = m_columns.find(tokenizer.resolve(leaf.name));
-    if (item == LeafColumns::kNone || m_kept[item].record == m_record) {
+    if (item == LeafColumns::kNone) {
+        return false;
+    }
+    Kept &kept = m_kept[item];
+    if (kept.record == m_record) {
         return false;
     }
     const size_t pinned = tokenizer.pinnedOffset();
-    m_kept[item] = {m_record, {leaf.name.movedBy(pinned), leaf.text.movedBy(pinned), leaf.hasText}};
+    // One by one: a copy of the whole waits for the stores of its parts.
+    kept.record = m_record;
+    kept.leaf.name = leaf.name.movedBy(pinned);
+    kept.leaf.text = leaf.text.movedBy(pinned);
+    kept.leaf.hasText = leaf.hasText;
     m_lastKept = m_record;
     return true;
 }

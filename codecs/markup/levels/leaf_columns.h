@@ -1,9 +1,11 @@
 // Finds the items of a level that leaves are, for leaves that do not get into a tree.
 #pragma once
 #include "codecs/markup/levels/level_state.h"
+#include "codecs/markup/text/scan.h"
 #include "codecs/markup/tree/tree.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvanta::markup {
@@ -20,7 +22,18 @@ public:
 
     /// The number of the item with that name. kNone if there is none, or if it is not among the
     /// next ones: the leaf must then get into the tree, where it is found.
-    size_t find(const RawText &name);
+    size_t find(const RawText &name)
+    {
+        // Most records have the same members in the same order.
+        if (!m_columns.empty()) {
+            const Column &expected = m_columns.data()[m_expected];
+            if (hasBytes(name, expected)) [[likely]] {
+                m_last = std::exchange(m_expected, expected.next);
+                return expected.item;
+            }
+        }
+        return search(name);
+    }
 
 private:
     struct Column
@@ -28,15 +41,23 @@ private:
         std::u16string name; // in lower case
         size_t item = 0;
         std::string bytes; // of the last name that matched: most are equal
+        size_t next = 0;   // the column that followed it last
     };
     using Paths = std::vector<std::vector<PathStep>>;
 
-    static bool hasBytes(const RawText &name, const Column &column);
+    static bool hasBytes(const RawText &name, const Column &column)
+    {
+        return name.size == column.bytes.size() &&
+               equalBytes(name.data, column.bytes.data(), column.bytes.size());
+    }
     static bool isName(const std::vector<PathStep> &path);
     static bool isShared(const Column &column, const Paths &paths);
+    size_t search(const RawText &name);
+    size_t use(size_t column);
 
     std::vector<Column> m_columns;
-    size_t m_next = 0; // where the next leaf is expected
+    size_t m_last = 0;     // the column of the last leaf
+    size_t m_expected = 0; // the column after it
 };
 
 /// Keeps leaves of the records of JSON, which need no tree: most of them are members of an object

@@ -204,11 +204,12 @@ void LevelExtractor::fillTypedCells(LevelState &state, CellArena &arena)
         const LevelItem &item = state.level.items[i];
         const bool isInTree = state.found[i] != MarkupTree::kNone;
         const MarkupTokenizer::Leaf *const leaf = leafOf(state, i);
-        if (isNumberColumn(column)) {
+        const char type = m_options.types[column];
+        if (type == 'K' || type == 'F') {
             m_cells[column] = typedCell(item, state.found[i], leaf, column, arena);
         } else if (leaf != nullptr) {
             m_cells[column] = m_items.textCellOf(tree(), leaf->text, arena);
-        } else if (isInTree && m_options.types[column] == 'J') {
+        } else if (isInTree && type == 'J') {
             m_cells[column] = m_items.jsonCellOf(tree(), item, state.found[i], arena);
         } else {
             m_cells[column] = isInTree ? m_items.cellOf(tree(), item, state.found[i], arena)

@@ -105,6 +105,35 @@ Token JSONTokenizer::nextToken()
     return firstToken([this] { return step(); });
 }
 
+/// The end of the number or lower-case literal at `at`; `at` itself if there is none.
+inline const char *JSONTokenizer::barewordEnd(const char *at) const
+{
+    if (*at == 't' || *at == 'f' || *at == 'n') {
+        const std::string_view word = *at == 't' ? "true" : (*at == 'f' ? "false" : "null");
+        return at + (std::memcmp(at, word.data(), word.size()) == 0 ? word.size() : 0);
+    }
+    at = skipNumberChars(at);
+    while (m_permissive && isIn(*at, charset::kPermissive)) {
+        ++at;
+    }
+    return at;
+}
+
+/// Scan the value of a leaf at `*at`; sets `*at` to the separator after it. Always inlined: it runs
+/// for nearly every value.
+[[gnu::always_inline]] inline bool JSONTokenizer::scanLeafValue(const char **at, Leaf *leaf)
+{
+    const bool quoted = **at == '"';
+    const char *const text = quoted ? *at + 1 : *at;
+    const char *const textEnd = quoted ? findStringStop(text, '"') : barewordEnd(text);
+    if (quoted ? *textEnd != '"' : textEnd == text) {
+        return false;
+    }
+    *at = skipSpaces(quoted ? textEnd + 1 : textEnd);
+    leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
+    return **at == ',' || **at == '}';
+}
+
 /// A member whose name and value have no escapes, up to the comma or brace after it.
 bool JSONTokenizer::takeLeaf(Leaf *leaf)
 {
@@ -133,34 +162,6 @@ bool JSONTokenizer::takeLeaf(Leaf *leaf)
     leaf->name = m_name = span(1, nameEnd, TextForm::Plain);
     leaf->hasText = true;
     return finishLeaf(*leaf, *at == ',' ? at + 1 : at);
-}
-
-/// The end of the number or lower-case literal at `at`; `at` itself if there is none.
-inline const char *JSONTokenizer::barewordEnd(const char *at) const
-{
-    if (*at == 't' || *at == 'f' || *at == 'n') {
-        const std::string_view word = *at == 't' ? "true" : (*at == 'f' ? "false" : "null");
-        return at + (std::memcmp(at, word.data(), word.size()) == 0 ? word.size() : 0);
-    }
-    at = skipNumberChars(at);
-    while (m_permissive && isIn(*at, charset::kPermissive)) {
-        ++at;
-    }
-    return at;
-}
-
-/// Scan the value of a leaf at `*at`; sets `*at` to the separator after it.
-inline bool JSONTokenizer::scanLeafValue(const char **at, Leaf *leaf)
-{
-    const bool quoted = **at == '"';
-    const char *const text = quoted ? *at + 1 : *at;
-    const char *const textEnd = quoted ? findStringStop(text, '"') : barewordEnd(text);
-    if (quoted ? *textEnd != '"' : textEnd == text) {
-        return false;
-    }
-    *at = skipSpaces(quoted ? textEnd + 1 : textEnd);
-    leaf->text = span(fromToken(text), textEnd, TextForm::Plain);
-    return **at == ',' || **at == '}';
 }
 
 /// Read one construct; returns None if it does not produce a token.

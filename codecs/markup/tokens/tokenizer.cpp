@@ -226,14 +226,6 @@ Token MarkupTokenizer::endOfData()
     return finish(Token::EndOfData);
 }
 
-RawText MarkupTokenizer::resolve(TextSpan span) const
-{
-    if (span.isExternal()) {
-        return externalText(span.offset());
-    }
-    return {m_data.get() + m_keep + span.offset(), span.size(), span.form()};
-}
-
 std::u16string_view MarkupTokenizer::text()
 {
     const RawText raw = m_data ? rawText() : RawText{};

@@ -139,7 +139,12 @@ public:
     /// Name or text of the current token, not decoded.
     RawText rawText() const { return resolve(m_text); }
     /// The text at `span`, which is relative to the start of the current token.
-    RawText resolve(TextSpan span) const;
+    RawText resolve(TextSpan span) const
+    {
+        return span.isExternal()
+                   ? externalText(span.offset())
+                   : RawText{m_data.get() + m_keep + span.offset(), span.size(), span.form()};
+    }
 
     /// The position after the current token: lines count from 1, columns from 0 in UTF-16 units.
     qint64 line() const { return position().line(); }
