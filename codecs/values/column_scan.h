@@ -85,6 +85,11 @@ public:
 private:
     template <class Place> void join(Form form, std::string_view text, Place &&place)
     {
+        if (m_hasValues && form.kind == m_kind && form.isUtc == m_isUtc && m_kind != Kind::Text) {
+            m_isKey = m_isKey && form.isKey;
+            m_isExact = m_isExact && form.isExact;
+            return; // nearly every value
+        }
         const std::optional<Kind> kind = m_hasValues ? joined(m_kind, form.kind) : form.kind;
         m_isUtc = m_hasValues ? m_isUtc : form.isUtc;
         m_isKey = m_isKey && form.isKey;

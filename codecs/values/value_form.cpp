@@ -206,6 +206,9 @@ Form formOfDecimal(const char *begin, const char *point, const char *end, char d
     if (!hasDigits) {
         return kText;
     }
+    if (number.end == end && end - begin <= kExactDigits) {
+        return {.kind = Kind::Decimal}; // as most are: exact whatever its digits are
+    }
     if (number.end != end) {
         const bool hasExponent = *number.end == 'e' || *number.end == 'E';
         number.exponent = hasExponent ? exponentOf(number.end + 1, end) : kLongestExponent + 1;
