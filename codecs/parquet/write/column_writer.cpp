@@ -54,7 +54,7 @@ size_t valueBytes(Storage storage)
 }
 
 /// Whether value `a` is less than value `b` in the order of the column.
-bool isBefore(Storage storage, std::string_view a, std::string_view b)
+inline bool isBefore(Storage storage, std::string_view a, std::string_view b)
 {
     switch (storage) {
     case Storage::Double:
@@ -177,7 +177,7 @@ ColumnWriter::Added ColumnWriter::addTyped(const uchar *cell)
 }
 
 /// Memory for `bytes` more bytes after the used ones.
-char *ColumnWriter::room(size_t bytes)
+inline char *ColumnWriter::room(size_t bytes)
 {
     if (m_values.size() - m_used < bytes) {
         m_values.resize(std::max(m_used + bytes, std::min(m_values.size() * 2, m_capacity)));
@@ -220,7 +220,7 @@ ColumnWriter::Added ColumnWriter::addText(const uchar *cell)
 }
 
 /// Add the value of `bytes` bytes that was stored after the used bytes.
-void ColumnWriter::addValue(size_t bytes, size_t prefix)
+inline void ColumnWriter::addValue(size_t bytes, size_t prefix)
 {
     const char *const plain = m_values.data() + m_used;
     const qint32 entries = m_index.size();
@@ -263,7 +263,7 @@ void ColumnWriter::count(ChangedValues *changed) const
     }
 }
 
-void ColumnWriter::addRow(uchar level)
+inline void ColumnWriter::addRow(uchar level)
 {
     m_levels.push_back(level);
     if (m_levels.size() == m_maxRows) {

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kFirstSlots = 1024;
 } // namespace
 
-std::string_view ValueIndex::value(quint32 number) const
+inline std::string_view ValueIndex::value(quint32 number) const
 {
     const size_t begin = number == 0 ? 0 : m_ends[number - 1];
     return {m_bytes.data() + begin, m_ends[number] - begin};
