@@ -5,6 +5,8 @@
 //   m_slots   [ -, 1, -, 0, ... ]           hash table: number of a value, or kFree
 #include "codecs/parquet/write/value_index.h"
 
+#include "base/bytes.h"
+
 #include <algorithm>
 #include <functional>
 
@@ -13,6 +15,21 @@ namespace corvanta::parquet {
 namespace {
 /// Number of slots of a table that is not empty; a power of two.
 constexpr size_t kFirstSlots = 1024;
+
+/// Whether values of the same size are equal. Most are short, and a comparison of their first and
+/// last bytes, which may overlap, is faster than a call of memcmp().
+inline bool haveSameBytes(std::string_view a, std::string_view b)
+{
+    constexpr size_t kWord = sizeof(quint64);
+    const auto isSame = [&](size_t at) {
+        return loadNative<quint64>(a.data() + at) == loadNative<quint64>(b.data() + at);
+    };
+    if (a.size() < kWord || a.size() > 3 * kWord) {
+        return a == b;
+    }
+    const size_t middle = a.size() > 2 * kWord ? kWord : 0;
+    return isSame(0) && isSame(middle) && isSame(a.size() - kWord);
+}
 } // namespace
 
 inline std::string_view ValueIndex::value(quint32 number) const
@@ -27,7 +44,10 @@ inline std::string_view ValueIndex::value(quint32 number) const
 {
     const size_t mask = m_slots.size() - 1;
     size_t slot = std::hash<std::string_view>()(plain) & mask;
-    while (m_slots[slot] != kFree && value(m_slots[slot]) != plain) {
+    const auto isPlain = [&](std::string_view other) {
+        return other.size() == plain.size() && haveSameBytes(other, plain);
+    };
+    while (m_slots[slot] != kFree && !isPlain(value(m_slots[slot]))) {
         slot = (slot + 1) & mask;
     }
     return slot;
