@@ -35,6 +35,7 @@ std::unique_ptr<PieceScan::Job> PieceScan::readPiece(ByteSource &source)
 {
     auto job = std::make_unique<Job>();
     QByteArray &text = job->piece.text;
+    text = std::exchange(m_spare, {});
     text.resize(std::max(m_pieceBytes, m_rest.size() + 1));
     std::copy(m_rest.begin(), m_rest.end(), text.begin());
     const qint64 room = text.size() - m_rest.size();
@@ -98,7 +99,7 @@ void PieceScan::run(ByteSource &source)
             return;
         }
         std::unique_ptr<Job> job = takeFirst();
-        const Piece &piece = job->piece;
+        Piece &piece = job->piece;
         if (!piece.isComplete) {
             scanRest(std::move(job), source);
             return;
@@ -109,6 +110,7 @@ void PieceScan::run(ByteSource &source)
             MemorySource text(piece.text);
             m_format.scanInOrder(text);
         }
+        m_spare = std::move(piece.text);
     }
 }
 

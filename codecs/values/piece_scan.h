@@ -101,6 +101,7 @@ private:
     const int m_workerCount;
     const qsizetype m_pieceBytes;
     QByteArray m_rest;        // read, and after the last cut
+    QByteArray m_spare;       // of a piece that is done: its memory is used again
     bool m_isEnded = false;   // no further piece is read
     bool m_hasFailed = false; // the source failed
 
