@@ -2,6 +2,7 @@
 #include "cli/batch/input_list.h"
 
 #include "cli/convert/file_arguments.h"
+#include "corvanta/corvanta_graph.h"
 #include "corvanta/files.h"
 
 #include <QDir>
@@ -110,6 +111,14 @@ Fault<ExitStatus> wrongNames(const QString &first, qsizetype count)
                                      first, count == 2 ? u"is 1"_s : u"are %1"_s.arg(count - 1)));
 }
 
+/// "jan_orders" of the member "jan.zip@2026/orders.csv": a file that is named after it must not
+/// have the name of a member, or readers would look for the archive.
+QString stemOfInput(const QString &name)
+{
+    const QString member = withoutArchive(name);
+    return member == name ? stemOf(name) : stemOf(fileOfInput(name)) + u'_' + stemOf(member);
+}
+
 } // namespace
 
 QString InputFile::label() const
@@ -132,7 +141,7 @@ qint64 InputFile::bytes() const
 QMap<QString, QString> InputFile::variables() const
 {
     QMap<QString, QString> all{{u"input"_s, file.name},
-                               {u"inputStem"_s, stemOf(file.name)},
+                               {u"inputStem"_s, stemOfInput(file.name)},
                                {u"inputIndex"_s, QString::number(index)}};
     if (piece) {
         all.insert(u"inputFirstRow"_s, QString::number(piece->firstRow));

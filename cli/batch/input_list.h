@@ -22,8 +22,8 @@ struct InputFile
     QString label() const;
     /// The size of the file, or the share of a piece in it.
     qint64 bytes() const;
-    /// The variables input, inputStem (stemOf()) and inputIndex; of a piece also inputFirstRow,
-    /// inputRowCount and inputPart.
+    /// The variables input, inputStem (stemOf(); with the archive of a member) and inputIndex; of a
+    /// piece also inputFirstRow, inputRowCount and inputPart.
     QMap<QString, QString> variables() const;
 };
 

@@ -10,6 +10,7 @@ import subprocess
 import sys
 import time
 import unittest
+import zipfile
 
 from batch_case import GRAPH, BatchCase
 
@@ -67,6 +68,10 @@ class Shards(BatchCase):
         self.assertEqual(self.counts("--inputs", "i?/a*.csv"), {"done": 1, "skipped": 2})
         self.assertEqual(self.counts("--inputs", "-", input=names[2] + "\n"), {"skipped": 1})
         self.assertEqual(self.outputs(), self.expected(3))
+        with zipfile.ZipFile(self.folder / "jan.zip", "w") as archive:
+            archive.write(self.folder / names[0], "2026/a.csv")
+        self.assertEqual(self.counts("--inputs", "-", input="jan.zip@2026/a.csv\n"), {"done": 1})
+        self.assertEqual(self.outputs()["jan_a_x.csv"], self.outputs()["a01_x.csv"])
 
     def test_variables(self):
         self.write_graph(GRAPH.replace("${inputStem}_${suffix}", "${inputIndex}"))
