@@ -12,7 +12,7 @@ LineFile::LineFile(const QString &name, qint64 offset)
 
 bool LineFile::next()
 {
-    constexpr qint64 kMaxBytes = 16 << 20;
+    constexpr qint64 kMaxBytes = 64 << 20; // a run that writes half a million files
     m_line.resize(0);
     m_bytes = 0;
     m_isComplete = false;

@@ -10,7 +10,7 @@ public:
     explicit LineFile(const QString &name, qint64 offset = 0);
     /// Read the next line; returns false at the end.
     bool next();
-    /// The line with its line feed. Of a line of more than 16 MiB, which is none of a batch, it is
+    /// The line with its line feed. Of a line of more than 64 MiB, which is none of a batch, it is
     /// the begin, without a line feed.
     const QByteArray &line() const { return m_line; }
     /// Whether the line has ended in the file; the last one may be completed later.
