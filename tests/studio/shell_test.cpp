@@ -184,6 +184,41 @@ TEST_F(Shell, PropertiesEditNameCommentAndPanelAsSteps)
     EXPECT_FALSE(document().isModified());
 }
 
+TEST_F(Shell, UndoInAFieldIsThatOfTheGraph)
+{
+    open();
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    canvas().select({u"table"_s});
+    const auto press = [](Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier | modifiers);
+    };
+    auto *const line = child<QWidget>("fileName").findChild<QLineEdit *>();
+    line->setFocus();
+    line->end(false);
+    QTest::keyClicks(line, u"x"_s);
+    EXPECT_EQ(document().undoStack()->count(), 1);
+    // In another field.
+    auto &name = child<QLineEdit>("actionName");
+    name.setFocus();
+    press({});
+    EXPECT_EQ(document().toXml(), QByteArray(kGraph));
+    EXPECT_EQ(line->text(), u"orders.csv"_s);
+    press(Qt::ShiftModifier);
+    EXPECT_EQ(line->text(), u"orders.csvx"_s);
+    // Letters that are no step yet.
+    name.end(false);
+    QTest::keyClicks(&name, u"y"_s);
+    press({});
+    EXPECT_EQ(name.text(), u"table"_s);
+    EXPECT_EQ(line->text(), u"orders.csvx"_s);
+    // In the field itself.
+    line->setFocus();
+    press({});
+    EXPECT_EQ(line->text(), u"orders.csv"_s);
+    EXPECT_FALSE(document().isModified());
+}
+
 TEST_F(Shell, SeveralActionsOfOneTypeChangeTogether)
 {
     open();

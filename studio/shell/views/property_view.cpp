@@ -4,6 +4,7 @@
 #include "corvanta/action_parameters.h"
 #include "corvanta/update_class_widget.h"
 #include "studio/document/graph_document.h"
+#include "studio/shell/views/field_undo.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -50,6 +51,7 @@ const ActionParameters *parametersOf(const GraphDocument &document, const QStrin
 
 PropertyView::PropertyView(QWidget *parent)
     : QWidget(parent)
+    , m_fieldUndo(new FieldUndo(this))
 {
     setObjectName(u"properties"_s);
     auto *const layout = new QVBoxLayout(this);
@@ -65,6 +67,7 @@ void PropertyView::show(GraphDocument *document, const QStringList &ids)
     }
     clear();
     m_document = document;
+    m_fieldUndo->follow(document != nullptr ? document->undoStack() : nullptr);
     m_ids = ids;
     if (document == nullptr || ids.isEmpty()) {
         showMessage(tr("Select an action to see its parameters."));

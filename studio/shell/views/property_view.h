@@ -17,6 +17,7 @@ struct ParameterInfo;
 
 namespace corvanta::studio {
 
+class FieldUndo;
 class GraphDocument;
 
 /// Every edit is a step of the document's undo stack. Threads: the GUI thread.
@@ -67,6 +68,7 @@ private:
     /// Set a parameter of all shown actions, as one step.
     void setParameter(const QString &parameter, const QString &value);
 
+    FieldUndo *m_fieldUndo;
     QPointer<GraphDocument> m_document;
     QStringList m_ids;
     QPointer<QWidget> m_page; // all fields; replaced with each selection
