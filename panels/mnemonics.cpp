@@ -19,6 +19,14 @@ qsizetype Mnemonics::findFree(const QString &text) const
     return -1;
 }
 
+void Mnemonics::reserve(const QString &text)
+{
+    const qsizetype mark = text.indexOf(u'&');
+    if (mark >= 0 && mark + 1 < text.size()) {
+        m_used.insert(text[mark + 1].toLower());
+    }
+}
+
 QString Mnemonics::assign(const QString &text)
 {
     const qsizetype chosen = findFree(text);

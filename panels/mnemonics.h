@@ -16,6 +16,9 @@ public:
     /// the start of a word. Without such a letter the text has no mnemonic. Ampersands of `text`
     /// are kept as visible characters.
     QString assign(const QString &text);
+    /// Take the letter that a text of the host has, such as a menu: two with one letter would get
+    /// the key in turn.
+    void reserve(const QString &text);
 
 private:
     /// Position of the letter to use; -1: none.

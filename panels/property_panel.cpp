@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QLabel>
+#include <QMenuBar>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
@@ -73,6 +74,20 @@ QSet<QString> namesIn(const PanelLayout &layout)
         }
     }
     return names;
+}
+
+/// Letters that no menu of the host has. The panel is not in its window yet.
+Mnemonics withoutMenus()
+{
+    Mnemonics mnemonics;
+    for (const QWidget *const window : QApplication::topLevelWidgets()) {
+        for (const QMenuBar *const bar : window->findChildren<QMenuBar *>()) {
+            for (const QAction *const menu : bar->actions()) {
+                mnemonics.reserve(menu->text());
+            }
+        }
+    }
+    return mnemonics;
 }
 
 } // namespace
@@ -139,7 +154,7 @@ void PropertyPanel::addGroups(const PanelLayout &layout)
             advanced.push_back(PanelField(info.name));
         }
     }
-    Mnemonics mnemonics;
+    Mnemonics mnemonics = withoutMenus();
     for (const PanelGroup &group : complete) {
         addGroup(group, mnemonics);
     }

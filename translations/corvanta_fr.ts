@@ -6096,12 +6096,12 @@ Actions&#xa0;: %2</translation>
         <translation>Corvanta</translation>
     </message>
     <message>
-        <source>&amp;Recent graphs</source>
-        <translation>Graphes &amp;récents</translation>
+        <source>Re&amp;cent graphs</source>
+        <translation>Graphes ré&amp;cents</translation>
     </message>
     <message>
-        <source>&amp;Examples</source>
-        <translation>&amp;Exemples</translation>
+        <source>E&amp;xamples</source>
+        <translation>Exe&amp;mples</translation>
     </message>
     <message>
         <source>&amp;New graph</source>

@@ -116,6 +116,36 @@ void expectUniqueMnemonics(const QMenuBar &bar)
     }
 }
 
+/// The letters of the menus lead nowhere else.
+void expectOwnLetters(const MainWindow &window)
+{
+    QSet<QKeySequence> letters;
+    for (const QAction *const menu : window.menuBar()->actions()) {
+        letters << QKeySequence::mnemonic(menu->text());
+    }
+    QStringList texts;
+    for (const QLabel *const label : window.findChildren<QLabel *>()) {
+        texts << (label->buddy() != nullptr ? label->text() : QString());
+    }
+    for (const QAbstractButton *const button : window.findChildren<QAbstractButton *>()) {
+        texts << button->text();
+    }
+    for (const QString &text : std::as_const(texts)) {
+        EXPECT_FALSE(letters.contains(QKeySequence::mnemonic(text))) << text.toStdString();
+    }
+}
+
+TEST_F(Shell, LettersOfMenusOpenTheirMenus)
+{
+    expectOwnLetters(window()); // the start page
+    trigger("file.new");
+    for (const auto &action : registry().prototypes()) {
+        canvas().select(
+            {document().addAction(QString::fromLatin1(action->getTypeName()), QPointF())});
+        expectOwnLetters(window());
+    }
+}
+
 TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
 {
     QMap<QString, QString> english;
@@ -125,6 +155,7 @@ TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
     expectUniqueMnemonics(*window().menuBar());
     shown.reset();
     const French french;
+    expectOwnLetters(window()); // the start page
     write(u"orders.csv"_s, "a\n1\n");
     open();
     for (const QAction *const command : window().commands().all()) {
@@ -135,6 +166,7 @@ TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
     EXPECT_EQ(child<QDockWidget>("dock.properties").windowTitle(), u"Propriétés"_s);
     EXPECT_EQ(child<QTreeView>("paletteTree").model()->index(0, 0).data(), u"Lire des fichiers"_s);
     canvas().select({u"table"_s});
+    expectOwnLetters(window());
     trigger("run.data");
     const auto *const rows = child<QTableView>("dataRows").model();
     EXPECT_TRUE(QTest::qWaitFor([&] { return rows->rowCount() == 1; }, 20000));

@@ -47,8 +47,8 @@ StartPage::StartPage(const Settings &settings, QWidget *parent)
     title->setFont(font);
     layout->addWidget(title);
     addButtons(layout);
-    m_recent = addList(layout, tr("&Recent graphs"), u"startRecent"_s);
-    m_examples = addList(layout, tr("&Examples"), u"startExamples"_s);
+    m_recent = addList(layout, tr("Re&cent graphs"), u"startRecent"_s);
+    m_examples = addList(layout, tr("E&xamples"), u"startExamples"_s);
     connect(m_recent, &QListWidget::itemActivated, this, [this](const QListWidgetItem *item) {
         Q_EMIT fileChosen(item->data(kFileRole).toString());
     });
