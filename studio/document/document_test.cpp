@@ -548,6 +548,11 @@ TEST_F(StudioDocument, ProblemsFollowTheEdits)
     plain->addAction(u"writeCSV"_s, {});
     ASSERT_TRUE(changed.wait(kTimeoutMs));
     EXPECT_TRUE(std::any_of(problems.begin(), problems.end(), isOf(u"writeCSV"_s)));
+    // In one line.
+    const auto line = open("<graph><action id='a'><readCSV/></action>"
+                           "<action id='b'><other/></action></graph>");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !line->problems().isEmpty(); }, kTimeoutMs));
+    EXPECT_EQ(line->problems().value(0).action, u"b"_s);
 }
 
 TEST_F(StudioDocument, ColumnsOfInputsAreKeptUntilSomethingBeforeThemChanges)

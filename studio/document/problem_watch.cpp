@@ -1,5 +1,5 @@
-// Checks a copy of the document. A problem names its line; the line belongs to the action that
-// begins there or before.
+// Checks a copy of the document. A problem names its action, or only its line; the line belongs to
+// the action that begins there or before.
 #include "studio/document/problem_watch.h"
 
 #include <QRegularExpression>
@@ -29,6 +29,18 @@ QString actionAtLine(const CorvantaGraph &graph, int line)
     return isLink ? QString() : id;
 }
 
+/// The id of the action that a text begins with; empty if it names none.
+QString actionNamedIn(const CorvantaGraph &graph, const QString &text)
+{
+    constexpr auto kBefore = "the action '"_L1;
+    const QStringView rest =
+        QStringView(text).sliced(text.startsWith(kBefore) ? kBefore.size() : 0);
+    const auto found = std::ranges::find_if(graph.actions, [&](const auto &action) {
+        return rest.startsWith(action.id) && rest.sliced(action.id.size()).startsWith("' "_L1);
+    });
+    return found == graph.actions.end() ? QString() : found->id;
+}
+
 /// Without "FILE:LINE: ".
 GraphProblem problemOf(const CorvantaGraph &graph, const CorvantaGraph::Problem &problem)
 {
@@ -38,7 +50,9 @@ GraphProblem problemOf(const CorvantaGraph &graph, const CorvantaGraph::Problem 
         found.text.remove(0, graph.fileName.size());
         const QRegularExpressionMatch match = place.match(found.text);
         found.text.remove(0, match.capturedLength());
-        if (match.hasCaptured(1)) {
+        // Some programs write a graph in one line.
+        found.action = actionNamedIn(graph, found.text);
+        if (found.action.isEmpty() && match.hasCaptured(1)) {
             found.action = actionAtLine(graph, match.captured(1).toInt());
         }
     }
