@@ -143,16 +143,8 @@
         <translation>&amp;Copier comme commande</translation>
     </message>
     <message>
-        <source>Copy the command line that runs the graph</source>
-        <translation>Copier la ligne de commande qui exécute le graphe</translation>
-    </message>
-    <message>
         <source>As Shell Sc&amp;ript...</source>
         <translation>En sc&amp;ript shell...</translation>
-    </message>
-    <message>
-        <source>Save a script that runs the graph</source>
-        <translation>Enregistrer un script qui exécute le graphe</translation>
     </message>
     <message>
         <source>&amp;Close</source>
@@ -605,6 +597,22 @@
     <message>
         <source>Write a note on the canvas that belongs to no action</source>
         <translation>Écrire sur le canevas une note qui n’appartient à aucune action</translation>
+    </message>
+    <message>
+        <source>Save the graph and copy the command that runs it</source>
+        <translation>Enregistrer le graphe et copier la commande qui l&apos;exécute</translation>
+    </message>
+    <message>
+        <source>Save the graph and a script that runs it</source>
+        <translation>Enregistrer le graphe et un script qui l&apos;exécute</translation>
+    </message>
+    <message>
+        <source>Delete and &amp;Join</source>
+        <translation>Supprimer et &amp;joindre</translation>
+    </message>
+    <message>
+        <source>Remove the selected actions and link those around them</source>
+        <translation>Supprimer les actions sélectionnées et lier celles qui les entourent</translation>
     </message>
 </context>
 <context>
@@ -5339,6 +5347,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
     <message>
         <source>The script cannot be written: %1</source>
         <translation>Le script ne peut pas être écrit&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The graph was saved. Copied: %1</source>
+        <translation>Le graphe a été enregistré. Copié&#xa0;: %1</translation>
     </message>
 </context>
 <context>

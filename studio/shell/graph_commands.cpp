@@ -364,10 +364,12 @@ bool GraphCommands::hasFile()
 void GraphCommands::copyCommand()
 {
     // A shell may be in any folder, so the command has the full name of the file.
+    const bool wasModified = document()->isModified();
     if (hasFile()) {
         const QString command = runCommandText(document()->fileName());
         QGuiApplication::clipboard()->setText(command);
-        Q_EMIT reported(tr("Copied: %1").arg(command));
+        Q_EMIT reported(
+            (wasModified ? tr("The graph was saved. Copied: %1") : tr("Copied: %1")).arg(command));
     }
 }
 

@@ -231,8 +231,11 @@ TEST_F(Shell, CommandAndScriptRunTheGraph)
     write(u"orders.csv"_s, "a\n1\n");
     const QString name = write(u"it's 100%1 $HOME.graph"_s, kGraph);
     window().workspace()->open(name);
+    document().setComment(u"table"_s, u"x"_s);
     trigger("export.command");
     EXPECT_EQ(QApplication::clipboard()->text(), runCommandText(name));
+    EXPECT_FALSE(document().isModified());
+    EXPECT_TRUE(window().statusBar()->currentMessage().contains(u"was saved"_s));
     const QString script = write(u"run.sh"_s, runScriptText(name, path(u"run.sh"_s)).toUtf8());
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
