@@ -5511,6 +5511,14 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>Move note</source>
         <translation>Déplacer la note</translation>
     </message>
+    <message>
+        <source>Remove “%1” and join its neighbours</source>
+        <translation>Supprimer «&#xa0;%1&#xa0;» et lier ses voisines</translation>
+    </message>
+    <message>
+        <source>Remove %1 actions and join their neighbours</source>
+        <translation>Supprimer %1 actions et lier leurs voisines</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::GraphRun</name>

@@ -81,7 +81,14 @@ private:
             m_document.addAction(anyType(), place());
         }
     }
-    void remove() { m_document.remove({anyId()}, {anyLink()}); }
+    void remove()
+    {
+        if (number(3) == 0) {
+            m_document.removeAndJoin({anyId()});
+        } else {
+            m_document.remove({anyId()}, {anyLink()});
+        }
+    }
     void link() { m_document.addLink(anyPin(), anyPin()); }
     void reroute() { m_document.reroute(anyLink(), {anyPin(), anyPin()}); }
     void insert()

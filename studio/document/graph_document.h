@@ -146,6 +146,8 @@ public:
     /// Remove actions with their links, links, and notes by their keys.
     void remove(const QStringList &ids, const QVector<LinkRef> &links = {},
                 const QVector<int> &notes = {});
+    /// Remove actions, and give those after them the rows of their first input.
+    void removeAndJoin(const QStringList &ids);
     /// Whether an input pin exists and is free; if not, `why` gets a sentence for the user.
     bool isFree(const PinRef &to, QString *why = nullptr, const LinkRef *replaced = nullptr) const;
     /// Whether the link is possible; if not, `why` gets a sentence for the user. `replaced` is a

@@ -3,6 +3,7 @@
 #include "studio/document/layered_layout.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace corvanta::studio {
 
@@ -140,6 +141,33 @@ bool GraphDocument::insertIntoLink(const QString &id, const LinkRef &link, QStri
         }
     });
     return true;
+}
+
+// One by one, so that a chain that is removed is joined at its ends.
+void GraphDocument::removeAndJoin(const QStringList &ids)
+{
+    if (ids.isEmpty()) {
+        return;
+    }
+    const QString text = ids.size() == 1
+                             ? tr("Remove “%1” and join its neighbours").arg(ids.first())
+                             : tr("Remove %1 actions and join their neighbours").arg(ids.size());
+    push(text, [&](Content &content) {
+        for (const QString &id : ids) {
+            const auto first = std::ranges::min_element(content.wires, {}, [&](const Wire &wire) {
+                return wire.ends.to.action == id ? wire.ends.to.pin : INT_MAX;
+            });
+            const bool hasInput = first != content.wires.end() && first->ends.to.action == id;
+            const PinRef source = hasInput ? first->ends.from : PinRef{id, 0};
+            for (Wire &wire : content.wires) {
+                wire.ends.from = wire.ends.from.action == id ? source : wire.ends.from;
+            }
+            content.wires.removeIf([&](const Wire &wire) {
+                return wire.ends.from.action == id || wire.ends.to.action == id;
+            });
+            content.nodes.removeIf([&](const NodePtr &node) { return node->id == id; });
+        }
+    });
 }
 
 } // namespace corvanta::studio

@@ -105,6 +105,9 @@ constexpr CommandInfo kCommands[] = {
      QT_TRANSLATE_NOOP("Commands", "Add copies of the selected actions")},
     {"edit", "edit.delete", QT_TRANSLATE_NOOP("Commands", "&Delete"), "Del; Backspace",
      QT_TRANSLATE_NOOP("Commands", "Remove the selected actions and links"), kOfGraph},
+    {"edit", "edit.deleteJoin", QT_TRANSLATE_NOOP("Commands", "Delete and &Join"), "Ctrl+Del",
+     QT_TRANSLATE_NOOP("Commands", "Remove the selected actions and link those around them"),
+     kOfGraph},
     {"edit", "edit.selectAll", QT_TRANSLATE_NOOP("Commands", "Select &All"), "Ctrl+A",
      QT_TRANSLATE_NOOP("Commands", "Select all actions"), kOfGraph | kSeparatorAfter},
     {"edit", "edit.rename", QT_TRANSLATE_NOOP("Commands", "Re&name"), "F2",
@@ -365,7 +368,7 @@ void Commands::fillContextMenu(QMenu *menu) const
     for (const char *const name :
          {"graph.add", "graph.note", "graph.link", "graph.insert", "", "run.here", "run.data", "",
           "edit.rename", "edit.comment", "", "edit.cut", "edit.copy", "edit.paste",
-          "edit.duplicate", "edit.delete", "", "help.action"}) {
+          "edit.duplicate", "edit.delete", "edit.deleteJoin", "", "help.action"}) {
         if (*name == 0) {
             menu->addSeparator();
         } else {

@@ -133,6 +133,8 @@ void GraphCommands::connectEdits()
     m_commands.onTrigger("edit.duplicate", this,
                          [this] { select(document()->duplicate(selectedIds())); });
     onCanvas("edit.delete", &CanvasView::removeSelection);
+    m_commands.onTrigger("edit.deleteJoin", this,
+                         [this] { document()->removeAndJoin(selectedIds()); });
     m_commands.onTrigger("edit.selectAll", this, [this] { select(document()->ids()); });
     onCanvas("graph.note", &CanvasView::addNote);
     m_commands.onTrigger("graph.layout", this, [this] {
@@ -234,7 +236,7 @@ void GraphCommands::update()
     };
     enable({"edit.undo"}, hasGraph && document()->undoStack()->canUndo());
     enable({"edit.redo"}, hasGraph && document()->undoStack()->canRedo());
-    enable({"edit.cut", "edit.copy", "edit.duplicate"}, count > 0);
+    enable({"edit.cut", "edit.copy", "edit.duplicate", "edit.deleteJoin"}, count > 0);
     enable({"edit.delete"}, count + links + selectedNotes().size() > 0);
     enable({"edit.paste", "edit.selectAll", "view.zoomIn", "view.zoomOut", "view.zoomReset",
             "view.zoomFit", "graph.note", "graph.layout", "export.svg", "export.png", "export.pdf",

@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QProcess>
 #include <QSet>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTranslator>
 #include <QTreeView>
@@ -222,6 +223,25 @@ TEST_F(Shell, CommandsChangeTheGraph)
     trigger("view.dark");
     EXPECT_EQ(settings.theme(), Theme::Dark);
     trigger("view.dark");
+}
+
+TEST_F(Shell, DeletedActionsLeaveTheirNeighboursLinked)
+{
+    GraphDocument &graph = open();
+    graph.addLink({u"sort"_s, 0}, {graph.addAction(u"writeJSON"_s, {}), 0});
+    const QByteArray before = graph.toXml();
+    canvas().select({u"sort"_s});
+    trigger("edit.deleteJoin");
+    EXPECT_EQ(graph.ids().size(), 3);
+    EXPECT_EQ(graph.links(), (QVector<LinkRef>{{{u"table"_s, 0}, {u"book"_s, 0}},
+                                               {{u"table"_s, 0}, {u"writeJSON"_s, 0}}}));
+    trigger("edit.undo");
+    EXPECT_EQ(graph.toXml(), before);
+    // Without rows before them, those after them have none.
+    canvas().select({u"table"_s, u"sort"_s});
+    trigger("edit.deleteJoin");
+    EXPECT_EQ(graph.ids().size(), 2);
+    EXPECT_TRUE(graph.links().isEmpty());
 }
 
 TEST_F(Shell, CommandAndScriptRunTheGraph)
