@@ -121,6 +121,9 @@ TEST_F(StudioDocument, AnEditChangesOnlyItsOwnText)
     expectText(u"\n  <link from='in:0' to='out:0'/>"_s, {});
     document->setVariable(u"year"_s, {});
     expectText(u"\n  <variable name=\"year\" value='2024'/>"_s, {});
+    document->remove({u"in"_s});
+    EXPECT_TRUE(document->toXml().contains("<!-- of the data -->"));
+    document->undoStack()->undo();
     ASSERT_TRUE(document->setParameter({u"in"_s}, u"fileName"_s, m_folder.filePath(u"c.csv"_s)));
     const QString text = QString::fromUtf8(document->toXml());
     EXPECT_TRUE(text.contains("<!-- input --><readCSV "_L1) && text.contains("'c.csv'"_L1) &&
@@ -271,10 +274,31 @@ TEST_F(StudioDocument, ANewGraphIsTheSameTextAsTheHostWrites)
     EXPECT_EQ(document.toXml(), "<graph version='4.12'>\n</graph>\n");
 }
 
+TEST_F(StudioDocument, OtherEncodingsBecomeUtf8)
+{
+    const QByteArray begin = "<?xml version='1.0' encoding='ISO-8859-1'?>\n<!-- mine -->\n";
+    const auto ascii = open(begin + "<graph>\n  <action id='in'><sort/></action>\n</graph>\n");
+    ascii->setComment(u"in"_s, u"\u00E9"_s);
+    EXPECT_TRUE(ascii->toXml().contains("encoding='UTF-8'?>\n<!-- mine -->\n<graph>"));
+    EXPECT_EQ(open(ascii->toXml())->comment(u"in"_s), u"\u00E9"_s);
+    // The bytes of a character in UTF-8 are two characters here.
+    for (const char *const bytes : {"\xE9", "\xC3\xA9"}) {
+        const auto document =
+            open(begin + "<graph><action id='a' comment='" + bytes + "'><sort/></action></graph>");
+        EXPECT_EQ(document->comment(u"a"_s), QString::fromLatin1(bytes));
+        EXPECT_EQ(open(document->toXml())->comment(u"a"_s), QString::fromLatin1(bytes));
+    }
+    for (const QByteArray &bad :
+         {QByteArray("x"), QByteArray("<"), QByteArray("<\0g\0/\0>\0", 8)}) {
+        EXPECT_FALSE(GraphDocument::open(write(u"bad.graph"_s, bad), test::allActions()));
+    }
+}
+
 TEST_F(StudioDocument, WindowsLineEndsAndMarksSurvive)
 {
-    const QByteArray text =
-        "\xEF\xBB\xBF<graph>\r\n  <action id='a'>\r\n    <readCSV/></action>\r\n</graph>";
+    const QByteArray text = "\xEF\xBB\xBF<graph>\r\n  <variable name='v' value='1'/>\r\n"
+                            "  <variable name='v' value='2'/>\r\n" // the last one counts
+                            "  <action id='a'>\r\n    <readCSV/></action>\r\n</graph>";
     const auto document = open(text);
     EXPECT_EQ(document->toXml(), text);
     document->addAction(u"readJSON"_s, {1, 1});

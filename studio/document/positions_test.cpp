@@ -45,6 +45,14 @@ TEST(StudioPositions, ALoopBeginsAtTheTopToo)
     EXPECT_GT(folder.document->position(u"b"_s).y(), 0);
 }
 
+// What was only shown until now would move when the file is opened again.
+TEST(StudioPositions, TheOriginIsAPositionToo)
+{
+    const test::StudioFolder folder("<action id='a'><sort/></action>");
+    folder.document->addAction(u"sort"_s, {300, 0});
+    EXPECT_TRUE(folder.document->toXml().contains("<action id='a' x='0' y='0'>"));
+}
+
 // The search for a free place would not end, and a canvas cannot draw it.
 TEST(StudioPositions, PositionsAreWhereTheCanvasCanDraw)
 {

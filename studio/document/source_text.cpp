@@ -14,6 +14,7 @@
 
 #include <QHash>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QStringDecoder>
 #include <QXmlStreamReader>
 
@@ -169,6 +170,21 @@ QString newElement(const Note &note)
            attributeText(u"text"_s, note.text) + kNoteEnd;
 }
 
+/// Replace another encoding in the declaration of a document. Returns false if the document has
+/// characters that have other bytes in that encoding.
+bool declareUtf8(QString *text)
+{
+    static const QRegularExpression declaration(
+        u"^<\\?xml\\s[^>]*\\bencoding\\s*=\\s*[\"']([^\"']*)"_s);
+    const auto found = declaration.match(*text);
+    if (!found.hasMatch() || found.capturedView(1).compare("UTF-8"_L1, Qt::CaseInsensitive) == 0) {
+        return true;
+    }
+    const bool isAscii = std::ranges::all_of(*text, [](QChar c) { return c.unicode() < 0x80; });
+    text->replace(found.capturedStart(1), found.capturedLength(1), u"UTF-8"_s);
+    return isAscii;
+}
+
 QString newVariable(const QString &name, const QString &value)
 {
     return u"<variable"_s + attributeText(u"name"_s, name) + attributeText(u"value"_s, value) +
@@ -186,12 +202,13 @@ bool SourceText::split(const QByteArray &document)
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
                                                      QStringDecoder::Flag::ConvertInitialBom);
     m_text = decoder(document);
-    // A declaration of another encoding would make the saved text wrong.
-    if (decoder.hasError() || m_text.toUtf8() != document) {
+    // What is saved is UTF-8, which another declaration would make wrong.
+    const bool isUtf8 = !decoder.hasError() && m_text.toUtf8() == document && declareUtf8(&m_text);
+    const MarkupRange root = isUtf8 ? firstElement(m_text, 0) : MarkupRange();
+    if (root.begin < 0) {
         m_text.clear();
         return false;
     }
-    const MarkupRange root = firstElement(m_text, 0);
     qsizetype at = endOfMarkup(m_text, root.begin);
     if (m_text[at - 2] == u'/') { // "<graph/>"
         m_text.clear();
