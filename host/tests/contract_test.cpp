@@ -67,6 +67,9 @@ TEST(OneRow, CellsOfEveryTypeAsTextAndNumber)
     bool isKey = true;
     row.colAsKey(1, &isKey);
     EXPECT_FALSE(isKey) << "a double beyond 32 bits is not a key";
+    row.setCol(0, cell::missingKeyCell());
+    EXPECT_TRUE(cell::isMissingDouble(row.colAsDouble(0, &isKey)));
+    EXPECT_FALSE(isKey);
     EXPECT_EQ(row.getIndexOfColumn(u"t"_s), 2);
     EXPECT_EQ(row.getIndexOfColumn(u"T"_s), -1);
 }

@@ -376,9 +376,10 @@ TEST(Parameters, SavedForms)
          "name='r'>\n"
          "    <axis pinIdx='2'>a</axis>\n    <axis pinIdx='0'>b</axis>\n"
          "    <axis pinIdx='0'>c</axis>\n  </Chart>\n</writeReport>\n"},
-        {"<writeSAS f1='1.5' fileName='x'><StringColDef><CD n='c' "
+        {"<writeSAS f1='0.12345678901234566' fileName='x'><StringColDef><CD n='c' "
          "l='8'/></StringColDef></writeSAS>",
-         "<writeSAS version='2.08' fileName='x' f1='1.5'>\n  <StringColDef>\n    <CD n='c' l='8' "
+         "<writeSAS version='2.08' fileName='x' f1='0.12345678901234566'>\n  <StringColDef>\n    "
+         "<CD n='c' l='8' "
          "ol='0'/>\n"
          "  </StringColDef>\n</writeSAS>\n"},
     };
