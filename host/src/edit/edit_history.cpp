@@ -171,7 +171,7 @@ private:
             }
             return;
         }
-        const bool isKept = isStructure && isSame && !elementsOf(m_before, info.name).isEmpty();
+        const bool isKept = isStructure && !elementsOf(m_before, info.name).isEmpty();
         m_out << elementsOf(isKept ? m_before : m_saved, info.name).toStdWString();
     }
 
