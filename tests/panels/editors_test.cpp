@@ -3,6 +3,7 @@
 #include "panels/colors.h"
 #include "panels/column_picker.h"
 #include "panels/file_field.h"
+#include "panels/glyphs.h"
 #include "panels/mnemonics.h"
 #include "panels/note_label.h"
 #include "tests/panels/panel_keys.h"
@@ -495,4 +496,15 @@ TEST(Editors, RemarksAndProblemsAreReadableOnAnyBackground)
     }
     EXPECT_NEAR(contrastOf(Qt::black, Qt::white), 21, 0.01);
     EXPECT_GE(contrastOf(readableOn(Qt::gray, Qt::gray), Qt::gray), kTextContrast);
+    // One step is enough, and keeps the colour close to the wanted one.
+    EXPECT_LT(contrastOf(readableOn(Qt::white, QColor(0x77, 0x77, 0x77)), Qt::white), 5);
+}
+
+TEST(Notes, TheTextIsBesideTheMark)
+{
+    NoteLabel note;
+    note.setNote(NoteLabel::Kind::Error, u"text"_s);
+    EXPECT_GT(note.contentsMargins().left(), scaledToFont(14, note.fontMetrics()));
+    note.setNote(NoteLabel::Kind::Remark, u"text"_s);
+    EXPECT_EQ(note.contentsMargins().left(), 0);
 }

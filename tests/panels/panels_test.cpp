@@ -364,6 +364,9 @@ TEST(PanelEdits, TypingInOneFieldIsOneStep)
     ASSERT_NE(again, nullptr);
     restoreParameters(*editor.action, again->after);
     EXPECT_EQ(editor.value(u"fileName"_s), u"abc"_s);
+    line->setFocus();
+    QTest::keyClicks(line, u"x"_s);
+    EXPECT_EQ(editor.history.redo(), nullptr) << "the steps that were undone are of another state";
 }
 
 TEST(PanelEdits, WhatTheActionDoesNotKnowSurvives)

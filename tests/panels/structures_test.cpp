@@ -300,6 +300,26 @@ TEST(Charts, AChosenTemplateBringsItsCharts)
     EXPECT_EQ(charts.value(), QString());
 }
 
+TEST(Charts, TheColumnsOfThePinAreOffered)
+{
+    MainUI::EditorHooks hooks;
+    hooks.inputColumns = [](ActionItem *, int pin) {
+        TableSchema schema;
+        schema.names = {pin == 0 ? u"a"_s : u"b"_s};
+        return schema;
+    };
+    MainUI::setEditorHooks(hooks);
+    const Structure charts(
+        "<writeReport output='o.docx' nPinIn='2'><Chart type='0' name='x'><axis pinIdx='0'>a</axis>"
+        "</Chart><Chart type='0' name='y'><axis pinIdx='1'>b</axis></Chart></writeReport>",
+        u"Chart"_s);
+    for (const int chart : {0, 1, 0}) {
+        charts.tree()->setCurrentItem(charts.tree()->topLevelItem(chart));
+        const QList<QComboBox *> boxes = charts.field(u"axis"_s)->findChildren<QComboBox *>();
+        EXPECT_EQ(textsOf(*boxes[1]), QStringList(chart == 0 ? u"a"_s : u"b"_s));
+    }
+}
+
 TEST(Charts, PinsAreAddedAndRemovedByTheAction)
 {
     int edits = 0;
@@ -366,6 +386,10 @@ TEST(DocTables, MarkersAndStylesOfTheTemplateAreOffered)
     EXPECT_TRUE(std::any_of(notes.begin(), notes.end(), [](const QLabel *note) {
         return note->isVisible() && note->text().contains("twentieths of a point"_L1);
     }));
+    ActionParameters &parameters = panels::parametersOf(tables.action);
+    parameters.setParameterValue(parameters.indexOfParameter(u"template"_s), {});
+    static_cast<UpdateClassWidget *>(tables.panel.get())->refresh();
+    EXPECT_FALSE(offered(0).contains(u"T1"_s));
 }
 
 TEST(Structures, KeepWhatTheTableDoesNotDeclare)
