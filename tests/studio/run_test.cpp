@@ -173,6 +173,10 @@ TEST(GraphRun, FailuresAreInTheLogWithTheirActions)
     EXPECT_TRUE(panel.shownText().startsWith(u"[in] "_s));
     panel.findChild<QLineEdit *>(u"logText"_s)->setText(u"reason: "_s);
     EXPECT_EQ(view->model()->rowCount(), 1);
+    const auto *const actions = panel.findChild<QComboBox *>(u"logAction"_s);
+    EXPECT_EQ(actions->count(), 2) << "all, and the one with messages";
+    runs.controller.log()->clear();
+    EXPECT_EQ(actions->count(), 1);
 }
 
 TEST(GraphRun, AnInvalidGraphIsReported)
