@@ -56,7 +56,8 @@ private:
 /// Sizes of the font. On sharper screens the larger ones are laid out as on others.
 std::vector<double> scalesToTest()
 {
-    return qEnvironmentVariableIsSet("QT_SCALE_FACTOR") ? std::vector{1.0} : std::vector{1.0, 1.5, 2.0};
+    return qEnvironmentVariableIsSet("QT_SCALE_FACTOR") ? std::vector{1.0}
+                                                        : std::vector{1.0, 1.5, 2.0};
 }
 
 bool showsWholeChoice(const QComboBox &box)
