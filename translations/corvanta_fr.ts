@@ -4171,6 +4171,14 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>the part &apos;%1&apos; does not have the extension of a %2 file, as the output has; convert joins files of several formats</source>
         <translation>la partie « %1 » n’a pas l’extension d’un fichier %2, comme le fichier écrit ; convert réunit des fichiers de plusieurs formats</translation>
     </message>
+    <message>
+        <source>no link leads to this writer</source>
+        <translation>aucun lien ne mène à cette action d&apos;écriture</translation>
+    </message>
+    <message>
+        <source>no link leads to its input pins</source>
+        <translation>aucun lien ne mène à ses entrées</translation>
+    </message>
 </context>
 <context>
     <name>QPlatformTheme</name>

@@ -177,6 +177,10 @@ TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
     const auto &status = child<QLabel>("runStatusText");
     EXPECT_TRUE(QTest::qWaitFor([&] { return status.text().startsWith(u"Terminé"_s); }, 20000))
         << status.text().toStdString();
+    document().addAction(u"union"_s, {});
+    auto &problems = child<QTreeWidget>("problems");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return problems.topLevelItemCount() > 0; }, 20000));
+    EXPECT_EQ(problems.topLevelItem(0)->text(1), u"aucun lien ne mène à ses entrées"_s);
     document().setComment(u"table"_s, u"x"_s);
     EXPECT_EQ(document().undoStack()->undoText().section(u' ', 0, 0), u"Commenter"_s);
     answer(u"Annuler"_s); // Qt's own button

@@ -260,7 +260,8 @@ void ActionCheck::checkLinks()
             return info.file == ParameterInfo::File::Output;
         });
     add(m_action.parameters.line(),
-        isWriter ? u"no link leads to this writer"_s : u"no link leads to its input pins"_s,
+        isWriter ? QCoreApplication::translate("Problems", "no link leads to this writer")
+                 : QCoreApplication::translate("Problems", "no link leads to its input pins"),
         Kind::Idle);
 }
 
