@@ -326,8 +326,7 @@ CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QS
         return badUsage(u"%1: '%2' is not a list of file names (it has a zero byte); a list is a "
                         "text with one name per line"_s.arg(option, fileName));
     }
-    QString text = QString::fromUtf8(bytes);
-    text.remove(0, text.startsWith(QChar::ByteOrderMark) ? 1 : 0);
+    const QString text = QString::fromUtf8(bytes); // without a byte-order mark
     QVector<ListedName> names;
     qsizetype number = 0;
     for (QStringView line : QStringView(text).split(u'\n')) {
