@@ -86,6 +86,10 @@ class Shards(BatchCase):
         self.write_graph(GRAPH)
         self.counts("--inputs", "list.txt", "--set", "suffix=${input}%1")
         self.assertIn("b.2026_${input}%1.csv", self.outputs())
+        os.rename(self.folder / names[0], self.folder / "in/.csv")
+        self.write_list(["in/.csv"])
+        self.counts("--inputs", "list.txt")
+        self.assertIn(".csv_x.csv", self.outputs())  # a stem is never empty
 
     def test_array_of_a_scheduler(self):
         self.write_inputs(4)

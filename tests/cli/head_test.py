@@ -92,6 +92,14 @@ class Head(Case):
         self.put("empty.json", "[]")
         self.assertEqual(self.corvanta("head", "empty.json").stdout, "value\n-----\n")
 
+    def test_json_distinguishes_names_and_empty_cells(self):
+        self.put("in.csv", 'k,k,t\n1,2,""\n3,4,\n')
+        self.assertEqual(json.loads(self.corvanta("head", "in.csv", "--json").stdout),
+                         [{"k": "1", "k_2": "2", "t": ""}, {"k": "3", "k_2": "4", "t": None}])
+        # The settings of --reader win over other options.
+        self.put("in.csv", "a;b\n1;2\n")
+        self.assertEqual(json.loads(self.corvanta("head", "in.csv", "--json", "--separator", ",", "--reader", "separator=;").stdout), [{"a": 1, "b": 2}])
+
     def test_long_cells_are_whole_but_on_a_terminal(self):
         self.put("in.csv", "a,b,c\n" + "x" * 300 + "," + "y" * 5000 + ",z\n")
         line = self.corvanta("head", "in.csv").stdout.splitlines()[2]

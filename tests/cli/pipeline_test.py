@@ -295,6 +295,9 @@ class Targets(Case):
         self.assertIn("'out.json' exists already, and --no-clobber keeps it", self.said)
         self.assertEqual(self.content("out.json"), b"old")
         self.convert("in.csv", "new.json", "--no-clobber")
+        (self.folder / "link.json").symlink_to("later.json")
+        self.convert("in.csv", "link.json", "--no-clobber", status=1)
+        self.assertFalse((self.folder / "later.json").exists())
 
     def test_a_file_becomes_its_own_output(self):
         self.convert("in.csv", "in.csv", "--where", "a > 1")
