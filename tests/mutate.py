@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Check whether the tests notice faults: mutate.py [N [SEED]] [--slow] [--only FOLDER]
 
-Changes one operator in a source of codecs, io, actions or host/src, builds, and runs the tests that the change reaches:
+Changes one operator in a source of the folders below or of FOLDER, builds, and runs the tests that the change reaches:
 first the test programs that were linked again, then the graph cases and scripts, and with --slow the slow tests. N faults
 (default 20) are tried. The same SEED (default 1) chooses the same faults in the same sources. It works on a clone of the
 last commit in build/mutate, so the work tree is not touched. Prints one line for each fault, those that no test noticed
@@ -19,7 +19,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CLONE = ROOT / "build/mutate"
 BUILD = CLONE / "build/release"
-FOLDERS = ["codecs", "io", "actions", "host/src"]
+FOLDERS = ["base", "codecs", "io", "actions", "host/src", "cli", "panels", "studio"]
 ASKED_SCORE = 0.85
 TEST_SECONDS = 60  # a test that takes longer has noticed the fault: it hangs
 SWAPS = [(r" < ", " <= "), (r" <= ", " < "), (r" > ", " >= "), (r" >= ", " > "), (r" == ", " != "), (r" != ", " == "), (r" && ", " || "),
