@@ -235,6 +235,9 @@ TEST_F(StudioDocument, OtherEncodingsBecomeUtf8)
     ascii->setComment(u"in"_s, u"\u00E9"_s);
     EXPECT_TRUE(ascii->toXml().contains("encoding='UTF-8'?>\n<!-- mine -->\n<graph>"));
     EXPECT_EQ(open(ascii->toXml())->comment(u"in"_s), u"\u00E9"_s);
+    const QByteArray utf8 =
+        "<?xml version='1.0' encoding='utf8'?>\n<graph><!-- \xC3\xA9 --></graph>";
+    EXPECT_EQ(open(utf8)->toXml(), utf8);
     // The bytes of a character in UTF-8 are two characters here.
     for (const char *const bytes : {"\xE9", "\xC3\xA9"}) {
         const auto document =

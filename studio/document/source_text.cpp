@@ -177,7 +177,8 @@ bool declareUtf8(QString *text)
     static const QRegularExpression declaration(
         u"^<\\?xml\\s[^>]*\\bencoding\\s*=\\s*[\"']([^\"']*)"_s);
     const auto found = declaration.match(*text);
-    if (!found.hasMatch() || found.capturedView(1).compare("UTF-8"_L1, Qt::CaseInsensitive) == 0) {
+    const QString letters = found.captured(1).remove(u'-').remove(u'_'); // as the host reads it
+    if (!found.hasMatch() || letters.compare("UTF8"_L1, Qt::CaseInsensitive) == 0) {
         return true;
     }
     const bool isAscii = std::ranges::all_of(*text, [](QChar c) { return c.unicode() < 0x80; });
