@@ -252,14 +252,16 @@ class Batches(BatchCase):
             os.mkfifo(self.folder / name)
         words = [self.corvanta, "batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt", "--backend", backend, "--per-task", "1",
                  "--max-running", "2"]
-        with subprocess.Popen(words, cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
-            self.wait_until(lambda: len(list((self.folder / "out/g.batch/journal").glob("*.running"))) == 2)
-            busy = self.call("batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt")
-            self.assertEqual(busy.returncode, 2)
-            self.assertIn('the batch is running already; "corvanta batch --status ', busy.stderr)
-            self.assertTrue(self.status()["running"])
-            process.send_signal(number)
-            self.assertEqual(process.wait(timeout=WAITS), status)
+        process = subprocess.Popen(words, cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.terminate)  # after a failure the runs would wait for their pipes
+        self.wait_until(lambda: len(list((self.folder / "out/g.batch/journal").glob("*.running"))) == 2)
+        busy = self.call("batch", "g.graph", "--out-dir", "out", "--inputs", "list.txt")
+        self.assertEqual(busy.returncode, 2)
+        self.assertIn('the batch is running already; "corvanta batch --status ', busy.stderr)
+        self.assertTrue(self.status()["running"])
+        process.send_signal(number)
+        self.assertEqual(process.wait(timeout=WAITS), status)
         self.wait_until(lambda: not self.processes())
         self.assertEqual([name for name in self.files() if "out/g.batch" not in name and name.startswith("out/")], ["out/a01_x.csv"])
         for name in names[1:3]:
