@@ -114,7 +114,8 @@ QString ReadLevelsEditor::summary(const Element &level, const ParameterInfo &lis
     const QString place = parts.isEmpty() ? tr("(document)") : parts.join(u" \u203a "_s);
     const auto isColumn = [](const Element &child) { return child.name == kColumns; };
     const auto columns = std::count_if(level.children.begin(), level.children.end(), isColumn);
-    const QString indent = index == 0 ? QString() : QString(4 * index, u' ') + u"\u2514 "_s;
+    const QString indent =
+        index == 0 ? QString() : QString(qsizetype(4) * index, u' ') + u"\u2514 "_s;
     return indent + tr("%1 (columns: %2)").arg(place, QString::number(columns));
 }
 
