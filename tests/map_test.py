@@ -53,7 +53,7 @@ class Map(unittest.TestCase):
 
     def test_paths_in_the_documentation_exist(self):
         pages = [SOURCE / "README.md", SOURCE / "CONTRIBUTING.md", *sorted((SOURCE / "docs").rglob("*.md"))]
-        folders = "base|codecs|host|io|panels|actions|plugin|cli|tests|bench|fuzz|docs|readers|writers"
+        folders = "base|codecs|host|io|panels|actions|plugin|cli|studio|tests|bench|fuzz|docs|examples|cmake|packaging|templates"
         missing = []
         for page in pages:
             for path in re.findall(rf"`((?:{folders})/[\w./*{{}},-]+)`", page.read_text(encoding="utf-8")):

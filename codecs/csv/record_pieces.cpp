@@ -1,3 +1,6 @@
+// Where a text is cut (RFC 4180, section 2); "|" is the end of a piece:
+//
+//   1;"a<LF>b";x<LF>|2;c<LF>3;"d       a line feed after an even number of quotes ends a record
 #include "codecs/csv/record_pieces.h"
 
 #include "codecs/csv/find_first_of.h"

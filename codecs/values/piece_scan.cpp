@@ -1,3 +1,6 @@
+// The text while it is scanned, from its beginning:
+//
+//     joined pieces | m_jobs: pieces in order | m_rest: after the last cut | not yet read
 #include "codecs/values/piece_scan.h"
 
 #include "codecs/values/chained_source.h"

@@ -1,3 +1,7 @@
+// Leaves that give a cell each, for the items "id" and "a/b" (RFC 8259, section 4):
+//
+//     {"id": 1, "a": {"b": 2}}      "id": a leaf of its item; "a": begins another path, in the tree
+//     {"id": 1, "id": 2}            the second "id" goes to the tree
 #include "codecs/markup/levels/leaf_columns.h"
 
 #include <algorithm>

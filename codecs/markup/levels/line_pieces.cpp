@@ -1,3 +1,6 @@
+// Where a text is cut (JSON Lines: a value on each line, in UTF-8); "|" is the end of a piece:
+//
+//     {"id":1}<LF>|{"id":2}<LF>      before a line that begins with "{"
 #include "codecs/markup/levels/line_pieces.h"
 
 #include "codecs/values/chained_source.h"

@@ -1,10 +1,26 @@
+// The fields that place a chunk (parquet.thrift, ColumnMetaData); offsets in the file:
+//
+//   dictionary_page_offset 11, index_page_offset 10      optional; 0 in some writers: none
+//   data_page_offset 9                                   the first of the three begins the chunk
+//   total_compressed_size 7                              bytes of all its pages, with their headers
 #include "codecs/parquet/merge/chunk_ranges.h"
 
 #include <algorithm>
 
 namespace corvanta::parquet {
 
-/// Of the three offsets those that are set; 0 means none in some writers.
+namespace {
+
+/// These bytes, if they are between the magic number and `end`. Subtractions, because a sum of
+/// claims could overflow.
+std::optional<PageRange> rangeInFile(qint64 begin, qint64 size, qint64 end)
+{
+    const bool isInside = begin >= 4 && begin <= end && size >= 0 && size <= end - begin;
+    return isInside ? std::optional(PageRange{begin, size}) : std::nullopt;
+}
+
+} // namespace
+
 std::optional<PageRange> pagesOf(const RawStruct &meta, qint64 end)
 {
     const auto size = meta.number(kMetaCompressed);
@@ -20,9 +36,7 @@ std::optional<PageRange> pagesOf(const RawStruct &meta, qint64 end)
         }
         begin = other > 0 ? std::min(*begin, other) : *begin;
     }
-    // Subtractions, because a sum of claims could overflow.
-    const bool isInside = *begin >= 4 && *begin <= end && *size >= 0 && *size <= end - *begin;
-    return isInside ? std::optional(PageRange{*begin, *size}) : std::nullopt;
+    return rangeInFile(*begin, *size, end);
 }
 
 std::optional<PageRange> claimedRange(const RawStruct &record, qint16 offset, qint16 bytes,
@@ -30,9 +44,7 @@ std::optional<PageRange> claimedRange(const RawStruct &record, qint16 offset, qi
 {
     const auto begin = record.number(offset);
     const auto size = record.number(bytes);
-    const bool isInside =
-        begin && size && *begin >= 4 && *begin <= end && *size > 0 && *size <= end - *begin;
-    return isInside ? std::optional(PageRange{*begin, *size}) : std::nullopt;
+    return begin && size && *size > 0 ? rangeInFile(*begin, *size, end) : std::nullopt;
 }
 
 std::vector<PageRange> chunkRanges(const std::vector<QByteArray> &groups, qint64 end)
