@@ -188,21 +188,27 @@ public:
     /// Save as `name`, in the file dialog that opens.
     void saveAs(const QString &name)
     {
-        QTimer::singleShot(300, m_window.get(), [this, name] {
+        auto *const timer = new QTimer(m_window.get());
+        QObject::connect(timer, &QTimer::timeout, m_window.get(), [this, name, timer] {
             auto *const dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
+            if (!dialog || !dialog->isVisible()) {
+                return; // a busy machine opens it later
+            }
+            timer->stop();
             dialog->activateWindow(); // as a window manager does
             EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
             press(Qt::Key_A, Qt::ControlModifier);
             type(name);
-            // The first one may end the list of names that completes the text.
-            for (int i = 0; i < 2 && dialog->isVisible(); ++i) {
+            // The list of names that completes the text takes some, until the folder is read.
+            for (int i = 0; i < 20 && dialog->isVisible(); ++i) {
                 press(Qt::Key_Return);
+                std::ignore = QTest::qWaitFor([dialog] { return !dialog->isVisible(); }, 100);
             }
             if (dialog->isVisible()) {
                 dialog->reject(); // the test must not wait for it
             }
         });
+        timer->start(50);
         press(Qt::Key_S, Qt::ControlModifier);
         activate();
     }
