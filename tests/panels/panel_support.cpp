@@ -88,7 +88,8 @@ QByteArray example(const QString &type)
          "<Levels><Level><Item type='0' text='{'/><Item type='2'><s>country</s><s>city</s></Item>"
          "<Item type='0' text=',&quot;sales&quot;:['/><Item type='5' calledLevel='sales'/>"
          "<Item type='0' text=']}'/></Level><Level name='sales' partitionCol='country'>"
-         "<Item type='2'><s>amount</s></Item></Level></Levels></writeJSON>"},
+         "<Item type='0' text='{'/><Item type='2'><s>amount</s></Item><Item type='0' text='}'/>"
+         "</Level></Levels></writeJSON>"},
         {u"writeXML"_s, "<writeXML fileName='orders.xml' humanReadable='1'/>"},
         {u"writeParquet"_s, "<writeParquet file='orders.parquet' codec='3' split='1' "
                             "splitVar='country'/>"},
