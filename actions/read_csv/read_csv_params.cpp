@@ -112,14 +112,9 @@ std::optional<CsvDateFormat> dateFormatOf(const QString &entry)
 const ParamTable<ReadCsvParams> &readCsvParamTable()
 {
     static const ParamTable<P> table{
-        text("fileName", &P::fileName)
-            .inputFile()
-            .requiredWhen("fileNameFromPin", {u"0"_s})
-            .always()
-            .label("File")
-            .meaning("Text file to read, or a pattern such as *.csv; all files must have the "
-                     "columns of the first. Also .gz, .Z and .rar files and members of .zip files "
-                     "(archive.zip@member)."),
+        shared::fileName<P>(
+            "Text file to read, or a pattern such as *.csv; all files must have the columns of the "
+            "first. Also .gz, .Z and .rar files and members of .zip files (archive.zip@member)."),
         text("separator", &P::separator)
             .label("Separator")
             .meaning("One ASCII character between two fields. auto: the comma, semicolon, tab or "

@@ -10,12 +10,7 @@ const ParamTable<ReadExcelSheetsParams> &readExcelSheetsParamTable()
     // The order is that of saved graphs.
     static const ParamTable<P> table{
         shared::fileNameFromPin<P>(),
-        text("fileName", &P::fileName)
-            .inputFile()
-            .always()
-            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
-            .label("File")
-            .meaning("Workbook whose sheets are listed, or a pattern such as *.xlsx."),
+        shared::fileName<P>("Workbook whose sheets are listed, or a pattern such as *.xlsx."),
     };
     return table;
 }

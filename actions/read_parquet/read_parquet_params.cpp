@@ -75,13 +75,7 @@ const ParamTable<ReadParquetParams> &readParquetParamTable()
         tolerance(),
         shared::rowRange<P>("Number of the first row that is read of each file, from 1. Row groups "
                             "before it are not decoded."),
-        text("fileName", &P::fileName)
-            .inputFile()
-            .orOwnText()
-            .always()
-            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
-            .label("File")
-            .meaning("Parquet file to read, or a pattern such as *.parquet."),
+        shared::fileName<P>("Parquet file to read, or a pattern such as *.parquet.").orOwnText(),
         strings("ColumnsToRead", &P::columnsToRead)
             .requiredWhen("columnSelection", {QStringLiteral("1")})
             .label("Columns to read")

@@ -86,12 +86,7 @@ const ParamTable<ReadStatParams> &readStatParamTable()
         additions(),
         shared::rowRange<P>("Number of the first row that is read of each file, from 1. The values "
                             "of the rows before it are not read."),
-        text("fileName", &P::fileName)
-            .inputFile()
-            .always()
-            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
-            .label("File")
-            .meaning("Data set to read."),
+        shared::fileName<P>("Data set to read."),
         // Programs that read one file use the first parameter that names one.
         text("catalogFile", &P::catalogFile)
             .inputFile()

@@ -429,19 +429,28 @@ void DataSetOutput::complete()
     }
 }
 
-/// One warning per cause, with the number of texts and the place of the first.
-void DataSetOutput::warnCutTexts()
+/// One warning per column and cause, with the number of values and the row of the first: a value
+/// that became missing has no sign of what it was.
+template <class TextOf>
+void DataSetOutput::warnRows(sas::RowCount sas::ColumnReport::*cause, TextOf textOf)
 {
-    for (size_t i = 0; i < m_run->variables.size(); ++i) {
-        const sas::RowCount &cut = m_run->packer->reports()[i].cut;
-        if (cut.count > 0) {
-            warn(
-                u"Warning: writing %1 '%2': %3 of the column '%4' %7 cut to %5 bytes; the first is in row %6\n"_s
-                    .arg(fileKind(), fileName(), counted(cut.count, u"text"_s), columnName(i),
-                         QString::number(m_run->packer->columns()[i].maxBytes),
-                         QString::number(cut.firstRow), isOrAre(cut.count)));
+    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
+    for (size_t i = 0; i < reports.size(); ++i) {
+        const sas::RowCount &found = reports[i].*cause;
+        if (found.count > 0) {
+            warn(textOf(i, found));
         }
     }
+}
+
+void DataSetOutput::warnCutTexts()
+{
+    warnRows(&sas::ColumnReport::cut, [&](size_t column, const sas::RowCount &cut) {
+        return u"Warning: writing %1 '%2': %3 of the column '%4' %7 cut to %5 bytes; the first is in row %6\n"_s
+            .arg(fileKind(), fileName(), counted(cut.count, u"text"_s), columnName(column),
+                 QString::number(m_run->packer->columns()[column].maxBytes),
+                 QString::number(cut.firstRow), isOrAre(cut.count));
+    });
 }
 
 /// One warning for all columns.
@@ -464,62 +473,41 @@ void DataSetOutput::warnReplaced()
     }
 }
 
-/// One warning per column: a missing value has no sign of what it was.
 void DataSetOutput::warnNotNumbers()
 {
-    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
-    for (size_t i = 0; i < reports.size(); ++i) {
-        const sas::RowCount &found = reports[i].notNumbers;
-        if (found.count > 0) {
-            warn(
-                u"Warning: writing %1 '%2': %3 of the column '%4' became missing (nan, not a number); the first is in row %5\n"_s
-                    .arg(fileKind(), fileName(), counted(found.count, u"value"_s), columnName(i),
-                         QString::number(found.firstRow)));
-        }
-    }
+    warnRows(&sas::ColumnReport::notNumbers, [&](size_t column, const sas::RowCount &found) {
+        return u"Warning: writing %1 '%2': %3 of the column '%4' became missing (nan, not a number); the first is in row %5\n"_s
+            .arg(fileKind(), fileName(), counted(found.count, u"value"_s), columnName(column),
+                 QString::number(found.firstRow));
+    });
 }
 
 /// Columns become dates because of their formats.
 void DataSetOutput::warnNotDates()
 {
-    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
-    for (size_t i = 0; i < reports.size(); ++i) {
-        const sas::RowCount &found = reports[i].notDates;
-        if (found.count > 0) {
-            warn(
-                u"Warning: writing %1 '%2': %3 of the column '%4' became missing, without the form of ISO 8601 that the format '%5' needs; the first is in row %6\n"_s
-                    .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(i),
-                         definitionOf(columnName(i))->format, QString::number(found.firstRow)));
-        }
-    }
+    warnRows(&sas::ColumnReport::notDates, [&](size_t column, const sas::RowCount &found) {
+        return u"Warning: writing %1 '%2': %3 of the column '%4' became missing, without the form of ISO 8601 that the format '%5' needs; the first is in row %6\n"_s
+            .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(column),
+                 definitionOf(columnName(column))->format, QString::number(found.firstRow));
+    });
 }
 
 void DataSetOutput::warnZones()
 {
-    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
-    for (size_t i = 0; i < reports.size(); ++i) {
-        const sas::RowCount &found = reports[i].zones;
-        if (found.count > 0) {
-            warn(
-                u"Warning: writing %1 '%2': %3 of the column '%4' %5 written without the zone Z; the first is in row %6\n"_s
-                    .arg(fileKind(), fileName(), counted(found.count, u"time"_s), columnName(i),
-                         isOrAre(found.count), QString::number(found.firstRow)));
-        }
-    }
+    warnRows(&sas::ColumnReport::zones, [&](size_t column, const sas::RowCount &found) {
+        return u"Warning: writing %1 '%2': %3 of the column '%4' %5 written without the zone Z; the first is in row %6\n"_s
+            .arg(fileKind(), fileName(), counted(found.count, u"time"_s), columnName(column),
+                 isOrAre(found.count), QString::number(found.firstRow));
+    });
 }
 
 void DataSetOutput::warnNotBooleans()
 {
-    const std::vector<sas::ColumnReport> &reports = m_run->packer->reports();
-    for (size_t i = 0; i < reports.size(); ++i) {
-        const sas::RowCount &found = reports[i].notBooleans;
-        if (found.count > 0) {
-            warn(
-                u"Warning: writing %1 '%2': %3 of the column '%4' became missing, neither true nor false; the first is in row %5\n"_s
-                    .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(i),
-                         QString::number(found.firstRow)));
-        }
-    }
+    warnRows(&sas::ColumnReport::notBooleans, [&](size_t column, const sas::RowCount &found) {
+        return u"Warning: writing %1 '%2': %3 of the column '%4' became missing, neither true nor false; the first is in row %5\n"_s
+            .arg(fileKind(), fileName(), counted(found.count, u"text"_s), columnName(column),
+                 QString::number(found.firstRow));
+    });
 }
 
 /// Also after a failure, so that the temporary file does not outlive the run.

@@ -86,10 +86,10 @@ protected:
     /// A name or label of a column in the encoding of the file. What is lost is counted, and
     /// reported after describe().
     QByteArray encoded(const QString &text, const QString &column);
-    /// Warn about the columns whose variables have other names, which are valid ones.
-    void warnChangedNames(const QStringList &columns, const std::vector<sas::Variable> &variables);
     /// The same, cut to maxLabelBytes().
     QByteArray encodedLabel(const QString &label, const QString &column);
+    /// Warn about the columns whose variables have other names, which are valid ones.
+    void warnChangedNames(const QStringList &columns, const std::vector<sas::Variable> &variables);
     /// Name of a written column in the input.
     const QString &columnName(size_t column) const { return m_run->names[int(column)]; }
     /// "row 7, column 'x'": a place in the input.
@@ -138,6 +138,7 @@ private:
     bool commitTarget();
     bool failWriter(const Fault<sas::Error> &fault);
     bool reportCuts(const OneRow &row);
+    template <class TextOf> void warnRows(sas::RowCount sas::ColumnReport::*cause, TextOf textOf);
     void warnCutTexts();
     void warnReplaced();
     void warnNotNumbers();

@@ -135,12 +135,7 @@ const ParamTable<ReadExcelParams> &readExcelParamTable()
             .meaning("Joins the columns of several sheets or files by name. Off: all must have the "
                      "same columns."),
         shared::timeOut<P>(),
-        text("fileName", &P::fileName)
-            .inputFile()
-            .always()
-            .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
-            .label("File")
-            .meaning("Workbook to read, or a pattern such as *.xlsx."),
+        shared::fileName<P>("Workbook to read, or a pattern such as *.xlsx."),
     };
     return table;
 }

@@ -8,6 +8,17 @@
 
 namespace corvanta::shared {
 
+/// For readers that can take the name from the pin. `meaning` says what the file is.
+template <class P> Param<P> fileName(const char *meaning)
+{
+    return text<P>("fileName", &P::fileName)
+        .inputFile()
+        .always()
+        .requiredWhen("fileNameFromPin", {QStringLiteral("0")})
+        .label("File")
+        .meaning(meaning);
+}
+
 /// For readers of one file. The name replaces the one in fileName.
 template <class P> Param<P> fileNameFromPin()
 {
