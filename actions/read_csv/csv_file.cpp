@@ -118,7 +118,7 @@ bool CsvFile::chooseForms()
                QString::number(m_form.types.size()), QString::number(columns), m_name));
 }
 
-/// A format for an unknown column would be ignored in silence, so it is an error.
+/// A format for an unknown column would be ignored without a message, so it is an error.
 bool CsvFile::chooseDates()
 {
     m_datesOf.resize(m_forms.size());

@@ -1,5 +1,5 @@
-// Files one after the other as one table. They must have the columns of the first one,
-// or those that the reader sets before.
+// Reads files in order as one table. They must have the columns of the first one, or those that the
+// reader sets before.
 #include "actions/shared/file_series.h"
 
 #include "corvanta/failure_reason.h"
@@ -151,9 +151,9 @@ FileSeries::Opened FileSeries::openWithRetries(const QString &name)
 /// Report a file that cannot be opened, and why. Returns true to continue with the next one.
 bool FileSeries::handle(const Fault<OpenError> &fault, const QString &name)
 {
-    const bool goesOn = report(fault.code, name);
+    const bool continues = report(fault.code, name);
     logReason(fault.detail);
-    return goesOn;
+    return continues;
 }
 
 /// A failed file has had its message already.

@@ -240,7 +240,7 @@ bool ActionWriteDoc::useTemplate(const QString &name)
 
 bool ActionWriteDoc::checkName(const QString &name)
 {
-    // Otherwise the later row would replace the document of the earlier one in silence.
+    // Otherwise the later row would replace the document of the earlier one without a message.
     const QByteArray digest = digestOf(name);
     const auto [earlier, isNew] = m_run->written.emplace(digest, m_run->row);
     if (!isNew) {

@@ -267,7 +267,7 @@ xlsx::WrittenCells ActionWriteExcel::writtenCells() const
     return written;
 }
 
-/// Two actions that update one sheet from the same row on: only the rows of the last one stay.
+/// Of two actions that update one sheet, starting at the same row, only the last one's rows stay.
 void ActionWriteExcel::reportReplacedRows(const QString &sheet, qint64 startRow1)
 {
     for (const WrittenRows &rows : takeWrittenRows(fileName(), sheet, startRow1)) {

@@ -389,7 +389,7 @@ void ActionWriteExcel::swapNothing()
 void ActionWriteExcel::recalculate()
 {
     const QString folder = globalParameters()->workingDir();
-    // swapNothing() has failed this run, and the workbook is recalculated nevertheless. A run that
+    // swapNothing() has failed this run, and the workbook is recalculated all the same. A run that
     // was stopped, or that another action failed, also requests a yield.
     const auto isRunning = [this] { return runIsGood() || !yieldRequested(); };
     // The workbook that has this name now: another run may have updated it since then.

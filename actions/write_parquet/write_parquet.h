@@ -2,7 +2,7 @@
 //
 // A file is written as "NAME_TMP" and renamed when it is complete (TargetMode::ReplaceByTmp).
 //
-// - One file, or segments: the file is open from begin() on; a full segment is closed, and the next
+// - One file, or segments: begin() opens the file; a full segment is closed, and the next
 //   row opens another file with a number in its name.
 // - By value: a file per value, opened with the first row of the value. On a table sorted on the
 //   split column only one file is open; otherwise all are, until the end.

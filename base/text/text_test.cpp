@@ -121,7 +121,7 @@ TEST(NumberValue, DigitsThatAreTooManyForADoubleAreNotANumber)
     }
 }
 
-// Integers that are equal as doubles are told apart by their rests.
+// Integers that are equal as doubles differ in their remainders.
 TEST(NumberValue, TheRestOfALargeIntegerIsExact)
 {
     const struct

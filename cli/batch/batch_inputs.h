@@ -5,8 +5,8 @@
 /// Whether the word of --inputs is the folder of a batch.
 bool isBatchFolder(const QString &word);
 
-/// The inputs of the batch in a folder, with sizes and times of its begin. The fault is a usage
-/// error: their file is missing or damaged.
+/// The inputs of the batch in a folder, with their sizes and times when it began. The fault is
+/// a usage error: their file is missing or damaged.
 CommandResult<QVector<InputFile>> inputsOfBatch(const QString &folder);
 
 /// The file with the inputs of the batch in a folder, and its content.

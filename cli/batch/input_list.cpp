@@ -52,8 +52,8 @@ QStringList foldersOf(const QString &pattern)
 }
 
 /// Whether listFiles() finds all files of the folder that match. Qt leaves out names that are not
-/// UTF-8, and links without a file: data would be missing in silence. Hidden links are the locks of
-/// editors.
+/// UTF-8, and links without a file: data would be missing without a message. Hidden links are the
+/// locks of editors.
 CommandResult<void> checkAllFound(const QString &folder, const QString &pattern)
 {
     const auto wanted =

@@ -1,4 +1,4 @@
-// Runs a graph for many inputs, one after the other in this process.
+// Runs a graph for many inputs in this process, one at a time.
 //
 // What can be wrong is found before the first run: every input of the whole list is checked, so
 // that all shards agree. A run that fails does not end the shard.
@@ -173,7 +173,7 @@ QVector<InputFile> InputRuns::chosen(const CommandLine &line, const Shard &shard
     QVector<InputFile> own =
         shard.inputsOf(m_graph.inputs, line.value(u"--balance"_s, {}) == "size"_L1);
     for (InputFile &input : own) {
-        // Those of a batch were listed at its begin. Pieces are checked before their run.
+        // Those of a batch were listed when it began. Pieces are checked before their run.
         input.file = input.piece ? input.file : input.file.now();
     }
     if (!line.has(u"--no-resume"_s)) {

@@ -6,12 +6,12 @@
 class LineFile
 {
 public:
-    /// A file that cannot be opened has no lines. `offset` is the begin of a line.
+    /// A file that cannot be opened has no lines. A line begins at `offset`.
     explicit LineFile(const QString &name, qint64 offset = 0);
     /// Read the next line; returns false at the end.
     bool next();
-    /// The line with its line feed. Of a line of more than 64 MiB, which is none of a batch, it is
-    /// the begin, without a line feed.
+    /// The line with its line feed. Of a line of more than 64 MiB, which no batch writes, only the
+    /// beginning.
     const QByteArray &line() const { return m_line; }
     /// Whether the line has ended in the file; the last one may be completed later.
     bool isComplete() const { return m_isComplete; }

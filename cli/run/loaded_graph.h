@@ -25,7 +25,7 @@ struct LoadedGraph
     using Variables = QMap<QString, QString>;
 
     /// Load and validate the graph file of `line`; log what makes it invalid. `more` are variables
-    /// besides those of --set. A fault with a text is a usage error.
+    /// in addition to those of --set. A fault with a text is a usage error.
     static CommandResult<std::unique_ptr<LoadedGraph>> load(const CommandLine &line,
                                                             const Variables &more = {});
     /// The same for a run: an invalid graph is a fault, and names and values that a run ignores are

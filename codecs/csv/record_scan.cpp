@@ -48,7 +48,7 @@ bool RecordScan::add(const RecordReader &reader)
     return true;
 }
 
-/// A fault ends the scan in silence; the run that follows reports it.
+/// A fault ends the scan without a message; the run that follows reports it.
 bool RecordScan::addAll(RecordReader &reader, qint64 rows)
 {
     while (m_rows < rows) {

@@ -50,7 +50,7 @@ struct ColumnReport
     RowCount notNumbers;   ///< NaN values, which are stored as missing
     RowCount notDates;     ///< texts of a column of dates, which are stored as missing
     RowCount zones;        ///< dates with times whose zone is not stored
-    RowCount notBooleans;  ///< the same of a column of booleans
+    RowCount notBooleans;  ///< texts of a column of booleans, which are stored as missing
 };
 
 /// A text of the last row that was cut.

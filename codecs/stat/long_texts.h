@@ -1,4 +1,4 @@
-// Finds the long texts (strL) of a Stata file from version 117 on.
+// Finds the long texts (strL) of a Stata file of version 117 or later.
 //
 // The library keeps all of them in memory, and does not find those of version 119. They are
 // therefore hidden from it, and this class reads each text when a row refers to it. An index of a

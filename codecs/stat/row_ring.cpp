@@ -1,8 +1,7 @@
 // The block of the ring while the producer fills a row:
 //
-//   | live batches | m_open: complete rows | m_row: row ... m_at | taken | free ... | live batches
-//   |
-//                                                                      m_end
+//   | live batches | m_open: whole rows | m_row: row ... m_at | taken | free ... | live batches |
+//                                                                   m_end
 //
 // Every size is a multiple of 8, so m_row is always aligned for the pointers of its header.
 #include "codecs/stat/row_ring.h"

@@ -11,9 +11,8 @@
 //   LABELSST    number of a shared text 4
 //   BOOLERR     value 1, 1 for an error
 //   FORMULA     result 8, more. The result is a double, or its last two bytes are FFFF and the
-//   first
-//               is 0: a text, in the STRING record that follows; 1: a boolean, 2: an error, both in
-//               the third byte; 3: an empty text
+//               first is 0: a text, in the STRING record that follows; 1: a boolean, 2: an error,
+//               both in the third byte; 3: an empty text
 #include "codecs/xls/cell_records.h"
 
 #include "base/bytes.h"

@@ -20,7 +20,7 @@ public:
     void clear();
     /// Add a cell. The text of a cell without its own, such as a shared one, outlives the row.
     void add(const sheet::SheetCell &cell) { m_cells.push_back(cell); }
-    /// Add a text cell whose text the caller appends to ownText() directly before, from `begin` on.
+    /// Add a text cell whose text the caller has appended to ownText(), starting at `begin`.
     void addOwnText(int column, size_t begin);
     std::u16string &ownText() { return m_ownText; }
 
@@ -62,7 +62,7 @@ public:
     {
     }
 
-    /// Note the format number that the next BIFF 2 cell uses, from an IXFE record.
+    /// Note the number of the XF record that the next BIFF 2 cell uses, from an IXFE record.
     void takeIxfe(const Record &record);
     /// Add the cells of a record, for which rowOfCell() is not negative. Reads the text of a
     /// formula's result from the records after it.

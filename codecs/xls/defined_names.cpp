@@ -1,8 +1,7 @@
 // The records of defined names (MS-XLS, 2.4.150, 2.4.105, 2.4.271; little-endian):
 //
-//   NAME         flags 2, key 1, name length 1, formula bytes 2, unused 2, sheet 2 (from 1, 0:
-//   all),
-//                4 unused, name (BIFF 8: with its flags), tokens of the formula
+//   NAME         flags 2, key 1, name length 1, formula bytes 2, unused 2, sheet 2 (from 1; 0 is
+//                all), 4 unused, name (BIFF 8: with its flags), tokens of the formula
 //   SUPBOOK 8    sheets 2, 0401 for this workbook | a name
 //   EXTERNSHEET 8  count 2, then book 2, first sheet 2, last sheet 2
 //

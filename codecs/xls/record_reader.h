@@ -50,7 +50,7 @@ public:
     bool load(qint64 begin, qint64 end);
 
 private:
-    /// Have `n` bytes in the buffer from the next record on. Returns false if there are fewer.
+    /// Have `n` bytes in the buffer, starting at the next record. Returns false if there are fewer.
     bool ensure(size_t n);
     bool refill();
     /// Continue without any bytes in the buffer.

@@ -47,7 +47,7 @@ enum RecordId : quint16 {
     kString = 0x0207,
     // More data of the record before.
     kContinue = 0x003C,
-    // Before the cell to which it belongs: the number of its format, from 63 on.
+    // Before the cell to which it belongs: the number of its XF record, if that is 63 or more.
     kIxfe = 0x0044,
     // The layout of a sheet.
     // Row, first column, column after the last one, height, flags.

@@ -57,7 +57,7 @@ QByteArray newSheetRoot(const Family &family);
 /// `filterRange`, such as A1:C9, gets a filter unless it is empty.
 QByteArray newSheetTail(const QByteArray &filterRange);
 
-/// A named range of cells, from column A on.
+/// A named range of cells, starting in column A.
 struct NamedRange
 {
     QString name;

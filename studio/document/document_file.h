@@ -25,15 +25,15 @@ public:
     /// The document is made from a file with this digest; empty: from none. A change of the file
     /// since then is reported soon.
     void setBase(const QByteArray &digest);
-    /// The document goes on from the file as it is now, whatever it contains.
+    /// Take the file as it is now as the base of the document, whatever it contains.
     void acceptFile();
     /// Whether the file differs from that content. Reads the file.
     bool hasChanged() const;
 
     /// Write the recovery file soon, if the document is modified then.
     void scheduleRecovery();
-    /// Write it now. Returns false if the document is not in it; the user is not told, because that
-    /// concerns no file of theirs.
+    /// Write it now. Returns false if the document is not in it. Reports nothing, because no file
+    /// of the user is concerned.
     bool writeRecovery();
     /// Also when nothing has been written.
     void removeRecovery();

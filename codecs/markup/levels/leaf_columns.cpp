@@ -72,7 +72,7 @@ size_t LeafColumns::search(const RawText &name)
     return kNone;
 }
 
-/// The column is expected after the last one from now on.
+/// From now on, the column is expected after the last one.
 size_t LeafColumns::use(size_t column)
 {
     m_columns[m_last].next = column;

@@ -262,7 +262,7 @@ void OccurrenceReader::leaveElement()
     }
 }
 
-/// Count a part between the records; the current token is its begin.
+/// Count a part between the records; the current token begins it.
 void OccurrenceReader::addOutside(const QString &what)
 {
     m_unread.outside.add(

@@ -60,7 +60,7 @@ struct WriterColumn
     Storage storage = Storage::Text;
     /// 0-based index of the column's cell in a row.
     int cell = 0;
-    /// Of the cells. Used by the types from Boolean on; the others have only one.
+    /// Of the cells. Used by Boolean and the types after it; the others have only one.
     cell::Type cellType = cell::Type::Text;
 };
 

@@ -21,7 +21,7 @@ struct TypedValue
 /// Whether the cell is missing. An empty text is, too: no typed column has a value for it.
 bool isNull(cell::Type type, const uchar *cell);
 
-/// The value of a cell that is not null. `storage` is one of the types from Boolean on. Nothing if
+/// The value of a cell that is not null. `storage` is Boolean or a type after it. Nothing if
 /// the cell is not such a value, or not exactly: 1.5 and 007 are not integers.
 std::optional<TypedValue> typedValueOf(Storage storage, cell::Type type, const uchar *cell);
 

@@ -36,7 +36,7 @@ bool hasLongUtf8Texts(ByteSource &source);
 
 // File names can be wrong. Each format but the portable one begins with bytes that no other has.
 
-/// The format of the content; nothing if it is none of the known ones, or cannot be read. `source`
+/// The format of the content; nothing if it is not known, or cannot be read. `source`
 /// seeks at no cost; its position changes.
 std::optional<Format> formatOfContent(ByteSource &source);
 

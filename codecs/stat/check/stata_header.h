@@ -1,4 +1,4 @@
-// The header of a Stata file from version 117 on; stata_check.cpp has its layout.
+// The header of a Stata file of version 117 or later; stata_check.cpp has its layout.
 #pragma once
 #include "codecs/stat/check/checked_reader.h"
 

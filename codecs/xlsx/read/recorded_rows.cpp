@@ -1,4 +1,4 @@
-// Rows are in pages, one after the other; a row is never on two pages. Numbers are those of the
+// Rows follow one another in pages; a row is never on two pages. Numbers are those of the
 // machine and may be at any address, except units, which are at even ones:
 //
 //   row    number 4, with bit 31 for a hidden row; cells 2

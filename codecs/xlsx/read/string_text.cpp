@@ -38,7 +38,7 @@ std::optional<char16_t> escapedUnit(const char16_t *at, const char16_t *end)
     return static_cast<char16_t>(value);
 }
 
-/// Decode the escapes of `out` from `from` on, in place.
+/// Decode the escapes of `out` in place, starting at `from`.
 void decodeEscapes(std::vector<char16_t> *out, size_t from)
 {
     char16_t *to = out->data() + from;

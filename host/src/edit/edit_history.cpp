@@ -118,7 +118,7 @@ private:
     }
 
     /// Write an element of a structure, with what `before` has and `infos` do not declare. `before`
-    /// is the same element until now: the one of the same name and number. Empty: there is none.
+    /// is the same element so far: the one of the same name and number. Empty: there is none.
     void writeItem(const XMLNode &saved, const XMLNode &before, const QVector<ParameterInfo> &infos)
     {
         const KnownNames known = knownNames(infos);

@@ -8,9 +8,9 @@
 
 namespace corvanta {
 
-/// Actions are meant by their index. set() comes before all other calls. Threads: each waits for
-/// the action that it runs; the others may be called from any thread. Every wait ends with the run:
-/// the one who ends it calls wakeAll().
+/// Numbers of actions are their indexes. set() comes before all other calls. Threads: each waits
+/// for the action that it runs; the others may be called from any thread. Every wait ends with the
+/// run: the one who ends it calls wakeAll().
 class RunSequence
 {
 public:

@@ -36,7 +36,7 @@ struct TargetConflict
     int other = 0;
 };
 
-/// Actions are meant by their index. The lists are as long as there are actions.
+/// Numbers of actions are their indexes. The lists are as long as there are actions.
 struct TargetOrder
 {
     /// The actions that must be closed before this one starts: they write one of its targets.
