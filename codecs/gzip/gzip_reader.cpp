@@ -168,7 +168,7 @@ Result<void, Error> Reader::startMember()
     }
     if (!*hasTwo || !std::equal(std::begin(kMagic), std::end(kMagic),
                                 reinterpret_cast<const uchar *>(unread()))) {
-        m_stage = m_stage == Stage::FirstMember ? Stage::Plain : Stage::End;
+        m_stage = m_stage == Stage::FirstMember ? Stage::Plain : Stage::Rest;
         return {};
     }
     if (auto there = require(kCheckedHeaderBytes); !there) {
@@ -235,6 +235,26 @@ Result<qint64, Error> Reader::readPlain(char *out, qint64 n)
     return static_cast<qint64>(take);
 }
 
+/// Read what follows the last member, to know whether it is more than padding.
+Result<void, Error> Reader::skipRest()
+{
+    qint64 restBytes = 0;
+    bool padding = true;
+    auto more = has(1);
+    for (; more && *more; more = has(1)) {
+        padding = padding && std::all_of(unread(), unread() + unreadBytes(),
+                                         [](char byte) { return byte == 0; });
+        restBytes += static_cast<qint64>(unreadBytes());
+        m_at = m_end;
+    }
+    if (!more) {
+        return more.fault();
+    }
+    m_ignoredBytes = padding ? 0 : restBytes;
+    m_stage = Stage::End;
+    return {};
+}
+
 /// Continue with the current stage. Returns 0 if the stage had no content.
 Result<qint64, Error> Reader::step(char *out, qint64 n)
 {
@@ -244,7 +264,9 @@ Result<qint64, Error> Reader::step(char *out, qint64 n)
     if (m_stage == Stage::Plain) {
         return readPlain(out, n);
     }
-    auto done = m_stage == Stage::Trailer ? checkTrailer() : startMember();
+    auto done = m_stage == Stage::Trailer ? checkTrailer()
+                : m_stage == Stage::Rest  ? skipRest()
+                                          : startMember();
     if (!done) {
         return done.fault();
     }

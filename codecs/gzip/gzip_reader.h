@@ -45,8 +45,12 @@ public:
     /// every call returns that fault. Errors: all of Error; the detail is a text for the user.
     Result<qint64, Error> read(char *out, qint64 n);
 
+    /// At the end of the data: the number of bytes after the last member, which are content that is
+    /// lost if a member's header is damaged. 0 if all are zero, which is padding.
+    qint64 ignoredBytes() const { return m_ignoredBytes; }
+
 private:
-    enum class Stage : quint8 { FirstMember, NextMember, Body, Trailer, Plain, End };
+    enum class Stage : quint8 { FirstMember, NextMember, Body, Trailer, Plain, Rest, End };
 
     explicit Reader(ByteSource &source);
     Result<qint64, Error> step(char *out, qint64 n);
@@ -62,6 +66,7 @@ private:
     Result<qint64, Error> readBody(char *out, qint64 n);
     Result<void, Error> checkTrailer();
     Result<qint64, Error> readPlain(char *out, qint64 n);
+    Result<void, Error> skipRest();
     // The bytes of m_input that are not decoded yet.
     const char *unread() const { return m_input.data() + m_at; }
     size_t unreadBytes() const { return m_end - m_at; }
@@ -74,6 +79,7 @@ private:
     Stage m_stage = Stage::FirstMember;
     quint32 m_crc = 0;  // of the member's content so far
     quint32 m_size = 0; // of the member's content so far, modulo 2^32
+    qint64 m_ignoredBytes = 0;
     std::optional<Fault<Error>> m_fault;
 };
 

@@ -3,7 +3,14 @@
 #include "codecs/lzw/lzw_reader.h"
 #include "corvanta/files.h"
 #include "corvanta/input_source.h"
+#include "corvanta/log.h"
+#include "corvanta/main_ui.h"
 #include "host/src/read_reason.h"
+
+#include <type_traits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace corvanta::input {
 
@@ -23,6 +30,9 @@ public:
     qint64 read(void *buffer, qint64 n) override
     {
         auto got = m_reader->read(static_cast<char *>(buffer), n);
+        if (got && *got == 0 && n > 0) {
+            reportRest();
+        }
         return got ? *got : fail(reasonOf(m_name, *m_file, got.fault().detail));
     }
     // Only unpacking the whole file would show it.
@@ -45,9 +55,27 @@ public:
     qint64 progressPosition() const override { return m_file->position(); }
 
 private:
+    /// Once, though a reader may meet the end several times. Only in a run, which has a log of its
+    /// own: the samples before it end at the same place.
+    void reportRest()
+    {
+        if constexpr (std::is_same_v<Reader, gzip::Reader>) {
+            const qint64 restBytes = m_reader->ignoredBytes();
+            if (restBytes > 0 && m_log.sink != nullptr && !std::exchange(m_reported, true)) {
+                m_log.sink->add(
+                    {MainUI::Warning, m_log.action,
+                     u"Warning: the gzip data of file '%1' ends before the file; what follows is not read (count: %2 bytes)\n"_s
+                         .arg(m_name, QString::number(restBytes))});
+            }
+        }
+    }
+
     const QString m_name;
     std::unique_ptr<MyReadFile> m_file;
     std::unique_ptr<Reader> m_reader; // reads m_file
+    // Found now: a thread of a decoder that reads later may have no LogScope.
+    const LogScope::Context m_log = LogScope::current();
+    bool m_reported = false;
 };
 
 template <class Reader> Opened openPacked(const QString &name)

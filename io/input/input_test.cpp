@@ -1,4 +1,5 @@
 // Reads the archives of the corpus, damaged and intact, and seeks in them.
+#include "corvanta/log.h"
 #include "io/input/archive_sources.h"
 #include "io/input/input_name.h"
 #include "tests/support/corpus.h"
@@ -280,6 +281,12 @@ TEST(InputCorpus, FlippedBitsNeverGiveWrongBytesWithoutAFailure)
     }
 }
 
+struct Warnings : LogSink
+{
+    void add(const LogMessage &message) override { texts << message.text; }
+    QStringList texts;
+};
+
 TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
 {
     const QTemporaryDir dir;
@@ -299,6 +306,7 @@ TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
         QByteArray bytes;
         bool isWhole;
         qint64 size;
+        const char *warning = "";
     };
     const Case cases[] = {
         {"empty file", {}, true, 0},
@@ -306,7 +314,9 @@ TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
         {"one byte", "a", true, 1},
         {"optional fields", decorated, true, 100'003},
         {"two members", member + member, true, 200'006},
-        {"bytes after the end", member + "junk", true, 100'003},
+        {"bytes after the end", member + "junk", true, 100'003, "(count: 4 bytes)"},
+        {"zeros and a damaged header", member + QByteArray(3, '\0') + "\x1F" + member.sliced(2),
+         true, 100'003, "not read (count: "},
         {"zeros after the end", member + QByteArray(1000, '\0'), true, 100'003},
         {"second member cut", member + member.first(member.size() / 2), false, -1},
         {"second member's header cut", member + member.first(7), false, -1},
@@ -317,7 +327,12 @@ TEST(Gzip, AcceptsWhatZlibsReaderAccepts)
     for (const Case &c : cases) {
         const QString path = writeTemporary(dir, QStringLiteral("t.gz"), c.bytes);
         for (const qint64 piece : {1'000'000, 999, 1}) {
+            Warnings warnings;
+            const LogScope scope({&warnings, {}});
             const Content content = readAll(path, piece);
+            EXPECT_EQ(warnings.texts.size(), *c.warning == '\0' ? 0 : 1) << c.what;
+            EXPECT_TRUE(warnings.texts.join(QString()).contains(QLatin1StringView(c.warning)))
+                << c.what;
             EXPECT_EQ(content.isWhole, c.isWhole) << c.what;
             EXPECT_EQ(content.failure.isEmpty(), c.isWhole) << c.what;
             EXPECT_TRUE(c.size < 0 || content.size == c.size) << c.what << content.size;
