@@ -1,7 +1,7 @@
 // The levels get most of the room: "Fill from the file" finds them, and the user edits the result.
 #include "actions/read_json/read_json_panel.h"
 
-#include "actions/shared/level_editors.h"
+#include "actions/shared/panels/level_editors.h"
 #include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 #include "panels/fill/auto_fill.h"

@@ -2,7 +2,7 @@
 // What only malformed files need is folded.
 #include "actions/read_xml/read_xml_panel.h"
 
-#include "actions/shared/level_editors.h"
+#include "actions/shared/panels/level_editors.h"
 #include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 #include "panels/fill/auto_fill.h"

@@ -2,7 +2,7 @@
 // the look of cells is folded.
 #include "actions/write_excel/write_excel_panel.h"
 
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/panel_groups.h"
 #include "actions/shared/panels/text_fields.h"
 #include "panels/basic_editors.h"
 #include "panels/column_picker.h"

@@ -1,8 +1,8 @@
 // The structure comes before the columns: with levels, the columns of the table are not used.
 #include "actions/write_json/write_json_panel.h"
 
-#include "actions/shared/level_editors.h"
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/level_editors.h"
+#include "actions/shared/panels/panel_groups.h"
 #include "panels/basic_editors.h"
 #include "panels/column_picker.h"
 

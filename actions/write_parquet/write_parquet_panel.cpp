@@ -1,6 +1,6 @@
 #include "actions/write_parquet/write_parquet_panel.h"
 
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/panel_groups.h"
 #include "panels/column_picker.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "actions/write_sas/write_sas_panel.h"
 
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/panel_groups.h"
 #include "panels/column_picker.h"
 #include "panels/structures/text_widths_editor.h"
 

@@ -2,7 +2,7 @@
 // costs data.
 #include "actions/write_sas_xpt/write_sas_xpt_panel.h"
 
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/panel_groups.h"
 #include "actions/shared/panels/text_fields.h"
 #include "panels/column_picker.h"
 #include "panels/structures/text_widths_editor.h"

@@ -1,8 +1,8 @@
 // The structure comes before the columns: with levels, the columns of the table are not used.
 #include "actions/write_xml/write_xml_panel.h"
 
-#include "actions/shared/level_editors.h"
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/level_editors.h"
+#include "actions/shared/panels/panel_groups.h"
 #include "panels/basic_editors.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "actions/shared/level_editors.h"
+#include "actions/shared/panels/level_editors.h"
 
 #include "actions/shared/level_reader.h"
 #include "actions/shared/level_writer.h"

@@ -1,4 +1,4 @@
-#include "actions/shared/panel_groups.h"
+#include "actions/shared/panels/panel_groups.h"
 
 #include "panels/column_picker.h"
 
