@@ -50,6 +50,9 @@ TEST(Graph, SaysWhatCannotBeRun)
         {ab + "<link from='a:0' to='b:10001'/>", u"g:2: a link needs a 'to' of the form ID:PIN"_s},
         {ab + "<link from='c:0' to='d:1'/>", u"g:2: link refers to unknown action 'c'\n"
                                              "g:2: link refers to unknown action 'd'"_s},
+        {"<action id='table'><source/></action><link from='tabel:0' to='table:0'/>",
+         u"g:1: link refers to unknown action 'tabel'; the nearest known name is 'table'\n"
+         "g:1: the action 'table' (source) has no input pin 0"_s},
         {ab + "<link from='a:1' to='b:3'/>", u"g:2: the action 'a' (source) has no output pin 1\n"
                                              "g:2: the action 'b' (sink) has no input pin 3"_s},
         {ab + "<link from='b:0' to='a:0'/>", u"g:2: the action 'a' (source) has no input pin 0"_s},

@@ -1,4 +1,5 @@
 // Checks what a graph file cannot show by itself: types, pins, loops and variables.
+#include "base/mapped.h"
 #include "base/nearest_name.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/corvanta_graph.h"
@@ -11,6 +12,7 @@
 using namespace Qt::StringLiterals;
 using corvanta::ActionRegistry;
 using corvanta::closeNameHint;
+using corvanta::mapped;
 using corvanta::ProblemList;
 
 namespace {
@@ -53,7 +55,10 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
     const CorvantaGraph::Pin &end = isInput ? link.to : link.from;
     const int index = graph.indexOf(end.action);
     if (index < 0) {
-        problems.add(link.line, u"link refers to unknown action '%1'"_s.arg(end.action));
+        const auto ids = mapped<QStringList>(
+            graph.actions, [](const CorvantaGraph::Action &action) { return action.id; });
+        problems.add(link.line, u"link refers to unknown action '%1'%2"_s.arg(
+                                    end.action, closeNameHint(end.action, ids)));
         return;
     }
     const ActionItem *type = registry.prototype(graph.actions[index].parameters.getName());
