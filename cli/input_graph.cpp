@@ -24,6 +24,13 @@ namespace {
 constexpr int kListedTables = 50;
 constexpr qsizetype kBeginningChars = 60;
 
+/// The names of tables or sheets for a message, as many as are listed.
+QString namesOf(const QVector<InputTable> &tables)
+{
+    const auto nameOf = [](const InputTable &table) { return visibleText(table.path); };
+    return stringFromStringList(mapped<QStringList>(tables, nameOf), kListedTables);
+}
+
 /// The table of --table, from 0, a number or the name that the list shows; nothing without that
 /// option.
 CommandResult<std::optional<int>> tableOf(const CommandLine &line, ActionParameters *parameters)
@@ -44,16 +51,11 @@ CommandResult<std::optional<int>> tableOf(const CommandLine &line, ActionParamet
     const auto found = std::find_if(tables.begin(), tables.end(),
                                     [&](const InputTable &table) { return table.path == wanted; });
     if (found == tables.end()) {
-        return badUsage(u"--table: there is no table '%1' in the list of tables"_s.arg(wanted));
+        const QString names = tables.isEmpty() ? QString() : u": "_s + namesOf(tables);
+        return badUsage(
+            u"--table: there is no table '%1' in the list of tables%2"_s.arg(wanted, names));
     }
     return std::optional(static_cast<int>(found - tables.begin()));
-}
-
-/// The names of sheets for a message, as many as are listed.
-QString namesOf(const QVector<InputTable> &sheets)
-{
-    const auto nameOf = [](const InputTable &sheet) { return visibleText(sheet.path); };
-    return stringFromStringList(mapped<QStringList>(sheets, nameOf), kListedTables);
 }
 
 /// Whether the tables are sheets of a workbook.

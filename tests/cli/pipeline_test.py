@@ -461,6 +461,8 @@ class BadInput(Case):
         self.assertIn("--table: there is no table 'x' in the list of tables", self.said)
         self.put("two.json", json.dumps({"a": [{"x": 1}, {"x": 2}, {"x": 3}], "b": [{"y": 1, "z": 2}]}))
         self.assertEqual(self.convert("two.json", "-", "--to", "csv", "--table", "b"), b"y,z\n1,2\n")
+        self.convert("two.json", "out.json", "--table", "c", status=2)
+        self.assertIn("there is no table 'c' in the list of tables: 'a', 'b'\n", self.said)
 
 
 if __name__ == "__main__":
