@@ -416,7 +416,7 @@ CommandResult<void> Batch::run()
                    u"%1 in %2 to run (%3); the folder of the batch is '%4'"_s.arg(
                        counted(m_plan.inputs - m_doneBefore, u"input"_s),
                        counted(tasks.size(), u"task"_s), m_plan.backend, m_plan.folder));
-    if (const auto done = runTasks(tasks); !done) {
+    if (auto done = runTasks(tasks); !done) {
         return done;
     }
     if (m_line.has(u"--detach"_s)) {

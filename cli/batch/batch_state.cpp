@@ -13,6 +13,7 @@
 #include <unordered_map>
 
 using namespace Qt::StringLiterals;
+using corvanta::mapped;
 
 namespace {
 
