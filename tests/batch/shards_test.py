@@ -202,7 +202,8 @@ class Resume(BatchCase):
         messages = self.run_inputs("--inputs", "in/*.csv", "--progress", "always")
         self.assertIn("3 lines of the journal cannot be read and are ignored (first: ", messages[0]["message"])
         self.assertEqual(messages[-1]["summary"]["inputs"]["skipped"], 3)
-        self.assertLess(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, 300 << 10)
+        if "ASAN_OPTIONS" not in os.environ:  # it keeps freed memory
+            self.assertLess(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, 300 << 10)
 
     def test_journal_of_another_graph(self):
         self.write_graph(GRAPH.replace("'K,U'", "'U,U'"), "other.graph")

@@ -194,15 +194,16 @@ public:
             if (!dialog || !dialog->isVisible()) {
                 return; // a busy machine opens it later
             }
+            if (!dialog->isAncestorOf(QApplication::focusWidget())) {
+                dialog->activateWindow(); // as a window manager does
+                return;
+            }
             timer->stop();
-            dialog->activateWindow(); // as a window manager does
-            EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
             press(Qt::Key_A, Qt::ControlModifier);
             type(name);
-            // The list of names that completes the text takes some, until the folder is read.
-            for (int i = 0; i < 20 && dialog->isVisible(); ++i) {
+            // The first one may end the list of names that completes the text.
+            for (int i = 0; i < 2 && dialog->isVisible(); ++i) {
                 press(Qt::Key_Return);
-                std::ignore = QTest::qWaitFor([dialog] { return !dialog->isVisible(); }, 100);
             }
             if (dialog->isVisible()) {
                 dialog->reject(); // the test must not wait for it
