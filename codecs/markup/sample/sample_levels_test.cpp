@@ -66,6 +66,9 @@ TEST(SampleLevels, AreDerivedFromTheShapeOfAJsonDocument)
             SampleCase{R"([{"a":1,"v":[1,2,3,4,5,6,7,8,9]}])", "||a=a v||v="},
             SampleCase{"{\"a\":1,\"b\":{\"c\":null}}\n{\"a\":2,\"d\":3}", "||a=a,c=b/c,d=d"},
             SampleCase{R"({"k":{"v":[[1,2],[3]]}})", "k/v||v[0]=[0],v[1]=[1]"},
+            // An index would select the first member of an object.
+            SampleCase{R"([{"a":1},[5]])", "||a=a -[0]"},
+            SampleCase{R"([{"id":1,"x":{"a":2}},{"x":[5]}])", "||id=id,a=x/a -x[0]"},
             SampleCase{R"({"title":"t","ids":[1,2]})",
                        "||title=title,ids[0]=ids/[0],ids[1]=ids/[1]"},
             SampleCase{R"({"ids":[1,2]})", "ids||ids="},

@@ -85,6 +85,7 @@ private:
     void addColumns(Draft *draft, size_t top, size_t shape) const;
     void addItem(Draft *draft, size_t top, size_t shape, const QString &path,
                  const QString &suffix) const;
+    bool isBesideMembers(size_t shape) const;
     void addIndexed(Draft *draft, size_t top, size_t shape) const;
     QStringList namesTo(const Draft &draft, size_t shape) const;
     static void nameItems(Draft *draft);
@@ -265,6 +266,16 @@ void TableFinder::addLevel(Draft *draft, size_t container, size_t top, size_t in
     }
 }
 
+/// Whether a shape is an item of arrays in a place where there are objects, too. An index without a
+/// name selects a member of these.
+bool TableFinder::isBesideMembers(size_t shape) const
+{
+    const std::vector<size_t> &beside = m_shapes[m_shapes[shape].parent].children;
+    return m_shapes[shape].isItem && m_shapes[shape].name.empty() &&
+           std::any_of(beside.begin(), beside.end(),
+                       [this](size_t other) { return !m_shapes[other].isItem; });
+}
+
 /// Add the columns of one shape inside `top`, or report it as left out.
 void TableFinder::addColumns(Draft *draft, size_t top, size_t shape) const
 {
@@ -273,6 +284,8 @@ void TableFinder::addColumns(Draft *draft, size_t top, size_t shape) const
         if (at.hasText) {
             addItem(draft, top, shape, QString(), QString());
         }
+    } else if (isBesideMembers(shape)) {
+        draft->table.leftOut << pathTo(draft->record, at.parent) + index(0);
     } else if (at.hasText && !at.holdsOthers() && at.maxInParent <= kIndexedValues) {
         addIndexed(draft, top, shape);
     } else if (at.hasText || at.holdsOthers()) {
