@@ -498,7 +498,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     event->accept();
 }
 
-// Data files that are dropped beside a canvas have no place in its graph.
+// Data files that are dropped outside a canvas have no place in its graph.
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
     const auto files = CanvasView::filesOf(*event->mimeData(), m_registry);

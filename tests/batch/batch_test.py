@@ -413,7 +413,7 @@ class Batches(BatchCase):
         self.write_inputs(2)
         self.write_graph(GRAPH.replace("${inputStem}", "all"), "one.graph")
         self.write_graph(GRAPH.replace("'K,U'", "'U,U'"), "other.graph")
-        path = self.write_scheduler("echo 'sbatch: error: Invalid job array specification' >&2\nexit 1", "")
+        path = self.write_scheduler("echo 'sbatch: error: Invalid job array size' >&2\nexit 1", "")
         (self.folder / "full").mkdir()
         (self.folder / "full/file").write_text("")
         alone = {"PATH": str(self.folder / "nothing")}
@@ -424,7 +424,7 @@ class Batches(BatchCase):
             ([*inputs, "--per-task", "0"], "--per-task needs a number of at least 1", {}),
             ([*inputs, "--backend", "slurm"], "--backend slurm: the program 'sbatch' is not on the path", alone),
             ([*inputs, "--backend", "parallel"], "--backend parallel: the program 'parallel' is not on the path", alone),
-            ([*inputs, "--backend", "slurm"], "the scheduler has rejected the job: sbatch: error: Invalid job array specification; a larger --per-task makes fewer tasks", path),
+            ([*inputs, "--backend", "slurm"], "the scheduler has rejected the job: sbatch: error: Invalid job array size; a larger --per-task makes fewer tasks", path),
             ([*inputs, "--folder", "full"], f"the folder '{self.folder}/full' has other files; name another one with --folder", {}),
             ([*inputs, "--union"], "--union needs --merge", {}),
             ([*inputs, "--json"], "--json needs --status", {}),

@@ -503,7 +503,7 @@ TEST_F(Shell, FilesDroppedOnTheStartPageAreOpened)
     EXPECT_TRUE(drop());
     ASSERT_EQ(window().workspace()->tabs().size(), 1);
     EXPECT_EQ(document().ids(), (QStringList{u"a"_s, u"b"_s}));
-    EXPECT_FALSE(drop()); // beside the canvas
+    EXPECT_FALSE(drop()); // outside the canvas
     files.setUrls({QUrl::fromLocalFile(write(u"a.graph"_s, kGraph))});
     EXPECT_TRUE(drop());
     EXPECT_EQ(window().workspace()->tabs().size(), 2);

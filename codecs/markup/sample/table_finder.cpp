@@ -270,9 +270,9 @@ void TableFinder::addLevel(Draft *draft, size_t container, size_t top, size_t in
 /// name selects a member of these.
 bool TableFinder::isBesideMembers(size_t shape) const
 {
-    const std::vector<size_t> &beside = m_shapes[m_shapes[shape].parent].children;
+    const std::vector<size_t> &siblings = m_shapes[m_shapes[shape].parent].children;
     return m_shapes[shape].isItem && m_shapes[shape].name.empty() &&
-           std::any_of(beside.begin(), beside.end(),
+           std::any_of(siblings.begin(), siblings.end(),
                        [this](size_t other) { return !m_shapes[other].isItem; });
 }
 
