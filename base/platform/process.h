@@ -1,5 +1,6 @@
 // Ending child processes together with their own children, which systems do in different ways.
 #pragma once
+#include <cstddef>
 
 class QProcess;
 
@@ -8,8 +9,16 @@ namespace corvanta::platform {
 /// Put `process` and its future children into a process group of their own. Call before it starts;
 /// killWithChildren() needs it.
 void makeGroup(QProcess &process);
-/// The same, and send the process a request to end when this program ends, in whatever way.
-void makeGroupThatEndsWithUs(QProcess &process);
+/// One of `parts` equal parts (0-based) of the processors that this program may use.
+struct ProcessorShare
+{
+    size_t part = 0;
+    size_t parts = 1;
+};
+/// The same, and send the process a request to end when this program ends, in whatever way. The
+/// process runs on its share of the processors, where the system can do that and each part has
+/// one at least.
+void makeGroupThatEndsWithUs(QProcess &process, ProcessorShare share = {});
 /// Request the end of a process and of all processes that it started. Does not wait. Call
 /// makeGroup() before the process starts.
 void terminateWithChildren(QProcess &process);

@@ -243,6 +243,14 @@ class Batches(BatchCase):
         self.assertIn(f"{names[0]}\tthe program ended during the run of this input\t", table)
         self.assertEqual(len(table.splitlines()), 2)
 
+    def check_processors(self, backend):
+        """Two local tasks that run share the processors between them."""
+        allowed = os.sched_getaffinity(0)
+        shares = {frozenset(os.sched_getaffinity(int(number))) for number, line in self.processes() if f"{self.corvanta}\0run\0" in line}
+        self.assertEqual(frozenset().union(*shares), allowed)
+        self.assertEqual(sum(map(len, shares)), len(allowed))
+        self.assertEqual(len(shares), 2 if backend == "local" and len(allowed) > 1 else 1)
+
     def check_end(self, number, backend, status):
         """A signal ends all tasks; nothing half-written is left, and the same command continues."""
         names = self.write_inputs(6)
@@ -260,6 +268,7 @@ class Batches(BatchCase):
         self.assertEqual(busy.returncode, 2)
         self.assertIn('the batch is running already; "corvanta batch --status ', busy.stderr)
         self.assertTrue(self.status()["running"])
+        self.check_processors(backend)
         process.send_signal(number)
         self.assertEqual(process.wait(timeout=WAITS), status)
         self.wait_until(lambda: not self.processes())
