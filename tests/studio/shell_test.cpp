@@ -83,8 +83,7 @@ TEST_F(Shell, PaletteAddsByKeysAndChainsActions)
     EXPECT_TRUE(search.hasFocus());
     QTest::keyClicks(&search, u"readcsv"_s);
     QTest::keyClick(&search, Qt::Key_Return);
-    search.clear();
-    QTest::keyClicks(&search, u"sort"_s);
+    QTest::keyClicks(&search, u"sort"_s); // replaces the text that was found
     QTest::keyClick(&search, Qt::Key_Down);
     auto &tree = child<QTreeView>("paletteTree");
     EXPECT_TRUE(tree.hasFocus());

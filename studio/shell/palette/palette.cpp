@@ -45,7 +45,10 @@ void Palette::makeSearch()
     // A line edit ignores the keys that lead into the tree.
     m_search->installEventFilter(this);
     connect(m_search, &QLineEdit::textChanged, this, &Palette::search);
-    connect(m_search, &QLineEdit::returnPressed, this, [this] { choose(firstAction()); });
+    connect(m_search, &QLineEdit::returnPressed, this, [this] {
+        choose(firstAction());
+        m_search->selectAll(); // what is typed next is another search
+    });
 }
 
 void Palette::makeTree()
