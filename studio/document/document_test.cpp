@@ -438,10 +438,12 @@ TEST_F(StudioDocument, ColumnsOfInputsAreKeptUntilSomethingBeforeThemChanges)
     EXPECT_EQ(columns(), 1);
     EXPECT_EQ(known.count(), 1);
     document->setParameter({u"in"_s}, u"separator"_s, u";"_s);
+    EXPECT_EQ(known.count(), 2); // a panel asks again
     EXPECT_EQ(columns(), 2);
     document->move({{u"in"_s, {0, 7}}});
+    document->setParameter({u"out"_s}, u"separator"_s, u"|"_s);
     EXPECT_EQ(document->inputColumns(u"out"_s, 0).names.size(), 2);
-    EXPECT_EQ(known.count(), 2);
+    EXPECT_EQ(known.count(), 3);
 }
 
 TEST_F(StudioDocument, OpensGraphsThatCannotRun)

@@ -331,7 +331,7 @@ void GraphDocument::reportLinks(const Content &previous)
     }
 }
 
-/// The actions whose rows may differ now.
+/// The actions whose rows, and those whose input may differ now.
 void GraphDocument::reportUpstream(const Content &previous)
 {
     QSet<QString> changed;
@@ -345,10 +345,12 @@ void GraphDocument::reportUpstream(const Content &previous)
             changed.insert(node->id);
         }
     }
+    QSet<QString> inputs;
     for (const LinkRef &link :
          linksOnlyIn(previous, m_content) + linksOnlyIn(m_content, previous)) {
-        changed.insert(link.to.action);
+        inputs.insert(link.to.action);
     }
+    changed.unite(inputs);
     QSet<QString> all;
     for (const QString &id : std::as_const(changed)) {
         if (contains(id) && !all.contains(id)) {
@@ -356,7 +358,16 @@ void GraphDocument::reportUpstream(const Content &previous)
             all.unite(QSet<QString>(after.begin(), after.end()));
         }
     }
-    m_columns->forget(all);
+    for (const Wire &wire : std::as_const(m_content.wires)) {
+        if (all.contains(wire.ends.from.action)) {
+            inputs.insert(wire.ends.to.action);
+        }
+    }
+    // Not of the edited action: its panel, which shows them, is where the user works.
+    m_columns->forget(inputs);
+    for (const QString &id : std::as_const(inputs)) {
+        Q_EMIT columnsChanged(id);
+    }
     for (const QString &id : std::as_const(all)) {
         Q_EMIT upstreamChanged(id);
     }
