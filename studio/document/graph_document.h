@@ -229,8 +229,8 @@ Q_SIGNALS:
     void problemsChanged();
     /// The rows of its outputs may differ: an action, or one that it depends on, has changed.
     void upstreamChanged(const QString &id);
-    void
-    columnsChanged(const QString &id); ///< of its input pins; also when they must be asked again
+    /// The columns of its input pins are known, or must be asked for again.
+    void columnsChanged(const QString &id);
     void runStateChanged(const QString &id);
     /// The beginning of a data file could not be read.
     void fillFailed(const QString &id, const QString &reason);
