@@ -299,8 +299,11 @@ void MainWindow::connectTab(DocumentTab *tab)
             ifShown(&MainWindow::updateCommands));
     connect(tab->runs(), &RunController::filesWritten, m_data, &DataView::filesWritten);
     connect(tab->runs(), &RunController::finished, this, [this, tab](RunEnd end) {
-        const bool isFailure = end == RunEnd::Failed || end == RunEnd::Crashed;
-        if (tab == m_shown && isFailure) {
+        if (tab != m_shown) {
+            return;
+        }
+        m_properties->refresh(); // the run may have written the files that the panel looks up
+        if (end == RunEnd::Failed || end == RunEnd::Crashed) {
             uncover(m_logs); // which says why; the focus stays where the user works
         }
     });

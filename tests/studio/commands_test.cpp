@@ -4,6 +4,7 @@
 #include "studio/shell/preferences/shortcut_editor.h"
 #include "tests/studio/shell_window.h"
 
+#include <QAction>
 #include <QClipboard>
 #include <QDockWidget>
 #include <QKeySequenceEdit>
@@ -18,6 +19,8 @@
 #include <QTranslator>
 #include <QTreeView>
 #include <QTreeWidget>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace corvanta;
@@ -186,6 +189,26 @@ TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
     answer(u"Annuler"_s); // Qt's own button
     trigger("file.close");
     EXPECT_NE(window().workspace()->current(), nullptr);
+}
+
+TEST_F(Shell, ARunUpdatesTheMarksOfFiles)
+{
+    write(u"orders.csv"_s, "a\n1\n");
+    open();
+    canvas().select({u"book"_s});
+    const auto isMarked = [this](const QString &meaning) {
+        const auto marks = child<QWidget>("properties").findChildren<QAction *>();
+        return QTest::qWaitFor(
+            [&] {
+                return std::any_of(marks.begin(), marks.end(), [&](const QAction *mark) {
+                    return mark->isVisible() && mark->toolTip() == meaning;
+                });
+            },
+            20000);
+    };
+    EXPECT_TRUE(isMarked(u"The file does not exist yet"_s));
+    trigger("run.all");
+    EXPECT_TRUE(isMarked(u"The file exists"_s));
 }
 
 TEST_F(Shell, CommandsChangeTheGraph)
