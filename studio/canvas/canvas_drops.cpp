@@ -39,11 +39,12 @@ CanvasView::DroppedFiles CanvasView::filesOf(const QMimeData &data, const Action
     return files;
 }
 
-/// Whether something of a drop can be used.
+/// Whether a drop does something. Of a file that no action reads it says so.
 bool CanvasView::isAcceptable(const QMimeData *data) const
 {
     const DroppedFiles files = filesOf(*data, m_document.registry());
-    return data->hasFormat(actionMimeType()) || !files.graphs.isEmpty() || !files.data.isEmpty();
+    return data->hasFormat(actionMimeType()) ||
+           !(files.graphs + files.data + files.others).isEmpty();
 }
 
 void CanvasView::dragEnterEvent(QDragEnterEvent *event)

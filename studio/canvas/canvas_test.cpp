@@ -305,8 +305,11 @@ TEST_F(Canvas, DroppedActionsAndFilesAreAdded)
     EXPECT_TRUE(m_message.contains("a.unknown"_L1) &&
                 m_message.contains(QFileInfo(m_folder.path()).fileName()))
         << m_message.toStdString();
+    files.setUrls({QUrl::fromLocalFile(u"/x/alone.unknown"_s)});
+    drop(&files, {100, 600});
+    EXPECT_TRUE(m_message.contains("alone.unknown"_L1)) << m_message.toStdString();
     QMimeData none;
-    none.setUrls({QUrl::fromLocalFile(u"/x/a.unknown"_s)});
+    none.setUrls({QUrl(u"https://example.org/a.csv"_s)});
     QDragEnterEvent enter({10, 10}, Qt::CopyAction, &none, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(m_view.viewport(), &enter);
     EXPECT_FALSE(enter.isAccepted());
