@@ -116,6 +116,7 @@ Catalogue::Catalogue(const ActionRegistry &registry)
             QCoreApplication::translate("Parameters", action->getDescription().toUtf8());
         entry.category = categoryTitle(group, tags);
         entry.words = searchWords(*action);
+        entry.isReader = group == Readers;
         entry.isUncommon = tags.contains("Uncommon"_L1);
         all.push_back({group, entry});
     }
@@ -136,7 +137,7 @@ const CatalogueEntry *Catalogue::find(const QString &type) const
     return found == m_entries.end() ? nullptr : &*found;
 }
 
-QVector<const CatalogueEntry *> Catalogue::search(const QString &text) const
+QVector<const CatalogueEntry *> Catalogue::search(const QString &text, bool readersLast) const
 {
     const QStringList words = text.toLower().split(u' ', Qt::SkipEmptyParts);
     QVector<std::pair<int, const CatalogueEntry *>> found;
@@ -146,8 +147,11 @@ QVector<const CatalogueEntry *> Catalogue::search(const QString &text) const
         }
     }
     // Equal results stay in the order of the palette.
+    const auto rank = [readersLast](const auto &each) {
+        return std::pair(readersLast && each.second->isReader, each.first);
+    };
     std::stable_sort(found.begin(), found.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
+                     [&](const auto &a, const auto &b) { return rank(a) < rank(b); });
     QVector<const CatalogueEntry *> entries;
     entries.reserve(found.size());
     for (const auto &each : found) {

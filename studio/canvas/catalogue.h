@@ -20,6 +20,7 @@ struct CatalogueEntry
     QString category;        ///< title, translated
     QStringList words;       ///< lower case: keywords, tags, other names, file extensions
     bool isUncommon = false; ///< is listed after the common ones of its category
+    bool isReader = false;   ///< seldom needs an input
 };
 
 class Catalogue final
@@ -35,8 +36,8 @@ public:
     const CatalogueEntry *find(const QString &type) const;
     /// The entries that match every word of `text`, best first: a word of the name counts most,
     /// then the beginning of a keyword, then any part of the description. All entries for an empty
-    /// text.
-    QVector<const CatalogueEntry *> search(const QString &text) const;
+    /// text. `readersLast`: for a place after an action.
+    QVector<const CatalogueEntry *> search(const QString &text, bool readersLast = false) const;
 
 private:
     QVector<CatalogueEntry> m_entries;

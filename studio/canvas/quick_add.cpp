@@ -55,11 +55,12 @@ void QuickAdd::ask(QPoint place, bool needsInput, std::function<void(const QStri
     m_field->setFocus();
 }
 
-// Without a text all actions are listed, in the order of the palette.
+// Without a text all actions are listed, in the order of the palette. What follows an action mostly
+// changes or writes its rows; a reader would take them as names of files.
 void QuickAdd::search()
 {
     m_list->clear();
-    for (const CatalogueEntry *const entry : m_catalogue.search(m_field->text())) {
+    for (const CatalogueEntry *const entry : m_catalogue.search(m_field->text(), m_needsInput)) {
         ActionItem *const action = m_registry.prototype(entry->type);
         if (m_needsInput && action->maxPinIn() == 0) {
             continue;
