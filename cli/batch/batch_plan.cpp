@@ -126,11 +126,6 @@ CommandResult<void> writeFile(const QString &name, const QByteArray &content)
     return {};
 }
 
-QByteArray linesOf(const QStringList &lines)
-{
-    return (lines.join(u'\n') + u'\n').toUtf8();
-}
-
 /// Runs one task, again if it fails. A shell ignores Ctrl-C in what it starts in the background,
 /// so that a signal is passed on as one for termination.
 QByteArray jobScript(const BatchPlan &plan)
@@ -190,10 +185,9 @@ exit "$status"
 /// Merges the outputs of all inputs.
 QByteArray mergeScript(const BatchPlan &plan)
 {
-    const QStringList words =
-        QStringList{QCoreApplication::applicationFilePath(), u"merge"_s, plan.merged,
-                    u"--parts-from"_s, plan.file(u"parts.txt"_s)} +
-        plan.mergeOptions;
+    const QStringList words = QStringList{QCoreApplication::applicationFilePath(), u"merge"_s,
+                                          plan.merged, u"--parts-from"_s, plan.folder} +
+                              plan.mergeOptions;
     return uR"(#!/bin/sh
 # Merges the outputs of a batch.
 folder=%1
@@ -226,7 +220,7 @@ CommandResult<void> checkMerge(const CommandLine &line, const BatchGraph &graph,
     if (!QFileInfo(folder).isDir() && folder != graph.loaded->absoluteOutDir()) {
         return badUsage(u"--merge: there is no folder '%1'"_s.arg(folder));
     }
-    // Their names become the lines of a list.
+    // Their names become the lines of a parameter.
     const auto broken = std::ranges::find_if(
         outputs, [](const QString &name) { return name.contains(u'\n') || name.endsWith(u'\r'); });
     if (broken != outputs.end()) {
@@ -371,7 +365,6 @@ CommandResult<void> BatchPlan::writeFiles(const BatchGraph &graph) const
         {inputsFileOf(folder), batchLines(graph.inputs)},
         {file(u"job.sh"_s), jobScript(*this)}};
     if (!merged.isEmpty()) {
-        files.emplace_back(file(u"parts.txt"_s), linesOf(graph.outputs()));
         files.emplace_back(file(u"merge.sh"_s), mergeScript(*this));
     }
     for (const auto &[name, content] : files) {

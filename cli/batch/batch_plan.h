@@ -3,7 +3,6 @@
 //   batch.json     the plan and the number of the job
 //   graph          a copy of the graph file: an edit does not change tasks that have not begun
 //   inputs.jsonl   the inputs, see batch_inputs.h
-//   parts.txt      the files to merge, in the order of the inputs
 //   job.sh TASK    runs one task; merge.sh merges
 //   logs           one log per task, JSON lines
 //   status         the exit status of each task that has ended by itself, in a file with its number

@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <functional>
 #include <set>
 #include <unordered_map>
 
@@ -117,6 +118,19 @@ QVector<qsizetype> BatchState::tasksToRun() const
         }
     }
     return {tasks.begin(), tasks.end()};
+}
+
+/// Without rows, a run may have written no file. One that is there is of an earlier run.
+QStringList BatchState::outputs() const
+{
+    QStringList names;
+    for (const InputFile &input : m_inputs) {
+        const JournalEntry *const entry = findEntry(m_last, input, m_plan.identity);
+        if (entry != nullptr && entry->status == kDone) {
+            names += mapped<QStringList>(entry->files, std::mem_fn(&FileState::name));
+        }
+    }
+    return names;
 }
 
 /// Inputs with a failed run, and those whose task ended before it reached them.

@@ -34,6 +34,8 @@ public:
     BatchCounts counts() const;
     /// The tasks with inputs that are not done, or whose outputs are missing.
     QVector<qsizetype> tasksToRun() const;
+    /// The files that the runs of the inputs that are done have written, in the order of the list.
+    QStringList outputs() const;
     /// The inputs that are not done, in the order of the list.
     QVector<BatchFailure> failures() const;
 

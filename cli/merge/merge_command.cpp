@@ -19,7 +19,8 @@ namespace {
 
 constexpr OptionInfo kMergeOptions[] = {
     {"--parts-from", "FILE",
-     "also join the files that FILE names, one per line; -: standard input"},
+     "also join the files that FILE names, one per line (-: standard input), or those that the "
+     "batch in the folder FILE has written"},
     {"--union", "", "join columns by name; a missing one is empty"},
     {"--no-clobber", "", "fail if OUTPUT exists"},
 };

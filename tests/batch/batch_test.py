@@ -389,7 +389,26 @@ class Batches(BatchCase):
         (self.folder / "out/g.batch/logs/merge.log").mkdir()  # as if the merge was killed
         self.assertIn("Error: the merge has failed: its program has ended without a message",
                       self.batch("--inputs", "in/*.csv", "--merge", "all.csv", status=1).stderr)
-        self.assertEqual((self.folder / "out/g.batch/parts.txt").read_text(), "".join(f"{self.folder}/out/a0{i}_x.csv\n" for i in (1, 2)))
+
+    def test_merge_without_rows(self):
+        """A run without rows may write no file, and does not remove the one that an earlier run has written."""
+        self.write_graph(GRAPH.replace("writeCSV", "writeJSON").replace("}.csv", "}.json"))
+        names = self.write_inputs(2, rows=1)
+        words = ["--inputs", "in/*.csv", "--merge", "all.json"]
+        self.batch(*words)
+        (self.folder / names[0]).write_text("k,t\n")
+        self.batch(*words)
+        self.assertTrue((self.folder / "out/a01_x.json").exists())
+        self.assertEqual((self.folder / "all.json").read_text(), '[\n{"k":2000,"t":"text 2"}\n]\n')
+        parts = ["--parts-from", "out/g.batch"]
+        self.assertIn("Info: 1 input of the batch wrote no file", self.call("merge", "more.json", *parts).stderr)
+        self.assertEqual((self.folder / "more.json").read_text(), (self.folder / "all.json").read_text())
+        (self.folder / names[1]).write_text("k,t\n")
+        self.assertRegex(self.batch(*words, status=1).stderr, "the merge has failed: .*the runs of the batch in '.*' have written no file")
+        self.damage(names[1])
+        self.batch(*words, status=1)
+        done = self.call("merge", "more.json", *parts)
+        self.assertEqual((done.returncode, done.stderr), (1, "corvanta merge: 1 input of the batch in 'out/g.batch' is not done\n"))
 
     def test_table_that_cannot_be_written(self):
         self.damage(self.write_inputs(1)[0])
