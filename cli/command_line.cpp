@@ -100,10 +100,11 @@ CommandResult<CommandLine> CommandLine::parse(const QStringList &words,
     const bool areTooMany = line.arguments.size() > options.arguments && !options.hasMoreArguments;
     if (areTooMany || line.arguments.size() < options.arguments) {
         // The first one too many shows a name with blanks that is not quoted.
-        return badUsage(areTooMany && options.arguments > 0
-                            ? u"%1, and '%2' is one too many"_s.arg(
-                                  options.wrongArguments, line.arguments.at(options.arguments))
-                            : options.wrongArguments);
+        return badUsage(
+            areTooMany && options.arguments > 0
+                ? u"%1, and '%2' is one too many; put names with blanks, and patterns, "
+                  "in quotes"_s.arg(options.wrongArguments, line.arguments.at(options.arguments))
+                : options.wrongArguments);
     }
     return line;
 }

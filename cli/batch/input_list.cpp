@@ -93,7 +93,7 @@ ListedNames matchesOf(const QString &pattern)
         for (const QString &name : names) {
             // A pattern without a match comes back.
             if (name != inFolder || QFileInfo(name).isFile()) {
-                found << ListedName{name, {}};
+                found << ListedName{name};
             }
         }
     }
@@ -167,18 +167,21 @@ CommandResult<QVector<InputFile>> readInputs(const QString &word)
     }
     QVector<InputFile> inputs;
     inputs.reserve(listed->size());
-    std::unordered_map<QString, QString> places;
+    std::unordered_map<QString, qsizetype> lines;
     QStringList missing;
     QStringList repeated;
     for (const ListedName &item : *listed) {
         const QString name = QDir::cleanPath(QDir::current().absoluteFilePath(item.name));
         InputFile input{{name}, inputs.size() + 1};
         if (!input.file.examine()) {
-            missing << u"--inputs: there is no file '%1'%2"_s.arg(item.name, item.place);
+            // A user may have named one input instead of a list.
+            const QString place =
+                item.line > 0 ? u" (line %1 of the list)"_s.arg(item.line) : QString();
+            missing << u"--inputs: the file '%1'%2 is missing"_s.arg(item.name, place);
         }
-        if (const auto first = places.try_emplace(name, item.place); !first.second) {
-            repeated << u"--inputs: '%1' is listed twice%2%3"_s.arg(item.name, first.first->second,
-                                                                    item.place);
+        if (const auto [first, isNew] = lines.try_emplace(name, item.line); !isNew) {
+            repeated << u"--inputs: '%1' is listed twice (lines %2 and %3)"_s.arg(
+                item.name, QString::number(first->second), QString::number(item.line));
         }
         inputs << input;
     }

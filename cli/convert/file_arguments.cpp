@@ -322,9 +322,12 @@ CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QS
         return badUsage(
             u"%1: the list '%2' is larger than 256 MiB; use several"_s.arg(option, fileName));
     }
+    const auto notList = [&](const QString &why) {
+        return badUsage(u"%1: '%2' is not a list of file names (%3); a list is a text with one "
+                        "name per line"_s.arg(option, fileName, why));
+    };
     if (bytes.contains('\0')) {
-        return badUsage(u"%1: '%2' is not a list of file names (it has a zero byte); a list is a "
-                        "text with one name per line"_s.arg(option, fileName));
+        return notList(u"it has a zero byte"_s);
     }
     const QString text = QString::fromUtf8(bytes); // without a byte-order mark
     QVector<ListedName> names;
@@ -332,8 +335,12 @@ CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QS
     for (QStringView line : QStringView(text).split(u'\n')) {
         ++number;
         line = line.endsWith(u'\r') ? line.chopped(1) : line;
+        constexpr qsizetype kMaxName = 4096; // PATH_MAX; a message would have the whole data file
+        if (line.size() > kMaxName) {
+            return notList(u"line %1 is too long for a name"_s.arg(number));
+        }
         if (!line.trimmed().isEmpty()) {
-            names << ListedName{line.toString(), u" (line %1)"_s.arg(number)};
+            names << ListedName{line.toString(), number};
         }
     }
     if (names.isEmpty()) {

@@ -30,7 +30,7 @@ QStringList expandedPatterns(const QStringList &words);
 struct ListedName
 {
     QString name;
-    QString place; ///< " (line 3)"; empty for a file that matches a pattern
+    qsizetype line = 0; ///< from 1; 0 for a file that matches a pattern
 };
 /// The names in the list of `option`, UTF-8, one per line, at least one; "-" is standard input.
 /// Blank lines are ignored. The fault is a usage error.

@@ -127,7 +127,7 @@ class Shards(BatchCase):
         self.assertEqual(self.outputs(), self.expected(4))
         text = self.call("run", "g.graph", "--inputs", "in/a01.csv", "--out-dir", "out")
         self.assertEqual(text.returncode, 2)  # the rows of a CSV file are not names of files
-        self.assertIn("there is no file 'k,t' (line 1), and so are 3 more", text.stderr)
+        self.assertIn("the file 'k,t' (line 1 of the list) is missing, and so are 3 more", text.stderr)
 
 
 class Resume(BatchCase):
@@ -261,8 +261,9 @@ BAD = [
     (["--inputs", "in"], "--inputs: cannot read the list 'in': it is a folder"),
     (["--inputs", "huge.txt"], "--inputs: the list 'huge.txt' is larger than 256 MiB; use several"),
     (["--inputs", "zero.txt"], "' is not a list of file names (it has a zero byte); a list is a text with one name per line"),
-    (["--inputs", "twice.txt"], "'./in/a01.csv' is listed twice (line 1) (line 3)"),
-    (["--inputs", "missing.txt"], "there is no file 'in/none.csv' (line 2), and so is 1 more"),
+    (["--inputs", "twice.txt"], "'./in/a01.csv' is listed twice (lines 1 and 3)"),
+    (["--inputs", "missing.txt"], "the file 'in/none.csv' (line 2 of the list) is missing, and so is 1 more"),
+    (["--inputs", "data.json"], "'data.json' is not a list of file names (line 1 is too long for a name); a list is a text with one name per line"),
     (["--inputs", "list.txt", "--shard", "3/2"], "--shard: invalid value '3/2' (expected I/N with I from 1 to N, for example 2/10)"),
     (["--inputs", "list.txt", "--balance", "weight"], "--balance must be count or size"),
     (["--inputs", "list.txt", "--set", "input=a.csv"], "--set input: --inputs sets the variable 'input'"),
@@ -279,6 +280,7 @@ class BadInput(BatchCase):
         self.write_list(["", " "], "empty.txt")
         self.write_list([names[0], names[1], "./" + names[0]], "twice.txt")
         self.write_list([names[0], "in/none.csv", "in/neither.csv"], "missing.txt")
+        (self.folder / "data.json").write_text("[" + "1," * 2100 + "1]")
         (self.folder / "zero.txt").write_bytes(b"PAR1\0\0")
         with open(self.folder / "huge.txt", "wb") as file:
             file.truncate((256 << 20) + 1)  # a hole

@@ -403,7 +403,7 @@ class CommandLine(Case):
                 "convert in.csv o.csv --reader header=maybe": "invalid value 'maybe' for parameter 'header' of readCSV (allowed: 0, 1)",
                 "convert in.csv o.csv --reader separator=\1": "a name or value contains characters that a graph cannot contain",
                 "convert in.csv my o.csv": "no action reads files with the extension of 'my'",
-                "head in.csv my": "one file is required, and 'my' is one too many",
+                "head in.csv my": "one file is required, and 'my' is one too many; put names with blanks, and patterns, in quotes",
                 "convert in.csv .": "'.' is a folder, not a file; './' writes a CSV file per table into it",
                 "convert in.pdf o.csv": "no action reads files with the extension of 'in.pdf' (supported: csv ",
                 "convert in.csv report": "no action writes files with the extension of 'report' (supported: csv txt tsv tab json jsonl ndjson xml parquet "
