@@ -280,9 +280,15 @@ bool ActionReadParquet::checkContent(const QString &name, const parquet::TableRe
     // A range beyond the last row is empty, the file is not.
     const bool isEmpty = table.rowGroupCount() == 0 || table.fileRows() == 0;
     if (table.schemaColumnCount() == 0 || (isEmpty && !m_params.allowEmpty)) {
+        const QString reason =
+            table.schemaColumnCount() == 0
+                ? u"the file '%1' has no columns"_s
+                : u"the file '%1' has no rows; allowEmpty='1' reads it as an empty table"_s;
         return fail(u"Error (2) deserializing thrift meta-data (%1,%2,%3)"_s.arg(
-            QString::number(table.columns().size() + 1), QString::number(table.rowGroupCount()),
-            QString::number(table.declaredRows())));
+                        QString::number(table.columns().size() + 1),
+                        QString::number(table.rowGroupCount()),
+                        QString::number(table.declaredRows())),
+                    reason.arg(name));
     }
     if (!table.missingColumns().isEmpty() && !m_series.hasColumns()) {
         return fail(u"Error: The Parquet file '%1' has no column '%2'\n"_s.arg(
