@@ -196,9 +196,7 @@ bool ActionReadJSON::documentFails(const markup::MarkupResult &result, const QSt
     if (m_reportedErrors < kMaxReportedErrors) {
         warn(u"Warning: JSON structure error '%1' in file '%3' at line %2\n"_s.arg(
             text, QString::number(result.line), name));
-        if (m_reportedErrors == 0) {
-            logPlace(result, name);
-        }
+        logPlace(result, name);
         if (++m_reportedErrors == kMaxReportedErrors) {
             warn(u"More JSON Errors won't be reported"_s);
         }
