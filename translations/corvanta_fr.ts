@@ -4179,6 +4179,10 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <source>no link leads to its input pins</source>
         <translation>aucun lien ne mène à ses entrées</translation>
     </message>
+    <message>
+        <source>has more than 255 characters</source>
+        <translation>a plus de 255 caractères</translation>
+    </message>
 </context>
 <context>
     <name>QPlatformTheme</name>

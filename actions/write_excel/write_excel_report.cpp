@@ -45,9 +45,11 @@ const char *faultText(xlsx::NameFault fault)
         return QT_TRANSLATE_NOOP("Problems",
                                  "is not a letter or _ followed by letters, digits, _ and .");
     case xlsx::NameFault::Reference:
+        return QT_TRANSLATE_NOOP("Problems", "is also a reference to cells");
+    case xlsx::NameFault::TooLong:
         break;
     }
-    return QT_TRANSLATE_NOOP("Problems", "is also a reference to cells");
+    return QT_TRANSLATE_NOOP("Problems", "has more than 255 characters");
 }
 
 /// The same in English. `similar` as in sameButCase().

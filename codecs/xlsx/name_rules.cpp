@@ -52,11 +52,11 @@ bool isNameUnit(QChar c)
     return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c == u'_' || c == u'.';
 }
 
-/// Whether `name`, which is not empty, has the length and the characters of a defined name.
+/// Whether `name`, which is not empty, has the characters of a defined name.
 bool hasNameForm(const QString &name)
 {
     return (name[0].isLetter() || name[0].isSurrogate() || name[0] == u'_') &&
-           name.size() <= kMaxRangeNameUnits && std::all_of(name.begin(), name.end(), isNameUnit);
+           std::all_of(name.begin(), name.end(), isNameUnit);
 }
 
 } // namespace
@@ -80,6 +80,9 @@ QVector<NameFault> rangeNameFaults(const QString &name)
         faults << NameFault::NotAName;
     } else if (isReference(name)) {
         faults << NameFault::Reference;
+    }
+    if (name.size() > kMaxRangeNameUnits) {
+        faults << NameFault::TooLong;
     }
     return faults;
 }

@@ -15,6 +15,7 @@ enum class NameFault : quint8 {
     OnlyCase,  ///< differs only in letter case from the name of another sheet
     NotAName,  ///< of a range: not a letter or "_" followed by letters, digits, "_" and "."
     Reference, ///< of a range: reads as a reference to a cell, a row or a column
+    TooLong,   ///< of a range: has more than 255 characters
 };
 
 /// The faults of the name of a sheet; `others` are the names of the other sheets.

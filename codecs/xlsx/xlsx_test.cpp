@@ -448,7 +448,10 @@ TEST(NameRules, FindsWhatProgramsReject)
         EXPECT_EQ(rangeNameFaults(QString::fromUtf16(name)), Faults{NameFault::Reference})
             << QString::fromUtf16(name).toStdString();
     }
-    EXPECT_EQ(rangeNameFaults(QString(256, u'n')), Faults{NameFault::NotAName});
+    EXPECT_EQ(rangeNameFaults(QString(255, u'n')), Faults());
+    EXPECT_EQ(rangeNameFaults(QString(256, u'n')), Faults{NameFault::TooLong});
+    EXPECT_EQ(rangeNameFaults(QString(256, u' ') + u'n'),
+              (Faults{NameFault::NotAName, NameFault::TooLong}));
 }
 
 } // namespace corvanta::xlsx

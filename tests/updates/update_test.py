@@ -368,6 +368,8 @@ class Losses(UpdateCase):
                 ("sheetName='" + "n" * 30 + "&apos;tail'",
                  ["WARNING: in the Excelfile 'book.xlsx' the SheetName '" + "n" * 30 + "'tail' is too long: truncating at 31 chars.",
                   sheet % ("n" * 30 + "'", "begins or ends with an apostrophe")]),
+                ("sheetName='N' namedRange='" + "n" * 256 + "'",
+                 ["Warning: the range name '" + "n" * 256 + "' of the Excel file 'book.xlsx' has more than 255 characters: the workbook may not open.\n"]),
                 ("sheetName='N' namedRange='SUM'",
                  ["Warning: the range name 'SUM' of the Excel file 'book.xlsx' differs only in letter case from 'sum', which it replaces.\n"])):
             with self.subTest(attributes):
