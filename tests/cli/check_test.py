@@ -213,7 +213,7 @@ class Mistakes(Case):
             (1, "g.graph:1: the value 'four' of 'version' is not allowed; allowed: a decimal number; the graph uses 0"),
             (2, "g.graph:2: the variable 'v' is defined twice; the last value is used"),
             (1, "g.graph:3: the value 'left' of 'x' is not allowed; allowed: a decimal number; the graph uses 0")])
-        self.assertEqual([level for level, _ in self.problems("run", status=0)], [2, 2])
+        self.assertEqual(self.problems("run", status=0), [(2, text) for _, text in self.problems("check", status=2)])
 
     def test_a_valid_graph_is_counted(self):
         self.graph(self.writer("<writeCSV fileName='o.csv'/>"))

@@ -334,11 +334,11 @@ CorvantaGraph::Problems CorvantaGraph::findMistakes(const ActionRegistry &regist
                   [&](const Action &action, ActionItem &item, const ActionParameters &parameters) {
                       ActionCheck(*this, action, item, parameters, problems).findMistakes();
                   });
-    Problems all = mistakes + problems.problems();
-    all.removeIf([](const Problem &problem) {
+    Problems found = problems.problems();
+    found.removeIf([](const Problem &problem) {
         return problem.kind != Kind::Mistake && problem.kind != Kind::Idle;
     });
-    return all;
+    return mistakes + found;
 }
 
 CorvantaGraph::Problems CorvantaGraph::check(const ActionRegistry &registry,
