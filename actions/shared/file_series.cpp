@@ -133,13 +133,8 @@ FileSeries::Opened FileSeries::openWithRetries(const QString &name)
     Opened opened = m_format->openFile(name);
     const auto isMissing = [&] { return !opened && opened.fault().code == OpenError::Missing; };
     if (isMissing()) {
-        // The first message, of a compressed file, would wait for its reason without limit.
-        const input::Kind kind = input::parseInputName(name).kind;
-        if (m_options.retries < 0 && (kind == input::Kind::Gzip || kind == input::Kind::Compress)) {
-            logReason(opened.fault().detail);
-        }
         m_isRetrying = true;
-        retryOpening(name, m_options.retries, m_action.control(), [&] {
+        retryOpening(name, opened.fault().detail, m_options.retries, m_action.control(), [&] {
             opened = m_format->openFile(name);
             return !isMissing();
         });

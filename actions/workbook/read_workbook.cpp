@@ -192,7 +192,7 @@ std::optional<OpenWorkbook> ReadWorkbook::openWithRetries(const QString &name)
     auto opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Failure);
     const auto isMissing = [&] { return !opened && !opened.fault().code; };
     if (isMissing()) {
-        retryOpening(name, m_run.timeOut, control(), [&] {
+        retryOpening(name, opened.fault().detail, m_run.timeOut, control(), [&] {
             opened = openWorkbook(*this, workbookFormat(), name, InputFile::Report::Nothing);
             return !isMissing();
         });

@@ -267,11 +267,17 @@ void waitWhileRunning(std::chrono::milliseconds pause, const RunControl &control
 
 } // namespace
 
-bool retryOpening(const QString &name, int retries, const RunControl &control,
-                  const std::function<bool()> &open, std::chrono::milliseconds pause)
+bool retryOpening(const QString &name, const QString &reason, int retries,
+                  const RunControl &control, const std::function<bool()> &open,
+                  std::chrono::milliseconds pause)
 {
+    // Warnings without limit would fill the log of a run that waits for its input.
+    if (retries < 0 && control.isRunning()) {
+        MainUI::addLog(MainUI::Info,
+                       QStringLiteral("Waiting: cannot read file '%1' yet\n").arg(name));
+        logReason(reason);
+    }
     while (true) {
-        // Warnings without limit would fill the log of a run that waits for its input.
         if (retries >= 0) {
             if (retries-- == 0) {
                 return false;

@@ -98,10 +98,11 @@ private:
 };
 
 /// Try to open an input again: log a warning, wait for `pause`, and call `open`, up to `retries`
-/// times. A negative count repeats without limit and logs nothing. Returns true when `open` does,
-/// and false after the last attempt or when the run ends.
-bool retryOpening(const QString &name, int retries, const RunControl &control,
-                  const std::function<bool()> &open,
+/// times. A negative count repeats without limit and only logs once that it waits, and the `reason`
+/// of the failure before. Returns true when `open` does, and false after the last attempt or when
+/// the run ends.
+bool retryOpening(const QString &name, const QString &reason, int retries,
+                  const RunControl &control, const std::function<bool()> &open,
                   std::chrono::milliseconds pause = std::chrono::seconds(1));
 
 } // namespace corvanta

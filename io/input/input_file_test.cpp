@@ -215,10 +215,11 @@ TEST(RetryOpening, CountsAttemptsAndWarnings)
         bool opens;
         int attempts;
         int warnings;
+        int notes = 0;
     };
     const Case cases[] = {
         {0, 1, RunControl::Running, false, 0, 0}, {3, 99, RunControl::Running, false, 3, 3},
-        {3, 2, RunControl::Running, true, 2, 2},  {-1, 5, RunControl::Running, true, 5, 0},
+        {3, 2, RunControl::Running, true, 2, 2},  {-1, 5, RunControl::Running, true, 5, 0, 2},
         {3, 1, RunControl::Failed, false, 0, 1},  {-1, 1, RunControl::Stopped, false, 0, 0},
     };
     Log log;
@@ -227,14 +228,19 @@ TEST(RetryOpening, CountsAttemptsAndWarnings)
         control.runStatus = c.runStatus;
         int attempts = 0;
         const bool opened = retryOpening(
-            QStringLiteral("%1.json"), c.retries, control,
+            QStringLiteral("%1.json"), QStringLiteral("%1 is missing"), c.retries, control,
             [&] { return ++attempts == c.succeedsAt; }, 1ms);
         EXPECT_EQ(opened, c.opens) << c.retries;
         EXPECT_EQ(attempts, c.attempts) << c.retries;
         const QStringList texts = log.take();
-        EXPECT_EQ(texts.size(), c.warnings) << c.retries;
+        EXPECT_EQ(texts.size(), c.warnings + c.notes) << c.retries;
         EXPECT_EQ(texts.count(
                       QStringLiteral("2Warning: cannot read file '%1.json': Attempting again...")),
-                  texts.size());
+                  texts.size() - c.notes);
+        if (c.notes > 0) {
+            EXPECT_EQ(texts,
+                      QStringList({QStringLiteral("3Waiting: cannot read file '%1.json' yet\n"),
+                                   QStringLiteral("3Reason: %1 is missing.\n")}));
+        }
     }
 }

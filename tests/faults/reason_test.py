@@ -315,18 +315,20 @@ class Reasons(unittest.TestCase):
         thread.join(10)
         self.assertEqual(got, [b""])
 
-    def test_the_reason_while_a_packed_file_is_awaited(self):
-        reader = READERS["json"].format("no.json.gz").replace("<readJSON", "<readJSON timeOut='-1'")
-        (self.folder / "case.graph").write_text(
-            f"<graph version='4.11'><action id='a'>{reader}</action><action id='b'><writeCSV fileName='o.csv'/></action>"
-            "<link from='a:0' to='b:0'/></graph>")
-        with subprocess.Popen([CORVANTA, "run", "case.graph"], cwd=self.folder, stderr=subprocess.PIPE, text=True) as run:
-            stop = threading.Timer(20, run.terminate)
-            stop.start()
-            found = [run.stderr.readline() for _ in range(2)]
-            run.terminate()
-            stop.cancel()
-        self.assertIn("there is no file with this name", "".join(found))
+    def test_the_reason_while_a_file_is_awaited(self):
+        for reader, lines in ((READERS["json"].format("no.json.gz").replace("<readJSON", "<readJSON timeOut='-1'"), 3),
+                              ("<readExcel fileName='no.xlsx' timeOut='-1'/>", 2)):
+            (self.folder / "case.graph").write_text(
+                f"<graph version='4.11'><action id='a'>{reader}</action><action id='b'><writeCSV fileName='o.csv'/></action>"
+                "<link from='a:0' to='b:0'/></graph>")
+            with subprocess.Popen([CORVANTA, "run", "case.graph"], cwd=self.folder, stderr=subprocess.PIPE, text=True) as run:
+                stop = threading.Timer(20, run.terminate)
+                stop.start()
+                found = [run.stderr.readline() for _ in range(lines)]
+                run.terminate()
+                stop.cancel()
+            self.assertIn("Waiting: cannot read file '", found[-2])
+            self.assertIn("there is no file with this name", found[-1])
 
     def test_workbooks_are_awaited(self):
         for reader, kind in (("readExcel", "xlsx"), ("readExcelOld", "xls")):
