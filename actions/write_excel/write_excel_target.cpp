@@ -380,6 +380,9 @@ void ActionWriteExcel::swapNothing()
     const QString temporary = withSuffix(
         fileName(), u"_tmp_%1_%2"_s.arg(QString::number(getIdx()),
                                         QString::number(MainUI::getNearUniqueRandomID())));
+    // Before the attempts, which take seconds and name only their files.
+    MainUI::addLog(MainUI::Info, u"Note: the Excel file '%1' is not updated: %2\n"_s.arg(
+                                     fileName(), reasonOfNoFile()));
     swap(temporary, fileName(), reasonOfNoFile());
     if (m_params.runExcel) {
         recalculate();

@@ -289,7 +289,9 @@ class Messages(UpdateCase):
         program.chmod(0o755)
         status, messages = self.update("mode='2' sheetName='Data' runExcel='1'", csv=header, environment={"PATH": str(self.folder)}, reasons=True)
         self.assertEqual(status, 1)
-        messages.remove("Reason: the input has no rows (alwaysWrite='1' writes its header).\n")
+        reason = "the input has no rows (alwaysWrite='1' writes its header)"
+        self.assertEqual(messages.pop(0), f"Note: the Excel file 'book.xlsx' is not updated: {reason}\n")
+        messages.remove(f"Reason: {reason}.\n")
         # The recalculation runs nevertheless.
         self.assertEqual(messages.pop(), "Warning: cannot run MS-Excel to finalize XLSX file 'book.xlsx'\n")
         self.assertEqual((self.folder / "started").read_text(), "\n")
