@@ -43,9 +43,14 @@ QString notThereText(const QString &file, FileUse use)
     if (info.isSymLink()) {
         return u"the link leads to '%1', which is not there"_s.arg(info.symLinkTarget());
     }
-    return use == FileUse::Read
-               ? u"there is no file with this name"_s
-               : u"the folder '%1' accepts no such file"_s.arg(info.absolutePath());
+    if (use == FileUse::Write) {
+        return u"the folder '%1' accepts no such file"_s.arg(info.absolutePath());
+    }
+    // As for listFiles(), only the last part may be a pattern.
+    const QString last = info.fileName();
+    return last.contains(u'*') || last.contains(u'?')
+               ? u"there is no file with this name, and none matches it as a pattern"_s
+               : u"there is no file with this name"_s;
 }
 
 /// Writers replace files, so they need permission for the folder as well.

@@ -129,6 +129,8 @@ TEST(FailureReason, SaysWhatToDo)
     } cases[] = {
         {QString(), Read, ENOENT, u"the name of the file is empty"_s},
         {in("none"), Read, ENOENT, u"there is no file with this name"_s},
+        {in("no?e*"), Read, ENOENT,
+         u"there is no file with this name, and none matches it as a pattern"_s},
         {in("none"), Write, ENOENT, u"the folder '%1' accepts no such file"_s},
         {in("link"), Read, ENOENT, u"the link leads to '%1/nothing', which is not there"_s},
         {in("d/e/none"), Read, ENOENT, u"the folder '%1/d/e' does not exist"_s},
