@@ -51,7 +51,6 @@ TEST(NearestName, HasTheFewestChanges)
         {u"SHEETNAME"_s, u"sheetName"_s},
         {u"sheetNam"_s, u"sheetName"_s},
         {u"sheetidx"_s, u"sheetIdx"_s},
-        {u""_s, u"run"_s},
     };
     for (const auto &[name, nearest] : cases) {
         EXPECT_EQ(nearestName(name, known), nearest) << name.toStdString();
@@ -63,8 +62,14 @@ TEST(NearestName, HasTheFewestChanges)
     EXPECT_EQ(nearestName(u"sepi"_s, attributes), u"sepia"_s);
     EXPECT_EQ(nearestName(u"he"_s, {u"header"_s, u"hex"_s}), u"hex"_s);
     EXPECT_EQ(nearestName(u"collumn"_s, {u"col"_s, u"column"_s}), u"column"_s);
-    EXPECT_EQ(closeName(u"sep"_s, {u"header"_s, u"separator"_s}), u"separator"_s);
-    EXPECT_EQ(closeName(u"xyz"_s, attributes), QString());
+    EXPECT_EQ(nearestName(u"sep"_s, {u"header"_s, u"separator"_s}), u"separator"_s);
+    // At most a third of the longer name changes, or one of several characters.
+    for (const auto &far : {u"xyz"_s, u"hdr"_s, u"sapis"_s, u""_s}) {
+        EXPECT_EQ(nearestName(far, attributes), QString()) << far.toStdString();
+    }
+    EXPECT_EQ(nearestName(u"k"_s, {u"x"_s}), QString());
+    EXPECT_EQ(nearestName(u"tt"_s, {u"t"_s}), u"t"_s);
+    EXPECT_EQ(nearestName(u"heeadr"_s, attributes), u"header"_s);
     // A swap of neighbours is one change, and long texts end.
     EXPECT_EQ(nearestName(u"ab"_s, {u"acc"_s, u"ba"_s}), u"ba"_s);
     const QString longName(1'000'000, u'x');

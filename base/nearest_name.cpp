@@ -68,6 +68,13 @@ Rank rankOf(const QString &name, const QString &candidate)
     return {isBeginning ? std::min(changes, 1) : changes, -equal, changes};
 }
 
+/// Whether a typing error makes so many changes in a name of `chars` characters. One character in
+/// place of another is no error but another name.
+bool isClose(int changes, qsizetype chars)
+{
+    return changes < chars && changes <= std::max<qsizetype>(1, chars / 3);
+}
+
 } // namespace
 
 QString nearestName(const QString &name, const QStringList &known)
@@ -81,7 +88,7 @@ QString nearestName(const QString &name, const QStringList &known)
             best = rank;
         }
     }
-    return nearest;
+    return isClose(best.changes, std::max(name.size(), nearest.size())) ? nearest : QString();
 }
 
 QString nearestNameHint(const QString &name, const QStringList &known)
@@ -90,22 +97,9 @@ QString nearestNameHint(const QString &name, const QStringList &known)
     return nearest.isEmpty() ? QString() : u"; the nearest known name is '%1'"_s.arg(nearest);
 }
 
-QString closeName(const QString &name, const QStringList &known)
-{
-    const QString nearest = nearestName(name, known);
-    const int changes = rankOf(name, nearest).changes;
-    return 2 * changes <= std::max(name.size(), nearest.size()) ? nearest : QString();
-}
-
-QString closeNameHint(const QString &name, const QStringList &known)
-{
-    const QString close = closeName(name, known);
-    return close.isEmpty() ? QString() : nearestNameHint(name, {close});
-}
-
 QString missingColumnReason(const QString &name, const QStringList &columns)
 {
-    const QString hint = closeNameHint(name, columns);
+    const QString hint = nearestNameHint(name, columns);
     return hint.isEmpty() ? QString() : u"the input has no such column"_s + hint;
 }
 

@@ -67,7 +67,7 @@ CommandResult<qsizetype> CommandLine::addOption(const QStringList &words, qsizet
     }
     if (!options.withValue().contains(name)) {
         return badUsage(u"unknown option '%1'%2"_s.arg(
-            word, corvanta::closeNameHint(name, options.withValue() + options.flags())));
+            word, corvanta::nearestNameHint(name, options.withValue() + options.flags())));
     }
     if (equals >= 0) {
         values[name] << word.mid(equals + 1);

@@ -334,7 +334,7 @@ CommandResult<void> describeCommand(const CommandLine &line)
     ActionItem *const action = registry.prototype(type);
     if (action == nullptr) {
         return badUsage(u"unknown action '%1'%2 (\"corvanta actions\" lists all actions)"_s.arg(
-            type, closeNameHint(type, registry.typeNames())));
+            type, nearestNameHint(type, registry.typeNames())));
     }
     const auto *const declared = dynamic_cast<const ActionParameters *>(action);
     const QVector<ParameterInfo> infos =

@@ -129,7 +129,7 @@ CommandResult<void> apply(const QStringList &settings, const QString &type,
         const int index = parameters->indexOfParameter(name);
         if (index < 0) {
             return badUsage(u"unknown parameter '%1' of %2%3"_s.arg(
-                name, type, closeNameHint(name, namesOf(infos))));
+                name, type, nearestNameHint(name, namesOf(infos))));
         }
         // The second and later settings of a list append to it; the first one replaces it.
         const bool isNextString =

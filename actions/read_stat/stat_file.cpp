@@ -221,7 +221,7 @@ bool StatFile::startParser()
     }
     for (const QString &missing : m_reader->missingColumns()) {
         m_action.fail(u"ERROR: the statistical file '%1' has no column '%2'%3\n"_s.arg(
-            m_name, missing, closeNameHint(missing, m_reader->skippedColumns())));
+            m_name, missing, nearestNameHint(missing, m_reader->skippedColumns())));
     }
     if (!m_action.runIsGood()) {
         return false;

@@ -146,7 +146,7 @@ QString LevelWriter::reasonFor(const Fault<compose::LevelProblem> &fault,
     for (const WriteLevel &level : declared) {
         levels << level.name;
     }
-    const QString hint = closeNameHint(fault.detail, levels);
+    const QString hint = nearestNameHint(fault.detail, levels);
     return hint.isEmpty() ? QString() : u"there is no such level"_s + hint;
 }
 

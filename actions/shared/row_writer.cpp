@@ -165,7 +165,7 @@ void RowWriter::warnUnknown(const QString &target, const char *parameter, const 
             u"Warning: writing %1 '%2': %3 names %4 that the input does not have; the first is '%5'%6\n"_s
                 .arg(target, fileName(), QString::fromLatin1(parameter),
                      counted(unknown.count(), u"column"_s), unknown.first(),
-                     closeNameHint(unknown.first(), columns.schema().names)));
+                     nearestNameHint(unknown.first(), columns.schema().names)));
     }
 }
 

@@ -56,7 +56,7 @@ CommandResult<QString> givenFormat(const CommandLine &line, Use use, const Actio
     const QStringList known = knownExtensions(registry, use).split(u' ');
     if (line.values.contains(option) && !known.contains(format)) {
         return badUsage(u"%1: unknown format '%2'%3 (supported: %4)"_s.arg(
-            option, format, closeNameHint(format, known), known.join(u' ')));
+            option, format, nearestNameHint(format, known), known.join(u' ')));
     }
     return format;
 }

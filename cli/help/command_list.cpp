@@ -141,5 +141,5 @@ corvanta::Fault<ExitStatus> unknownCommand(const QString &name)
     QStringList known{u"help"_s};
     std::ranges::transform(kCommands, std::back_inserter(known),
                            [](const Command &command) { return QLatin1StringView(command.name); });
-    return badUsage(u"unknown command '%1'%2"_s.arg(name, corvanta::closeNameHint(name, known)));
+    return badUsage(u"unknown command '%1'%2"_s.arg(name, corvanta::nearestNameHint(name, known)));
 }

@@ -58,7 +58,7 @@ CommandResult<void> checkUse(const QStringList &assignments, const CorvantaGraph
         const auto given = Assignment::parse(text); // was parsed before
         if (given && !used.contains(given->name)) {
             return badUsage(u"--set %1: the graph does not use the variable '%1'%2"_s.arg(
-                given->name, closeNameHint(given->name, used)));
+                given->name, nearestNameHint(given->name, used)));
         }
     }
     return {};

@@ -11,8 +11,8 @@
 
 using namespace Qt::StringLiterals;
 using corvanta::ActionRegistry;
-using corvanta::closeNameHint;
 using corvanta::mapped;
+using corvanta::nearestNameHint;
 using corvanta::ProblemList;
 
 namespace {
@@ -44,7 +44,7 @@ void checkTypes(const CorvantaGraph &graph, const ActionRegistry &registry, Prob
             const QString type = action.parameters.getName();
             problems.add(action.parameters.line(),
                          u"the action '%1' has the unknown type '%2'%3"_s.arg(
-                             action.id, type, closeNameHint(type, registry.typeNames())));
+                             action.id, type, nearestNameHint(type, registry.typeNames())));
         }
     }
 }
@@ -58,7 +58,7 @@ void checkLinkEnd(const CorvantaGraph &graph, const ActionRegistry &registry,
         const auto ids = mapped<QStringList>(
             graph.actions, [](const CorvantaGraph::Action &action) { return action.id; });
         problems.add(link.line, u"link refers to unknown action '%1'%2"_s.arg(
-                                    end.action, closeNameHint(end.action, ids)));
+                                    end.action, nearestNameHint(end.action, ids)));
         return;
     }
     const ActionItem *type = registry.prototype(graph.actions[index].parameters.getName());

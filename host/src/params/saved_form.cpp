@@ -130,6 +130,12 @@ private:
             u"unknown %1 '%2' of '%3'%4"_s.arg(what, name, parent, nearestNameHint(name, known)));
     }
 
+    /// In `parent`, whose elements all have the name `item`.
+    void addUnknownItem(const XMLNode &child, const XMLNode &parent, const QString &item)
+    {
+        add(child, u"unknown element '%1' of '%2'; the only known name is '%3'"_s.arg(
+                       child.getName(), parent.getName(), item));
+    }
     void addUnknownAttribute(const XMLNode &element, const QString &name, const Known &known);
 
     const GlobalParameters *m_global;
@@ -276,7 +282,7 @@ void Walk::visitWrapper(const XMLNode &wrapper, const ParameterInfo &info)
         if (child.getName() == info.itemElement) {
             visit(child, info.members);
         } else {
-            addUnknown(child, u"element"_s, child.getName(), wrapper.getName(), {info.itemElement});
+            addUnknownItem(child, wrapper, info.itemElement);
         }
     }
 }
@@ -309,7 +315,7 @@ void Walk::visitStrings(const XMLNode &list, const ParameterInfo &info)
         if (child.getName() == kString) {
             visitString(child, info);
         } else if (info.place == ParameterInfo::Place::Element) {
-            addUnknown(child, u"element"_s, child.getName(), list.getName(), {kString});
+            addUnknownItem(child, list, kString);
         }
     }
 }
