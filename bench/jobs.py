@@ -67,11 +67,13 @@ def converted(ending, *settings):
     return ("corvanta", "convert", "sales.csv", f"sales.{ending}", "--reader", f"types={SALES_TYPES}", *settings)
 
 
-def convert(meaning, source, target, query=None, miller=None, *options, make_input=()):
-    """Runs "corvanta convert", which decides the types; peers: DuckDB and Miller."""
-    return Job(meaning + ("; peers: DuckDB, Miller" if miller else "; peer: DuckDB" if query else ""), "", target,
-               ["duckdb", "-c", query] if query else None, "peer" + target.removeprefix("ours"), input=source, make_input=make_input,
-               command=("convert", source, target, *options), also=((miller, "stdout"),) if miller else ())
+def convert(meaning, source, target, *options, queries=(), miller=None, make_input=()):
+    """Runs "corvanta convert", which decides the types by all values; peers: DuckDB, with each query, and Miller."""
+    peer_output = "peer" + target.removeprefix("ours")
+    peers = [(["duckdb", "-c", query], peer_output) for query in queries] + ([(miller, "stdout")] if miller else [])
+    first, *also = peers or [(None, None)]
+    return Job(meaning + ("; peers: DuckDB, Miller" if miller else "; peer: DuckDB" if queries else ""), "", target,
+               *first, input=source, make_input=make_input, command=("convert", source, target, *options), also=tuple(also))
 
 
 def stat_read(ending):
@@ -104,17 +106,19 @@ JOBS = {
                                                          "LIMIT 100000) USING (id)) TO 'peer.csv' (HEADER)"], "peer.csv",
                 also=((["sh", "-c", JOIN_MILLER], "stdout"),)),
     "convert_filter": convert("rows and columns of a CSV file by convert", "sales.csv", "ours.csv",
-                              "COPY (SELECT id, price, city FROM 'sales.csv' WHERE price > 50) TO 'peer.csv' (HEADER)",
-                              ["mlr", "--csv", "filter", "$price > 50", "then", "cut", "-f", "id,price,city", "sales.csv"],
-                              "--where", "price > 50", "--select", "id,price,city"),
-    "convert_sort": convert("a CSV file sorted by convert, a million rows", "sales.csv", "ours.csv",
-                            "COPY (SELECT * FROM 'sales.csv' ORDER BY total DESC NULLS LAST, customer NULLS LAST) TO 'peer.csv' (HEADER)",
-                            ["mlr", "--csv", "sort", "-nr", "total", "-f", "customer", "sales.csv"], "--sort", "-total,customer"),
+                              "--where", "price > 50", "--select", "id,price,city",
+                              queries=["COPY (SELECT id, price, city FROM 'sales.csv' WHERE price > 50) TO 'peer.csv' (HEADER)"],
+                              miller=["mlr", "--csv", "filter", "$price > 50", "then", "cut", "-f", "id,price,city", "sales.csv"]),
+    "convert_sort": convert("a CSV file sorted by convert, a million rows", "sales.csv", "ours.csv", "--sort", "-total,customer",
+                            queries=["COPY (SELECT * FROM 'sales.csv' ORDER BY total DESC NULLS LAST, customer NULLS LAST) TO 'peer.csv' (HEADER)"],
+                            miller=["mlr", "--csv", "sort", "-nr", "total", "-f", "customer", "sales.csv"]),
+    # The first query decides the types by all values, as we do; the second one by the first 20,480 rows.
     "convert_parquet": convert("CSV to typed Parquet by convert", "sales.csv", "ours.parquet",
-                               "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet'"),
-    "convert_json": convert("JSON Lines to typed Parquet by convert", "sales.jsonl", "ours.parquet",
-                            "COPY (SELECT * FROM read_json('sales.jsonl')) TO 'peer.parquet'",
-                            make_input=("make_json.py", "sales.csv", "lines")),
+                               queries=["COPY (SELECT * FROM read_csv('sales.csv', sample_size=-1)) TO 'peer.parquet'",
+                                        "COPY (SELECT * FROM 'sales.csv') TO 'peer.parquet'"]),
+    "convert_json": convert("JSON Lines to typed Parquet by convert", "sales.jsonl", "ours.parquet", make_input=("make_json.py", "sales.csv", "lines"),
+                            queries=["COPY (SELECT * FROM read_json('sales.jsonl', sample_size=-1)) TO 'peer.parquet'",
+                                     "COPY (SELECT * FROM read_json('sales.jsonl')) TO 'peer.parquet'"]),
     "convert_xlsx": convert("CSV to a typed workbook by convert", "sales.csv", "ours.xlsx"),
     "xlsx_write": Job("CSV to a new workbook; peer: libxlsxwriter, constant memory",
                       graph(READ_SALES, "<writeExcel fileNameDestination='ours.xlsx' dateFormat='yyyy-MM-dd'>"

@@ -77,6 +77,7 @@ class Bench:
             self.make(job.input, job.make_input, self.rows_of(job))
 
     def ours(self, job, bin_folder):
+        (self.folder / job.output).unlink(missing_ok=True)  # as for the peers: removing an old file takes time, too
         return timed([str(bin_folder / "corvanta"), *(job.command or ("run", "bench.graph")), "--progress", "never"], self.folder)
 
     def peers_of(self, job):
