@@ -5862,6 +5862,14 @@ Actions&#xa0;: %2</translation>
         <source>Run</source>
         <translation>Exécuter</translation>
     </message>
+    <message>
+        <source>Files in %1, with names from the rows</source>
+        <translation>Des fichiers de %1, dont les noms viennent des lignes</translation>
+    </message>
+    <message>
+        <source>The run may replace existing files.</source>
+        <translation>L'exécution peut remplacer des fichiers existants.</translation>
+    </message>
 </context>
 <context>
     <name>corvanta::studio::Palette</name>

@@ -7,9 +7,12 @@
 #include "corvanta/files.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -24,9 +27,19 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(corvanta::studio::OverwriteQuestion)
 };
 
-/// The files of a name in which "*" is what depends on the rows.
+/// Whether only the folder is known. Its other files, such as the inputs, are no targets.
+bool isAnyFile(const QString &name)
+{
+    return name.endsWith("/*"_L1) && !QFileInfo(name).isFile();
+}
+
+/// The files of a name in which "*" is what depends on the rows; of "FOLDER/*" itself.
 QStringList filesOf(const QString &name)
 {
+    if (isAnyFile(name)) {
+        const bool hasFiles = !QDir(QFileInfo(name).path()).isEmpty(QDir::Files | QDir::Hidden);
+        return hasFiles ? QStringList{name} : QStringList();
+    }
     QStringList files{name};
     if (!QFileInfo(name).isFile() && name.contains(u'*')) {
         listFiles(name, &files);
@@ -48,23 +61,36 @@ QStringList existingTargets(const CorvantaGraph &graph, const ActionRegistry &re
         files += filesOf(name);
     }
     files.removeDuplicates();
+    // First, so that a long list of files does not hide them.
+    std::stable_partition(files.begin(), files.end(), isAnyFile);
     return files;
 }
 
 /// A long list is cut; the details of the box have all of it.
 bool askToOverwrite(QWidget *parent, const QStringList &files)
 {
-    const bool isLong = files.size() > kShownFiles;
+    QStringList lines;
+    qsizetype known = 0;
+    for (const QString &file : files) {
+        const bool isAny = isAnyFile(file);
+        lines
+            << (isAny
+                    ? Texts::tr("Files in %1, with names from the rows").arg(QFileInfo(file).path())
+                    : file);
+        known += isAny ? 0 : 1;
+    }
+    const bool isLong = lines.size() > kShownFiles;
     QMessageBox box(
         QMessageBox::Warning, Texts::tr("Overwrite files"),
-        Texts::tr("The run replaces or changes existing files. Files: %1").arg(files.size()),
+        known == 0 ? Texts::tr("The run may replace existing files.")
+                   : Texts::tr("The run replaces or changes existing files. Files: %1").arg(known),
         QMessageBox::Cancel, parent);
     box.setObjectName(u"overwriteQuestion"_s);
     box.setTextFormat(Qt::PlainText); // names may contain what looks like markup
-    box.setInformativeText(files.mid(0, kShownFiles).join(u'\n') +
+    box.setInformativeText(lines.mid(0, kShownFiles).join(u'\n') +
                            (isLong ? u"\n\u2026"_s : u""_s));
     if (isLong) {
-        box.setDetailedText(files.join(u'\n'));
+        box.setDetailedText(lines.join(u'\n'));
     }
     // Enter must not overwrite what the user has not read about.
     const QPushButton *const run = box.addButton(Texts::tr("Run"), QMessageBox::AcceptRole);

@@ -14,7 +14,8 @@ class ActionRegistry;
 namespace corvanta::studio {
 
 /// The existing files among those that a run of `graph` writes, in the order of the actions; also
-/// those that match a name that depends on the rows. None for an invalid graph, which does not run.
+/// those that match a name that depends on the rows, and "FOLDER/*" where all of the name does and
+/// the folder has files. None for an invalid graph, which does not run.
 /// Looks up files, so call it in the background. Threads: any.
 QStringList existingTargets(const CorvantaGraph &graph, const ActionRegistry &registry);
 

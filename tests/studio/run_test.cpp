@@ -148,6 +148,12 @@ TEST(GraphRun, NamesThatDependOnTheRowsMatchFiles)
     }
     EXPECT_EQ(existingTargets(folder.document->graph(), test::allActions()),
               QStringList{folder.path(u"part[1]__a.parquet"_s)});
+    // The inputs next to documents whose names are in a column are no targets.
+    const StudioFolder letters("<action id='in'><readCSV fileName='in.csv'/></action>"
+                               "<action id='out'><writeDoc wordFile='name'/></action>"
+                               "<link from='in:0' to='out:0'/>");
+    EXPECT_EQ(existingTargets(letters.document->graph(), test::allActions()),
+              QStringList{letters.path(u"*"_s)});
 }
 
 TEST(GraphRun, FailuresAreInTheLogWithTheirActions)
