@@ -5,7 +5,6 @@
 #include "corvanta/failure_reason.h"
 #include "corvanta/files.h"
 #include "io/input/input_file.h"
-#include "io/input/input_name.h"
 
 #include <algorithm>
 #include <utility>
