@@ -67,6 +67,30 @@ bool isTextWithNumbers(const ColumnKind &kind)
     return !kind.exceptionPlace.isEmpty() && (isNumber(kind.kind) || isNumber(kind.before));
 }
 
+/// A text, although the values before one are dates or times.
+bool isTextWithDates(const ColumnKind &kind)
+{
+    return kind.kind == ValueKind::Text &&
+           (kind.before == ValueKind::Date || kind.before == ValueKind::DateTime ||
+            kind.before == ValueKind::Time);
+}
+
+/// Say which columns are texts although they have values of a kind, and because of which value.
+void noteTexts(const QString &fileName, const QVector<ColumnKind> &kinds,
+               bool (*hasValues)(const ColumnKind &), const QString &values, const QString &remedy)
+{
+    const auto count = std::ranges::count_if(kinds, hasValues);
+    if (count == 0) {
+        return;
+    }
+    const ColumnKind &first = *std::ranges::find_if(kinds, hasValues);
+    MainUI::addLog(
+        MainUI::Info,
+        u"%1 of '%2' %3 %4 but %5 text; the first is '%6', because of '%7' in %8%9"_s.arg(
+            counted(count, u"column"_s), fileName, hasOrHave(count), values, isOrAre(count),
+            first.column, visibleText(first.exception), first.exceptionPlace, remedy));
+}
+
 ValueKind kindOf(QChar letter)
 {
     return letter == u'K'   ? ValueKind::Integer
@@ -233,18 +257,11 @@ QVector<ColumnKind> jsonKinds(const CommandLine &line, QVector<ColumnKind> kinds
     return kinds;
 }
 
-void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds)
+void noteValuesAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds)
 {
-    const auto count = std::count_if(kinds.begin(), kinds.end(), isTextWithNumbers);
-    if (count == 0) {
-        return;
-    }
-    const ColumnKind &first = *std::find_if(kinds.begin(), kinds.end(), isTextWithNumbers);
-    MainUI::addLog(MainUI::Info,
-                   u"%1 of '%2' %3 numbers but %4 text; the first is '%5', because of '%6' in %7 "
-                   "(--types with one letter for each column, such as K,F,U, reads numbers)"_s.arg(
-                       counted(count, u"column"_s), fileName, hasOrHave(count), isOrAre(count),
-                       first.column, visibleText(first.exception), first.exceptionPlace));
+    noteTexts(fileName, kinds, isTextWithNumbers, u"numbers"_s,
+              u" (--types with one letter for each column, such as K,F,U, reads numbers)"_s);
+    noteTexts(fileName, kinds, isTextWithDates, u"dates or times"_s, QString());
 }
 
 /// Only columns that the reader itself cannot give as numbers.

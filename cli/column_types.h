@@ -51,9 +51,10 @@ bool comparesValues(const CommandLine &line);
 /// columns that an option of comparesValues() may name.
 QVector<ColumnKind> jsonKinds(const CommandLine &line, QVector<ColumnKind> kinds);
 
-/// Say that columns with numbers are texts, because of other values or of too many digits, and how
-/// to read them as numbers: their order and their cells in a workbook differ from those of numbers.
-void noteNumbersAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds);
+/// Say that columns with numbers, dates or times are texts, because of other values or of too many
+/// digits, and how to read numbers all the same: the order of texts and their cells in a workbook
+/// differ from those of numbers and dates.
+void noteValuesAmongTexts(const QString &fileName, const QVector<ColumnKind> &kinds);
 
 /// Make the reader give numbers for the columns with the letters K and F. Returns the parameter
 /// `types` of the action `cast` that must do it instead, in order; empty: none is needed.

@@ -353,7 +353,7 @@ CommandResult<void> findKinds(const CommandLine &line, const QStringList &words,
         }
         input.kinds = isJson ? jsonKinds(line, *std::move(kinds)) : *std::move(kinds);
         if (writer.needsColumnKinds()) {
-            noteNumbersAmongTexts(word, writtenOf(input.kinds, *chain));
+            noteValuesAmongTexts(word, writtenOf(input.kinds, *chain));
         }
         joinKinds(word, input.kinds, hasScannedKinds(line, *input.reader), chain);
     }

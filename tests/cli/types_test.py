@@ -162,6 +162,15 @@ class Found(Case):
             self.assertEqual(self.corvanta("convert", "in.csv", "out.csv", *words).stderr, "")
         self.assertEqual([line.split(",")[0] for line in self.read("out.csv").splitlines()], ["x", "10", "4", "0.30000000000000004"])
 
+    def test_dates_that_stay_texts_are_reported(self):
+        self.put("in.csv", "day,at,n\n2026-02-28,10:00,1\n2026-02-30,11:00,2\n,-,\n")
+        self.put("in.json", '[{"day":"2026-02-28"},{"day":"2026-02-30"}]')
+        for name, note in (("in.csv", "2 columns of 'in.csv' have dates or times but are text; the first is 'day', because of '2026-02-30' in row 2 (line 3)\n"),
+                           ("in.json", "1 column of 'in.json' has dates or times but is text; the first is 'day', because of '2026-02-30' in row 2 (line 1, column 25)\n")):
+            for out in ("out.xlsx", "out.parquet"):
+                self.assertEqual(self.corvanta("convert", name, out).stderr, f"Info: {note}")
+            self.assertEqual(self.corvanta("convert", name, "out.csv").stderr, "")
+
     def test_json_tokens_are_types(self):
         self.put("in.json", '[{"n":1,"d":1.5,"s":"12","b":true,"day":"2026-01-31","e":"2026\\u002d01-31","x":12345678901234567890,"m":1},'
                             '{"n":null,"d":2,"s":"13","b":null,"day":null,"e":"2026-01-31","x":1,"m":"1"}]')
