@@ -385,7 +385,17 @@ class Folders(Case):
         self.put("shop.xml", "<s><i>x</i><as><a n='1'><b>1</b><b>2</b></a><a n='2'><b>1</b></a></as><cs><c>1</c><c>2</c></cs></s>")
         self.convert("shop.xml", "xml/")
         self.assertEqual(self.said.count("not read"), 1, self.said)
-        self.assertIn("(count: 2, first 'i' at", self.said)  # few values without others inside are not a table
+        self.assertIn("(count: 1, first 'i' at", self.said)
+
+    def test_lists_of_values_beside_the_records_are_tables(self):
+        self.put("dump.json", '{"tags":["a",null,"b"],"m":[{"id":1,"t":[5,6]},{"id":2}],"o":{"tags":[7]}}')
+        self.convert("dump.json", "out/")
+        self.assertEqual(self.said, "")
+        self.assertEqual({name: self.content(name).decode() for name in self.names() if "/" in name},
+                         {"out/m.csv": "id,t[0],t[1]\n1,5,6\n2,,\n", "out/tags.csv": "tags\na\n\nb\n", "out/o.tags.csv": "tags\n7\n"})
+        self.put("shop.xml", "<s><i>1</i><i>2</i><a><b>3</b><b>4</b></a></s>")
+        self.convert("shop.xml", "xml/")
+        self.assertEqual((self.rows_of("xml/i.csv"), self.rows_of("xml/b.csv")), ([["i"], ["1"], ["2"]], [["b"], ["3"], ["4"]]))
 
     def test_nothing_is_left_of_an_input_that_cannot_be_read(self):
         self.put("bad.json", '{"a":[1,2')

@@ -73,7 +73,7 @@ private:
     std::vector<size_t> findRecords() const;
     bool hasScalars() const;
     bool isTopArray(size_t shape) const;
-    QStringList valuesOutside(const std::vector<size_t> &records) const;
+    std::vector<size_t> valuesOutside(const std::vector<size_t> &records) const;
     size_t findInner(size_t record) const;
     SampledTable tableOf(size_t record) const;
     Level withoutColumns(Level level, size_t top) const;
@@ -416,10 +416,10 @@ void TableFinder::nameTables(std::vector<RelatedTable> *tables)
     }
 }
 
-/// The paths of the values that are in none of the records.
-QStringList TableFinder::valuesOutside(const std::vector<size_t> &records) const
+/// The shapes with values that are in none of the records.
+std::vector<size_t> TableFinder::valuesOutside(const std::vector<size_t> &records) const
 {
-    QStringList outside;
+    std::vector<size_t> outside;
     std::vector<size_t> open{0};
     while (!open.empty()) {
         const size_t shape = open.back();
@@ -428,7 +428,7 @@ QStringList TableFinder::valuesOutside(const std::vector<size_t> &records) const
             continue;
         }
         if (m_shapes[shape].hasText) {
-            outside << pathTo(0, shape);
+            outside.push_back(shape);
         }
         const std::vector<size_t> &children = m_shapes[shape].children;
         open.insert(open.end(), children.rbegin(), children.rend());
@@ -444,8 +444,14 @@ SampledDocument TableFinder::find() const
         document.add(tableOf(record));
         addRelated(nullptr, 0, record, -1, &document.related);
     }
+    for (const size_t shape : valuesOutside(records)) {
+        document.outside << pathTo(0, shape);
+        // No record has columns for the items of a list that is beside the records.
+        if (m_shapes[shape].isRepeated() && !m_shapes[shape].holdsOthers()) {
+            addRelated(nullptr, 0, shape, -1, &document.related);
+        }
+    }
     nameTables(&document.related);
-    document.outside = valuesOutside(records);
     for (size_t shape = 0; shape < m_shapes.size(); ++shape) {
         if (m_sameNameIndex[shape] > 0 && !m_shapes[shape].isAttribute) {
             document.sameNames << QString::fromStdU16String(m_shapes[shape].name);
