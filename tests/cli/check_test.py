@@ -572,27 +572,6 @@ class CommandLine(Case):
             self.assertEqual(self.corvanta(*words.split()).stdout, self.corvanta("help").stdout)
         writes = next(line for line in self.corvanta("help", "convert").stdout.splitlines() if line.startswith("  writes"))
         self.assertEqual(writes.split()[1:], "csv txt tsv tab json jsonl ndjson xml parquet xlsx sas7bdat xpt".split())
-        for text in ("Saved as the element <ToWrite><s>TEXT</s>...</ToWrite>.", "Saved as <s>TEXT</s> for each text, directly in the element."):
-            self.assertIn(text, self.corvanta("describe", "writeJSON").stdout)
-        self.assertRegex(self.corvanta("describe", "writeJSON").stdout,
-                         r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = An array containing some sub-level")
-
-
-    def test_describe_has_what_a_parameter_allows(self):
-        def infos(action):
-            return {info["name"]: info for info in json.loads(self.corvanta("describe", action, "--json").stdout)["parameters"]}
-        writer = infos("writeParquet")
-        size = writer["pageSize"]
-        self.assertEqual((size["low"], size["high"], size["unit"], "required" in size), (1, 1048576, "KiB", False))
-        self.assertEqual(writer["keyStorage"]["choices"][1], "32-bit integer")
-        self.assertEqual(infos("readExcel")["sheetIdx"]["low"], 1)
-        self.assertNotIn("high", infos("readExcel")["sheetIdx"])
-        self.assertEqual((writer["timeOut"]["low"], writer["timeOut"]["lowMeans"], "lowMeans" in size), (-1, "no limit", False))
-        self.assertTrue(infos("writeReport")["output"]["required"])
-        text = self.corvanta("describe", "writeReport").stdout
-        self.assertIn("Allowed: a whole number from 1 to 1000.", text)
-        self.assertIn("Required: must not be empty.", text)
-        self.assertIn("any number of input pins, 0 output pins\n", text)
 
 
 class WritersWithoutRows(Case):

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The examples that describe prints are valid, and every parameter has one: describe_test.py CORVANTA"""
+"""What describe prints: valid examples, one for every parameter, and what a parameter allows: describe_test.py CORVANTA"""
 import json
 import pathlib
 import re
@@ -14,16 +14,21 @@ ROWS = ("order_id,order_day,longitude,latitude,json,xml,name,city\n"
 
 
 class Describe(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        self.actions = {action["type"]: json.loads(self.corvanta("describe", action["type"], "--json"))
-                        for action in json.loads(self.corvanta("actions", "--json"))}
+    folder: pathlib.Path
+    actions: dict
 
-    def corvanta(self, *words, status=(0,)):
-        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output=True, text=True, check=False)
-        self.assertIn(done.returncode, status, done.stderr)
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        cls.actions = {action["type"]: json.loads(cls.corvanta("describe", action["type"], "--json"))
+                       for action in json.loads(cls.corvanta("actions", "--json"))}
+
+    @classmethod
+    def corvanta(cls, *words, status=(0,)):
+        done = subprocess.run([CORVANTA, *words], cwd=cls.folder, capture_output=True, text=True, check=False)
+        assert done.returncode in status, done.stderr
         return done.stdout
 
     def members(self, infos, around=()):
@@ -74,6 +79,25 @@ class Describe(unittest.TestCase):
         charts = next(info for info in self.actions["writeReport"]["parameters"] if info["name"] == "Chart")
         types = next(info for info in charts["members"] if info["name"] == "type")
         self.assertTrue(all(types["choiceExamples"]))
+
+    def test_what_a_parameter_allows(self):
+        def infos(action):
+            return {info["name"]: info for info in self.actions[action]["parameters"]}
+        writer = infos("writeParquet")
+        size = writer["pageSize"]
+        self.assertEqual((size["low"], size["high"], size["unit"], "required" in size), (1, 1048576, "KiB", False))
+        self.assertEqual(writer["keyStorage"]["choices"][1], "32-bit integer")
+        self.assertEqual(infos("readExcel")["sheetIdx"]["low"], 1)
+        self.assertNotIn("high", infos("readExcel")["sheetIdx"])
+        self.assertEqual((writer["timeOut"]["low"], writer["timeOut"]["lowMeans"], "lowMeans" in size), (-1, "no limit", False))
+        self.assertTrue(infos("writeReport")["output"]["required"])
+        for action, texts in {
+                "writeReport": ["Allowed: a whole number from 1 to 1000.", "Required: must not be empty.", "any number of input pins, 0 output pins\n"],
+                "writeJSON": ["Saved as the element <ToWrite><s>TEXT</s>...</ToWrite>.", "Saved as <s>TEXT</s> for each text, directly in the element."]}.items():
+            said = self.corvanta("describe", action)
+            for text in texts:
+                self.assertIn(text, said)
+        self.assertRegex(said, r"(?s)  Levels \(structure.*\n +Item \(structure.*\n +type \(integer, default 0\)\n.*\n +5 = An array containing some sub-level")
 
     def test_levels_of_the_examples_write_valid_documents(self):
         (self.folder / "in.csv").write_text(ROWS)
