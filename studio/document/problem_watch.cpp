@@ -2,6 +2,8 @@
 // the action that begins there or before.
 #include "studio/document/problem_watch.h"
 
+#include "corvanta/run.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -66,11 +68,14 @@ GraphProblem problemOf(const CorvantaGraph &graph, const CorvantaGraph::Problem 
     return found;
 }
 
-// check() expects a valid graph.
+// check() and runs expect a valid graph. A run, which is never started, knows which actions cannot
+// share a file.
 CorvantaGraph::Problems problemsIn(const CorvantaGraph &graph, const ActionRegistry &registry)
 {
     const CorvantaGraph::Problems invalid = graph.validate(registry, {});
-    return !invalid.isEmpty() ? invalid : graph.check(registry, {}, {});
+    return !invalid.isEmpty()
+               ? invalid
+               : graph.check(registry, {}, {}) + Run(graph, registry, RunOptions()).problems();
 }
 
 /// What is wrong with a text; looks up files, and so may block.
