@@ -2821,10 +2821,6 @@
         <translation>Libellés et formats des colonnes</translation>
     </message>
     <message>
-        <source>One V (n, label, format, l) per column that needs one, with its name, a label, a format of SAS such as DATE9., and in transport files the width of its numbers.</source>
-        <translation>Un V (n, label, format, l) par colonne qui en a besoin, avec son nom, un libellé, un format SAS tel que DATE9. et, dans les fichiers de transport, la largeur de ses nombres.</translation>
-    </message>
-    <message>
         <source>Name of the column.</source>
         <translation>Nom de la colonne.</translation>
     </message>
@@ -2843,10 +2839,6 @@
     <message>
         <source>Width of numbers</source>
         <translation>Largeur des nombres</translation>
-    </message>
-    <message>
-        <source>Bytes of each number in a transport file, 3 to 8; 0: numberWidth.</source>
-        <translation>Octets de chaque nombre dans un fichier de transport, de 3 à 8&#xa0;; 0&#xa0;: numberWidth.</translation>
     </message>
     <message>
         <source>Create a SAS Export .xpt file</source>
@@ -3767,6 +3759,18 @@
     <message>
         <source>Decimal comma (without effect)</source>
         <translation>Virgule décimale (sans effet)</translation>
+    </message>
+    <message>
+        <source>One V (n, label, format) per column that needs one, with its name, a label and a format of SAS such as DATE9.</source>
+        <translation>Un V (n, label, format) par colonne qui en a besoin, avec son nom, un libellé et un format SAS tel que DATE9.</translation>
+    </message>
+    <message>
+        <source>One V (n, label, format, l) per column that needs one, with its name, a label, a format of SAS such as DATE9., and the width of its numbers.</source>
+        <translation>Un V (n, label, format, l) par colonne qui en a besoin, avec son nom, un libellé, un format SAS tel que DATE9. et la largeur de ses nombres.</translation>
+    </message>
+    <message>
+        <source>Bytes of each number, 3 to 8; 0: numberWidth.</source>
+        <translation>Octets de chaque nombre, de 3 à 8&#xa0;; 0&#xa0;: numberWidth.</translation>
     </message>
 </context>
 <context>
@@ -5868,7 +5872,7 @@ Actions&#xa0;: %2</translation>
     </message>
     <message>
         <source>The run may replace existing files.</source>
-        <translation>L'exécution peut remplacer des fichiers existants.</translation>
+        <translation>L&apos;exécution peut remplacer des fichiers existants.</translation>
     </message>
 </context>
 <context>

@@ -287,6 +287,10 @@ const ParamTable<WriteExcelParams> &writeExcelParamTable()
         dateInput(),
         dateDisplay(),
         flag("dateWidths", &P::dateWidths)
+            .ignoredWhen(shared::kToDate, {QString()})
+            .orUnless(shared::kToDateTime, {QString()})
+            .orUnless(shared::kToTime, {QString()})
+            .ignoredWhen("columnWidths", {QStringLiteral("auto")})
             .label("Wide date columns in a new sheet")
             .meaning("Date columns of a new sheet are wide enough for their format. Off: they have "
                      "the default width, in which most programs show ### instead of a date."),

@@ -54,7 +54,10 @@ const ParamTable<WriteSasParams> &writeSasParamTable()
         formatLimits(),
         automaticWidths(),
         // Child elements come after all attributes.
-        shared::dataSetContent<P>(),
+        shared::dataSetContent<P>(
+            variableDefinitionTable(),
+            "One V (n, label, format) per column that needs one, with its name, a label and a "
+            "format of SAS such as DATE9."),
     };
     return table;
 }

@@ -37,7 +37,10 @@ const ParamTable<WriteSasXptParams> &writeSasXptParamTable()
         shared::dataSetFile<P>("Transport file (.xpt) to write."),
         transportFormat(),
         shared::wideTexts<P>(),
-        shared::dataSetContent<P>(),
+        shared::dataSetContent<P>(
+            transportVariableTable(),
+            "One V (n, label, format, l) per column that needs one, with its name, a label, a "
+            "format of SAS such as DATE9., and the width of its numbers."),
     };
     return table;
 }

@@ -388,6 +388,18 @@ TEST(Parameters, SavedForms)
     }
 }
 
+TEST(Parameters, OnlyTransportFilesHaveWidthsOfNumbers)
+{
+    const auto attributes = [](const QByteArray &type) {
+        const Action action = fromXml('<' + type + "/>");
+        const ActionParameters &parameters = parametersOf(action);
+        const int index = parameters.indexOfParameter(u"VariableDef"_s);
+        return knownNames(parameters.parameters()[index].members).attributes;
+    };
+    EXPECT_EQ(attributes("writeSAS"), (QStringList{u"n"_s, u"label"_s, u"format"_s}));
+    EXPECT_EQ(attributes("writeSASXPT"), (QStringList{u"n"_s, u"label"_s, u"format"_s, u"l"_s}));
+}
+
 TEST(Parameters, DefaultsHangOnTheVersionThatSavedTheGraph)
 {
     const struct

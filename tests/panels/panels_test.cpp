@@ -298,6 +298,10 @@ TEST(PanelEdits, FieldsThatTheModeIgnoresAreDisabledAndSayWhy)
     EXPECT_TRUE(hasNote(writer.panel, u"Used only when \u201cWrite all rows\u201d is off"_s));
     const UndoEditor xml("<writeXML indentStart='2'/>");
     EXPECT_FALSE(fieldOf(xml.panel, u"indentStart"_s)->isEnabled());
+    // One of three lists is enough.
+    EXPECT_FALSE(fieldOf(editor.panel, u"dateWidths"_s)->isEnabled());
+    const UndoEditor times("<writeExcel><ToTime><s>t</s></ToTime></writeExcel>");
+    EXPECT_TRUE(fieldOf(times.panel, u"dateWidths"_s)->isEnabled());
 }
 
 TEST(PanelEdits, TwoWritersOfOneFileAreShownBelowTheField)

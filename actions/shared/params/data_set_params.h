@@ -50,8 +50,10 @@ template <class P> Param<P> wideTexts()
         .meaning("What happens to a text that does not fit.");
 }
 
-/// The rows and columns that are written, at the end of the table. The child elements come last.
-template <class P> ParamGroup<P> dataSetContent()
+/// The rows and columns that are written, at the end of the table. The child elements come last;
+/// `variables` are the attributes of a `V` element, which `meaning` names.
+template <class P>
+ParamGroup<P> dataSetContent(const ParamTable<VariableDefinition> &variables, const char *meaning)
 {
     return {
         writeAllRows<P>(),
@@ -66,7 +68,7 @@ template <class P> ParamGroup<P> dataSetContent()
                      "longest text. Off: every text column needs a declared width."),
         columnsToWrite<P>("ColWrite"),
         stringColumns<P>(&P::stringColumns),
-        variableDefinitions<P>(&P::variables),
+        variableDefinitions<P>(&P::variables, variables, meaning),
         strings<P>(kToBoolean, &P::toBoolean)
             .label("Boolean columns")
             .meaning("Text columns that become numbers: true is 1 and false is 0, in any letter "

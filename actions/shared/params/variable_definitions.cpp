@@ -2,11 +2,15 @@
 
 namespace corvanta {
 
-const ParamTable<VariableDefinition> &variableDefinitionTable()
+namespace {
+
+using V = VariableDefinition;
+
+/// The attributes that both formats have. The names of the column and of the width are those of
+/// StringColDef.
+ParamGroup<V> description()
 {
-    using V = VariableDefinition;
-    // The names of the column and of the width are those of StringColDef.
-    static const ParamTable<V> table{
+    return {
         text("n", &V::name).always().label("Column").meaning("Name of the column."),
         text("label", &V::label).label("Label").meaning("Label of the variable."),
         text("format", &V::format)
@@ -14,11 +18,26 @@ const ParamTable<VariableDefinition> &variableDefinitionTable()
             .meaning(
                 "Format of SAS that shows the values, for example DATE9. or 8.2. With a format "
                 "of dates or times, ISO 8601 texts become numbers."),
+    };
+}
+
+} // namespace
+
+const ParamTable<VariableDefinition> &variableDefinitionTable()
+{
+    static const ParamTable<V> table{description()};
+    return table;
+}
+
+const ParamTable<VariableDefinition> &transportVariableTable()
+{
+    static const ParamTable<V> table{
+        description(),
         number("l", &V::width)
             .range(0, 8)
             .lowMeans("as all numbers")
             .label("Width of numbers")
-            .meaning("Bytes of each number in a transport file, 3 to 8; 0: numberWidth."),
+            .meaning("Bytes of each number, 3 to 8; 0: numberWidth."),
     };
     return table;
 }

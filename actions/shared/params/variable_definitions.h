@@ -26,15 +26,19 @@ struct VariableDefinition
 
 /// The attributes of a `V` element. Constant; made by the first call.
 const ParamTable<VariableDefinition> &variableDefinitionTable();
+/// The same for transport files, in which each number has a width.
+const ParamTable<VariableDefinition> &transportVariableTable();
 
-/// The line of a parameter table for `definitions`. They are saved inside a `VariableDef` element.
-template <class P> Param<P> variableDefinitions(std::vector<VariableDefinition> P::*definitions)
+/// The line of a parameter table for `definitions`, with the attributes of `table`. They are saved
+/// inside a `VariableDef` element. `meaning` names the attributes.
+template <class P>
+Param<P> variableDefinitions(std::vector<VariableDefinition> P::*definitions,
+                             const ParamTable<VariableDefinition> &table, const char *meaning)
 {
-    return children("V", definitions, variableDefinitionTable())
+    return children("V", definitions, table)
         .inside(kVariableDefinitions)
         .label("Labels and formats of columns")
-        .meaning("One V (n, label, format, l) per column that needs one, with its name, a label, a "
-                 "format of SAS such as DATE9., and in transport files the width of its numbers.");
+        .meaning(meaning);
 }
 
 } // namespace corvanta

@@ -131,6 +131,13 @@ public:
         m_info.conditions.last().alternatives.append({QString::fromLatin1(parameter), values});
         return std::move(*this);
     }
+    /// As orWhen(), when `parameter` has none of `values`.
+    Param &&orUnless(const char *parameter, const QStringList &values) &&
+    {
+        m_info.conditions.last().alternatives.append(
+            {QString::fromLatin1(parameter), values, true});
+        return std::move(*this);
+    }
     /// As onlyWhen(), when `parameter` has none of `values`.
     Param &&ignoredWhen(const char *parameter, const QStringList &values) &&
     {
