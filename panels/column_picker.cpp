@@ -152,6 +152,12 @@ void ListEditor::setUpLists()
     connect(m_left, &QListWidget::itemDoubleClicked, this,
             [this](const QListWidgetItem *item) { add({item->text()}); });
     connect(m_search, &QLineEdit::textChanged, this, [this] { showOffered(); });
+    // Where nothing can be searched, a text is meant for the list also without Enter.
+    connect(m_search, &QLineEdit::editingFinished, this, [this] {
+        if (m_offered.isEmpty() && !m_search->text().isEmpty()) {
+            addTyped();
+        }
+    });
     connect(m_list, &QListWidget::itemChanged, this, [this] { reportList(); });
     // A drop has several steps, so look at the list when they are complete.
     const auto reportLater = [this] {

@@ -11,10 +11,12 @@
 
 #include <QAccessible>
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDropEvent>
+#include <QFocusEvent>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -94,6 +96,13 @@ QStringList textsOf(const QListWidget &list)
         texts << list.item(i)->text();
     }
     return texts;
+}
+
+/// The user goes on to another field.
+void leave(QWidget *control)
+{
+    QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+    QApplication::sendEvent(control, &out);
 }
 
 } // namespace
@@ -236,6 +245,12 @@ TEST(Editors, AListIsEditedByKeys)
     list->setCurrentRow(1);
     QTest::keyClick(list, Qt::Key_Delete);
     EXPECT_EQ(editor.last(), u"a\nc"_s);
+    // A text without Enter is not lost, and an empty one is not added.
+    QTest::keyClicks(editor.find<QLineEdit>(), u"d"_s);
+    leave(editor.find<QLineEdit>());
+    leave(editor.find<QLineEdit>());
+    EXPECT_EQ(editor.last().split(u'\n').size(), 3);
+    EXPECT_TRUE(editor.last().contains(u'd'));
 }
 
 TEST(Editors, ColumnsArePickedAndUnknownOnesKept)
@@ -255,6 +270,8 @@ TEST(Editors, ColumnsArePickedAndUnknownOnesKept)
     // The search finds one column, which Enter adds.
     QTest::keyClicks(editor.find<QLineEdit>(), u"COUN"_s);
     EXPECT_EQ(textsOf(*offered), QStringList{u"country"_s});
+    leave(editor.find<QLineEdit>());
+    EXPECT_EQ(chosen->count(), 2) << "a search is no edit";
     QTest::keyClick(editor.find<QLineEdit>(), Qt::Key_Return);
     EXPECT_EQ(editor.last(), u"date\nold\ncountry"_s);
     const QRect city = offered->visualItemRect(offered->item(0));
