@@ -411,11 +411,10 @@ CommandResult<void> Batch::run()
     if (const auto prepared = prepare(); !prepared) {
         return prepared.fault();
     }
-    const QVector<qsizetype> tasks = m_state.tasksToRun();
-    MainUI::addLog(MainUI::Info,
-                   u"%1 in %2 to run (%3); the folder of the batch is '%4'"_s.arg(
-                       counted(m_plan.inputs - m_doneBefore, u"input"_s),
-                       counted(tasks.size(), u"task"_s), m_plan.backend, m_plan.folder));
+    const auto [tasks, inputs] = m_state.workLeft();
+    MainUI::addLog(MainUI::Info, u"%1 in %2 to run (%3); the folder of the batch is '%4'"_s.arg(
+                                     counted(inputs, u"input"_s), counted(tasks.size(), u"task"_s),
+                                     m_plan.backend, m_plan.folder));
     if (auto done = runTasks(tasks); !done) {
         return done;
     }

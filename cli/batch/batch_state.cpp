@@ -69,11 +69,11 @@ BatchState::BatchState(const BatchPlan &plan, QVector<InputFile> inputs)
     }
 }
 
-/// Look up the state of a file, once for all its pieces.
+/// Look up the state of a file, once for all its pieces. One that is gone has a state, too: a run
+/// that did not find it has failed.
 void BatchState::examineFile(qsizetype first)
 {
-    FileState file = m_inputs[first].file;
-    file.examine();
+    const FileState file = m_inputs[first].file.now();
     for (qsizetype i = first; i < m_inputs.size() && m_inputs[i].file.name == file.name; ++i) {
         m_inputs[i].file = file;
     }
@@ -107,17 +107,20 @@ BatchCounts BatchState::counts() const
 }
 
 /// Tasks with an input that is not done. A task skips its other inputs by the journal.
-QVector<qsizetype> BatchState::tasksToRun() const
+BatchWork BatchState::workLeft() const
 {
+    BatchWork work;
     const QVector<qsizetype> taskOf = shardsOf(m_inputs, m_plan.tasks, m_plan.balancesSize);
     std::set<qsizetype> tasks;
     for (qsizetype i = 0; i < m_inputs.size(); ++i) {
         const JournalEntry *const entry = findEntry(m_last, m_inputs[i], m_plan.identity);
         if (entry == nullptr || entry->status != kDone || !entry->hasItsFiles()) {
             tasks.insert(taskOf[i]);
+            ++work.inputs;
         }
     }
-    return {tasks.begin(), tasks.end()};
+    work.tasks = {tasks.begin(), tasks.end()};
+    return work;
 }
 
 /// Without rows, a run may have written no file. One that is there is of an earlier run.

@@ -14,6 +14,13 @@ struct BatchCounts
     qsizetype left() const { return inputs - done - failed; }
 };
 
+/// What is to be run.
+struct BatchWork
+{
+    QVector<qsizetype> tasks; ///< their numbers, in order
+    qsizetype inputs = 0;     ///< of these tasks, without those that the tasks skip
+};
+
 /// An input that is not done, with what a person needs to find out why.
 struct BatchFailure
 {
@@ -32,8 +39,8 @@ public:
     /// Read what is new.
     void update();
     BatchCounts counts() const;
-    /// The tasks with inputs that are not done, or whose outputs are missing.
-    QVector<qsizetype> tasksToRun() const;
+    /// The inputs that are not done, or whose outputs are missing.
+    BatchWork workLeft() const;
     /// The files that the runs of the inputs that are done have written, in the order of the list.
     QStringList outputs() const;
     /// The inputs that are not done, in the order of the list.

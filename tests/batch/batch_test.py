@@ -181,6 +181,18 @@ class Batches(BatchCase):
         self.assertIn("/out/g.batch/inputs.jsonl' of a batch cannot be read; start the batch again",
                       self.call("batch", "--status", "out/g.batch").stderr)
 
+    def test_input_that_vanishes(self):
+        """Its run has failed, and the table says why. An output that vanishes is written again."""
+        self.write_inputs(2)
+        path = self.write_scheduler("rm -f in/a02.csv\nsh out/g.batch/job.sh 1 >job.out 2>&1\necho 7", "exit 0")
+        words = ["--inputs", "in/*.csv", "--backend", "slurm"]
+        done = self.batch(*words, status=1, variables=path)
+        self.assertIn("1 of 2 inputs done, 1 failed", done.stderr)
+        self.assertRegex(done.stdout, r"/a02\.csv\tError: readCSV: cannot open file")
+        (self.folder / "out/a01_x.csv").unlink()
+        self.assertIn("1 input in 1 task to run", self.batch(*words, variables=path).stderr)
+        self.assertTrue((self.folder / "out/a01_x.csv").exists())
+
     def test_pieces_of_a_file_that_changes(self):
         self.parquet("in/a.parquet", [30, 30])
         self.write_graph(PIECES)
