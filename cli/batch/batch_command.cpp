@@ -350,7 +350,7 @@ ExitStatus Batch::merge() const
         runScript(m_plan.file(u"merge.sh"_s));
     }
     const int status = m_plan.statusOf(u"merge"_s).value_or(kFailed);
-    if (status != kDone) {
+    if (status != kDone && !interruption()) {
         QFile log(m_plan.file(u"logs/merge.log"_s));
         static_cast<void>(log.open(QIODevice::ReadOnly)); // empty if there is none
         const QString said = QString::fromUtf8(log.read(4096)).trimmed();

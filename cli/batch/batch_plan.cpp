@@ -126,8 +126,27 @@ CommandResult<void> writeFile(const QString &name, const QByteArray &content)
     return {};
 }
 
-/// Runs one task, again if it fails. A shell ignores Ctrl-C in what it starts in the background,
-/// so that a signal is passed on as one for termination.
+/// Part of each script: waits for the program that was started last. "wait" returns when a signal
+/// arrives, and is repeated until the program has ended. A shell ignores Ctrl-C in what it starts
+/// in the background, so that a signal is passed on as one for termination. It leaves no status:
+/// Slurm may run the script again, on another node.
+constexpr auto kFinish = R"(stopped=
+trap 'stopped=1; kill -TERM "$child" 2>/dev/null' HUP INT QUIT TERM
+finish() {
+    child=$!
+    wait "$child"
+    status=$?
+    while kill -0 "$child" 2>/dev/null; do
+        wait "$child"
+        status=$?
+    done
+    case $status in
+    129 | 130 | 131 | 143) exit "$status" ;;
+    esac
+}
+)"_L1;
+
+/// Runs one task, again if it fails.
 QByteArray jobScript(const BatchPlan &plan)
 {
     QStringList words{QCoreApplication::applicationFilePath(),
@@ -146,29 +165,18 @@ QByteArray jobScript(const BatchPlan &plan)
                       u"--progress"_s,
                       u"never"_s};
     words += plan.runOptions;
-    // Success, usage errors and signals end the loop: another attempt would end in the same way.
-    // "wait" returns when a signal arrives, and is repeated until the program has ended. A signal
-    // leaves no status: Slurm may run the task again, on another node.
+    // Success and usage errors end the loop: another attempt would end in the same way.
     const QString text = uR"(#!/bin/sh
 # Runs one task of a batch: job.sh TASK. A task that runs again does only what is missing.
 task=${1:-$SLURM_ARRAY_TASK_ID}
 folder=%1
-stopped=
-trap 'stopped=1; kill -TERM "$child" 2>/dev/null' HUP INT QUIT TERM
-attempt=0
+%5attempt=0
 while :; do
     %2 \
         --shard "$task/%3" <"$folder/graph" 2>>"$folder/logs/task-$task.log" &
-    child=$!
-    wait "$child"
-    status=$?
-    while kill -0 "$child" 2>/dev/null; do
-        wait "$child"
-        status=$?
-    done
+    finish
     case $status in
     0 | 2) break ;;
-    129 | 130 | 131 | 143) exit "$status" ;;
     esac
     [ -z "$stopped" ] && [ "$attempt" -lt %4 ] || break
     attempt=$((attempt + 1))
@@ -178,7 +186,7 @@ exit "$status"
 )"_s;
     return text
         .arg(shellWord(plan.folder), shellCommand(words), QString::number(plan.tasks),
-             QString::number(plan.retries))
+             QString::number(plan.retries), kFinish)
         .toUtf8();
 }
 
@@ -191,11 +199,11 @@ QByteArray mergeScript(const BatchPlan &plan)
     return uR"(#!/bin/sh
 # Merges the outputs of a batch.
 folder=%1
-%2 >"$folder/logs/merge.log" 2>&1
-status=$?
+%3%2 >"$folder/logs/merge.log" 2>&1 &
+finish
 echo "$status" >"$folder/status/merge"
 exit "$status"
-)"_s.arg(shellWord(plan.folder), shellCommand(words))
+)"_s.arg(shellWord(plan.folder), shellCommand(words), kFinish)
         .toUtf8();
 }
 

@@ -402,6 +402,22 @@ class Batches(BatchCase):
         self.assertIn("Error: the merge has failed: its program has ended without a message",
                       self.batch("--inputs", "in/*.csv", "--merge", "all.csv", status=1).stderr)
 
+    def test_merge_that_is_ended(self):
+        """A signal ends the program that merges, too, before its script ends without a status."""
+        self.write_inputs(2)
+        self.batch("--inputs", "in/*.csv", "--merge", "all.csv")
+        (self.folder / "out/g.batch/status/merge").unlink()
+        (self.folder / "out/a01_x.csv").unlink()
+        os.mkfifo(self.folder / "out/a01_x.csv")
+        with subprocess.Popen(["sh", self.folder / "out/g.batch/merge.sh"], stderr=subprocess.DEVNULL) as process:
+            self.wait_until(lambda: any("\0merge\0" in line for _, line in self.processes()))
+            process.terminate()
+        left = self.processes()
+        for number, _ in left:
+            os.kill(int(number), signal.SIGKILL)
+        self.assertEqual((process.returncode, left), (143, []))
+        self.assertFalse((self.folder / "out/g.batch/status/merge").exists())
+
     def test_merge_without_rows(self):
         """A run without rows may write no file, and does not remove the one that an earlier run has written."""
         self.write_graph(GRAPH.replace("writeCSV", "writeJSON").replace("}.csv", "}.json"))
