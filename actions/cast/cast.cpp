@@ -3,7 +3,6 @@
 #include "actions/cast/cast.h"
 
 #include "actions/shared/params/list_problems.h"
-#include "actions/shared/tables/table_columns.h"
 #include "base/counted.h"
 #include "base/number_cell.h"
 
@@ -96,8 +95,9 @@ bool ActionCast::begin(const OneRow &columns)
 {
     OneRow *const out = getOutputRowForOutputPin(0);
     out->copySchemaFrom(&columns);
+    shared::Assigned assigned;
     for (const QString &text : m_params.types) {
-        if (!addChange(columns, text)) {
+        if (!addChange(columns, text, &assigned)) {
             return false;
         }
     }
@@ -114,7 +114,7 @@ bool ActionCast::begin(const OneRow &columns)
 }
 
 /// A column that has the type already is left alone.
-bool ActionCast::addChange(const OneRow &columns, const QString &text)
+bool ActionCast::addChange(const OneRow &columns, const QString &text, shared::Assigned *assigned)
 {
     const auto type = assignedType(text);
     if (!type) {
@@ -123,7 +123,7 @@ bool ActionCast::addChange(const OneRow &columns, const QString &text)
                 text));
     }
     const int column = requireColumn(columns.schema(), type->column);
-    if (column < 0) {
+    if (column < 0 || !shared::assign(this, "types", *type, assigned)) {
         return false;
     }
     const cell::Type from = columns.getMetaType(column).cellType();

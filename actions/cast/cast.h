@@ -6,6 +6,7 @@
 #pragma once
 #include "actions/cast/cast_params.h"
 #include "actions/shared/tables/row_transform.h"
+#include "actions/shared/tables/table_columns.h"
 #include "base/occurrences.h"
 
 #include <vector>
@@ -36,7 +37,7 @@ private:
     bool takeRow(const OneRow &row) override;
     bool endInput() override;
     /// Read one element of the parameter. Returns false after a failure.
-    bool addChange(const OneRow &columns, const QString &text);
+    bool addChange(const OneRow &columns, const QString &text, shared::Assigned *assigned);
     /// Set one cell of the output. Returns false after a failure.
     bool putChanged(const Change &change, const OneRow &row, OneRow *out);
     /// Fail the run, or count the value; false after a failure.

@@ -76,6 +76,7 @@ bool ActionSelect::findColumns(const TableSchema &input)
 bool ActionSelect::renameColumns(QStringList *names)
 {
     const QStringList old = *names;
+    shared::Assigned assigned;
     for (const QString &text : m_params.rename) {
         const auto assignment = shared::assignmentOf(text, old);
         if (!assignment) {
@@ -84,7 +85,7 @@ bool ActionSelect::renameColumns(QStringList *names)
                     text));
         }
         const int column = requireColumn({old, {}, {}}, assignment->column);
-        if (column < 0) {
+        if (column < 0 || !shared::assign(this, "rename", *assignment, &assigned)) {
             return false;
         }
         (*names)[column] = assignment->value;

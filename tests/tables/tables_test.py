@@ -79,6 +79,8 @@ class Select(Folder):
         table = [(TABLE, "")]
         self.check_error(table, action("select", columns=["tt"]), "Error: select: the input has no column 'tt'; the nearest known name is 't'\n")
         self.check_error(table, action("select", rename=["k=f"]), "Error: select: two columns of the output have the name 'f'\n")
+        self.check_error(table, action("select", rename=["k=a", "t=t", "t=t", "k=b"]),
+                         "Error: select: rename has two values for the column 'k': 'a' and 'b'\n")
         self.check_error(table, action("select", rename=["k"]), "Error: select: 'k' is not an old and a new name, for example old=new\n")
 
 
@@ -199,6 +201,7 @@ class Cast(Folder):
         self.check(table, [action("cast", "onError='1'", types=["t=F"])], "t\n1\n\n-1\n\n4294967295\n",
                    ["Warning: cast: 2 values became missing, because the types of their columns do not have them; the first is row 2, column 't': "
                     "'abc'\n"])
+        self.check_error(table, action("cast", types=["t=U", "t=U", "t=K"]), "Error: cast: types has two values for the column 't': 'U' and 'K'\n")
         self.check_error(table, action("cast", types=["t=X"]), "Error: cast: 't=X' is not a column and a type (K, F, U), for example price=F\n")
 
 

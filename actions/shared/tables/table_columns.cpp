@@ -60,6 +60,16 @@ std::optional<Assignment> assignmentOf(const QString &text, const QStringList &k
     return Assignment{text.left(first), text.mid(first + 1)};
 }
 
+bool assign(ActionBase *action, const char *parameter, const Assignment &assignment,
+            Assigned *assigned)
+{
+    const auto [found, isNew] = assigned->emplace(assignment.column, assignment.value);
+    return isNew || found->second == assignment.value ||
+           action->fail(u"Error: %1: %2 has two values for the column '%3': '%4' and '%5'\n"_s.arg(
+               QString::fromLatin1(action->getTypeName()), QString::fromLatin1(parameter),
+               assignment.column, found->second, assignment.value));
+}
+
 /// The form that stored rows need: the types without their names.
 rows::ColumnTypes typesOf(const TableSchema &columns)
 {

@@ -6,6 +6,7 @@
 #include "corvanta/params/param_table.h"
 #include "io/rows/packed_row.h"
 
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -24,6 +25,13 @@ struct Assignment
 /// Split at the first "=" after a name that `known` has, else at the first one. Names may contain
 /// the sign. Nothing without one.
 std::optional<Assignment> assignmentOf(const QString &text, const QStringList &known);
+
+/// The values that a list of assignments has given to columns so far.
+using Assigned = std::map<QString, QString>;
+/// Add an assignment of the list `parameter`. False after failing the run of `action` because the
+/// column has another value already: one of the two would be ignored.
+bool assign(ActionBase *action, const char *parameter, const Assignment &assignment,
+            Assigned *assigned);
 
 /// The types of all columns.
 rows::ColumnTypes typesOf(const TableSchema &columns);
