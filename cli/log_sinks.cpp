@@ -10,6 +10,7 @@
 #include "visible_text.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -283,9 +284,17 @@ void CommandLog::addSummary(const RunSummary &summary)
     write(line);
 }
 
+void CommandLog::setTemporary(const QString &name)
+{
+    m_temporary = QFileInfo(name).fileName();
+}
+
 /// Called on the threads of several actions.
 void CommandLog::addWrittenFile(const QString &name)
 {
+    if (!m_temporary.isEmpty() && QFileInfo(name).fileName() == m_temporary) {
+        return;
+    }
     const std::lock_guard lock(m_mutex);
     // A file that is written twice, for example by an update, is one file.
     m_written.removeAll(name);

@@ -65,6 +65,9 @@ public:
     qint64 bytesRead() const { return m_bytesRead; }
     /// Messages are about the input `name` from now on, and say so. Call between runs.
     void setInput(const QString &name);
+    /// Targets with the file name of `name`, which the command removes, are none of those below.
+    /// Call between runs.
+    void setTemporary(const QString &name);
     /// The targets that were completed since the log was created, in their order.
     QStringList writtenFiles() const;
     /// Those of the present input, each once.
@@ -103,7 +106,8 @@ private:
     void writeToFile(const QByteArray &line);
 
     LogOptions m_options;
-    QString m_input; // changes between runs only
+    QString m_input;     // changes between runs only
+    QString m_temporary; // the same
     std::FILE *m_out;
     std::unique_ptr<std::FILE, CloseFile> m_file; // null: none; written with the mutex held
     std::atomic<qint64> m_bytesRead = 0;

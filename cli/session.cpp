@@ -220,6 +220,11 @@ void Session::endInputs(const InputCounts &counts)
     m_inputs = counts;
 }
 
+void Session::setTemporary(const QString &name)
+{
+    m_log->setTemporary(name);
+}
+
 void Session::setResult(qint64 rows, const QStringList &files)
 {
     m_rows = rows;

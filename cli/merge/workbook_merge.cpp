@@ -106,6 +106,7 @@ CommandResult<void> mergeToWorkbook(const CommandLine &line, const QStringList &
     // A signal between two runs would leave the temporary file.
     const CleanEnd cleanEnd;
     TemporaryWorkbook workbook(target);
+    session->setTemporary(workbook.name());
     const auto setting = sheetSetting(registry, workbook.name());
     if (!setting) {
         return setting.fault();

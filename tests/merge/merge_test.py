@@ -286,7 +286,8 @@ class Workbooks(Case):
         self.assertEqual((last["summary"]["rows"], [pathlib.Path(name).name for name in last["summary"]["files"]]), (8, ["book.xlsx"]))
         # Of a failure nothing is left, and the workbook stays.
         self.put("bad.csv", "a,b\n1\n")
-        self.refused("book.xlsx", "north.csv", "bad.csv", says="bad.csv")
+        self.refused("book.xlsx", "north.csv", "bad.csv", "--progress", "always", says="bad.csv")
+        self.assertNotIn("wrote", self.said)
         self.refused("book.xlsx", "north.csv", "missing.csv", says="missing.csv")
         self.refused("book.xlsx", "north.csv", "--no-clobber", says="'book.xlsx' exists already, and --no-clobber keeps it")
 
