@@ -13,6 +13,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QProcess>
+#include <QScrollArea>
 #include <QSet>
 #include <QStatusBar>
 #include <QTableView>
@@ -189,6 +190,17 @@ TEST_F(Shell, AFrenchWindowIsFrenchEverywhere)
     answer(u"Annuler"_s); // Qt's own button
     trigger("file.close");
     EXPECT_NE(window().workspace()->current(), nullptr);
+}
+
+TEST_F(Shell, TheFieldsOfSeveralActionsFitInTheDock)
+{
+    trigger("file.new");
+    for (const QString &type : {u"ReadXBF"_s, u"writeExcel"_s}) {
+        canvas().select({document().addAction(type, {}), document().addAction(type, {0, 200})});
+        auto *const scroll = child<QWidget>("properties").findChild<QScrollArea *>();
+        ASSERT_NE(scroll, nullptr);
+        EXPECT_LE(scroll->widget()->minimumSizeHint().width(), 340) << type.toStdString();
+    }
 }
 
 TEST_F(Shell, ARunUpdatesTheMarksOfFiles)

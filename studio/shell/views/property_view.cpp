@@ -35,6 +35,14 @@ QString labelOf(const ParameterInfo &info)
     return ofParameters(info.label.isEmpty() ? info.name : info.label);
 }
 
+/// A text that the dock, which is narrow, does not cut.
+QLabel *wrappedLabel(const QString &text)
+{
+    auto *const label = new QLabel(text); // the form owns it
+    label->setWordWrap(true);
+    return label;
+}
+
 /// Lists of texts and of elements need the panel of their action.
 bool hasSimpleValue(const ParameterInfo &info)
 {
@@ -234,11 +242,14 @@ void PropertyView::showSeveral()
     auto *const form = new QFormLayout(fields);
     // The dock is narrow: long labels are above their fields.
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
-    form->addRow(new QLabel(
+    form->addRow(wrappedLabel(
         tr("%1: each change applies to all %2 actions.").arg(type, QString::number(m_ids.size()))));
     for (const ParameterInfo &info : parameters->parameters()) {
         if (hasSimpleValue(info)) {
-            form->addRow(labelOf(info), makeField(info));
+            QLabel *const label = wrappedLabel(labelOf(info));
+            QWidget *const field = makeField(info);
+            label->setBuddy(field);
+            form->addRow(label, field);
         }
     }
     scroll->setWidget(fields);
@@ -275,6 +286,8 @@ QWidget *PropertyView::makeFlagField(const ParameterInfo &info)
 QWidget *PropertyView::makeChoiceField(const ParameterInfo &info)
 {
     auto *const box = new QComboBox;
+    // The longest choice would make all fields wider than the dock.
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     for (int i = 0; i < info.choices.size(); ++i) {
         // A number without a text is not a choice.
         if (!info.choices.at(i).isEmpty()) {
