@@ -200,6 +200,11 @@ TEST_F(Shell, TheFieldsOfSeveralActionsFitInTheDock)
         auto *const scroll = child<QWidget>("properties").findChild<QScrollArea *>();
         ASSERT_NE(scroll, nullptr);
         EXPECT_LE(scroll->widget()->minimumSizeHint().width(), 340) << type.toStdString();
+        QTest::qWait(20); // the layout follows
+        for (const QLabel *const label : scroll->findChildren<QLabel *>()) {
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                << label->text().toStdString();
+        }
     }
 }
 

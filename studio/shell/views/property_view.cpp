@@ -240,8 +240,8 @@ void PropertyView::showSeveral()
     m_page = scroll;
     auto *const fields = new QWidget; // the scroll area owns it
     auto *const form = new QFormLayout(fields);
-    // The dock is narrow: long labels are above their fields.
-    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    // The dock is narrow, and a label of two lines would be cut beside a field of one.
+    form->setRowWrapPolicy(QFormLayout::WrapAllRows);
     form->addRow(wrappedLabel(
         tr("%1: each change applies to all %2 actions.").arg(type, QString::number(m_ids.size()))));
     for (const ParameterInfo &info : parameters->parameters()) {
