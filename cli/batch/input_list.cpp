@@ -190,6 +190,11 @@ CommandResult<QVector<InputFile>> readInputs(const QString &word)
             return wrongNames(wrong->first(), wrong->size());
         }
     }
+    for (const InputFile &input : inputs) {
+        if (const auto checked = checkNotPattern(input.file.name); !checked) {
+            return checked.fault();
+        }
+    }
     return inputs;
 }
 

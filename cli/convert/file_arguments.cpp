@@ -306,6 +306,18 @@ QStringList expandedPatterns(const QStringList &words)
     return all;
 }
 
+CommandResult<void> checkNotPattern(const QString &name)
+{
+    QStringList names;
+    listFiles(name, &names);
+    if (names.removeOne(name) && !names.isEmpty()) {
+        return badUsage(
+            u"the name of the file '%1' is a pattern that matches '%2', too; rename the file"_s.arg(
+                name, names.first()));
+    }
+    return {};
+}
+
 CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QString &option)
 {
     QFile file(fileName);

@@ -26,6 +26,10 @@ QStringList inputWords(const CommandLine &line);
 /// is the name of a file, or matches nothing, stays.
 QStringList expandedPatterns(const QStringList &words);
 
+/// Check that actions, which expand * and ?, take the absolute name of a file for this file only.
+/// The fault is a usage error. A name without a file may be a pattern.
+CommandResult<void> checkNotPattern(const QString &name);
+
 /// A name with its place in a list, for messages.
 struct ListedName
 {

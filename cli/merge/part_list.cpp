@@ -63,8 +63,12 @@ CommandResult<void> checkParts(const QStringList &parts, const QString &output)
 {
     std::set<QString> names;
     for (const QString &part : parts) {
-        if (!names.insert(QDir::cleanPath(QDir::current().absoluteFilePath(part))).second) {
+        const QString name = QDir::cleanPath(QDir::current().absoluteFilePath(part));
+        if (!names.insert(name).second) {
             return badUsage(u"the part '%1' is named twice"_s.arg(part));
+        }
+        if (const auto checked = checkNotPattern(name); !checked) {
+            return checked.fault();
         }
         if (isSameFile(part, output)) {
             return badUsage(u"the output '%1' is also a part"_s.arg(part));

@@ -263,6 +263,7 @@ BAD = [
     (["--inputs", "zero.txt"], "' is not a list of file names (it has a zero byte); a list is a text with one name per line"),
     (["--inputs", "twice.txt"], "'./in/a01.csv' is listed twice (lines 1 and 3)"),
     (["--inputs", "missing.txt"], "the file 'in/none.csv' (line 2 of the list) is missing, and so is 1 more"),
+    (["--inputs", "pattern.txt"], "/in/a?1.csv' is a pattern that matches '"),
     (["--inputs", "data.json"], "'data.json' is not a list of file names (line 1 is too long for a name); a list is a text with one name per line"),
     (["--inputs", "list.txt", "--shard", "3/2"], "--shard: invalid value '3/2' (expected I/N with I from 1 to N, for example 2/10)"),
     (["--inputs", "list.txt", "--balance", "weight"], "--balance must be count or size"),
@@ -280,6 +281,8 @@ class BadInput(BatchCase):
         self.write_list(["", " "], "empty.txt")
         self.write_list([names[0], names[1], "./" + names[0]], "twice.txt")
         self.write_list([names[0], "in/none.csv", "in/neither.csv"], "missing.txt")
+        self.write_list(["in/a?1.csv"], "pattern.txt")
+        (self.folder / "in/a?1.csv").write_text("k,t\n")
         (self.folder / "data.json").write_text("[" + "1," * 2100 + "1]")
         (self.folder / "zero.txt").write_bytes(b"PAR1\0\0")
         with open(self.folder / "huge.txt", "wb") as file:

@@ -295,9 +295,12 @@ class Workbooks(Case):
 class Commands(Case):
     def test_wrong_words(self):
         self.put("a.csv", "n\n1\n")
+        self.put("a?.csv", "n\n2\n")
+        self.put("ab.csv", "n\n3\n")
         self.put("empty.txt", "\n")
         self.put("zero.txt", b"a\0")
         for words, says in (((), "an output file and its parts are required"), (("all.csv",), "an output file and its parts are required"),
+                            (("all.csv", "a?.csv"), "/a?.csv' is a pattern that matches '"),
                             (("all.csv", "--parts-from", "empty.txt"), "--parts-from: the list 'empty.txt' is empty"),
                             (("all.csv", "--parts-from", "zero.txt"), "--parts-from: 'zero.txt' is not a list of file names (it has a zero byte)"),
                             (("all.csv", "--parts-from", "none.txt"), "--parts-from: cannot read the list 'none.txt': "),
