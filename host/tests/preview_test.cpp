@@ -1,5 +1,6 @@
 // Previews: a few rows of a pin, and nothing that a preview must not do.
 #include "corvanta/engine_runner.h"
+#include "corvanta/row_listener.h"
 #include "engine_case.h"
 
 #include <QFile>
