@@ -292,7 +292,7 @@ TEST_F(Shell, OutlineSelectsLinksAndNotes)
     outline.topLevelItem(0)->setExpanded(true);
     outline.setCurrentItem(outline.topLevelItem(0)->child(0));
     EXPECT_EQ(canvas().selectedIds(), QStringList());
-    EXPECT_EQ(canvas().selectedLinks(), QVector{document().links().first()});
+    EXPECT_EQ(canvas().selectedLinks(), QVector<LinkRef>{document().links().first()});
     EXPECT_TRUE(outline.topLevelItem(1)->child(0)->isSelected());
     trigger("edit.delete");
     EXPECT_EQ(document().ids().size(), 3);
