@@ -407,8 +407,8 @@ class Batches(BatchCase):
         self.write_inputs(2)
         self.batch("--inputs", "in/*.csv", "--merge", "all.csv")
         (self.folder / "out/g.batch/status/merge").unlink()
-        (self.folder / "out/a01_x.csv").unlink()
-        os.mkfifo(self.folder / "out/a01_x.csv")
+        (self.folder / "all.csv").unlink()
+        os.mkfifo(self.folder / "all.csv")  # the merge waits for a reader
         with subprocess.Popen(["sh", self.folder / "out/g.batch/merge.sh"], stderr=subprocess.DEVNULL) as process:
             self.wait_until(lambda: any("\0merge\0" in line for _, line in self.processes()))
             process.terminate()
