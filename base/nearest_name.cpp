@@ -68,8 +68,8 @@ Rank rankOf(const QString &name, const QString &candidate)
     return {isBeginning ? std::min(changes, 1) : changes, -equal, changes};
 }
 
-/// Whether a typing error makes so many changes in a name of `chars` characters. One character in
-/// place of another is no error but another name.
+/// Whether so many changes are a typing error in a name of `chars` characters. If all characters
+/// differ, it is another name.
 bool isClose(int changes, qsizetype chars)
 {
     return changes < chars && changes <= std::max<qsizetype>(1, chars / 3);

@@ -55,7 +55,7 @@ public:
     /// The rows and, unless the list is empty, the files that the summary names, in place of those
     /// of the last run.
     void setResult(qint64 rows, const QStringList &files = {});
-    /// Do not report a file that the command removes again, whatever its folder is called.
+    /// Do not report files with the name of this one, in any folder: the command removes it.
     void setTemporary(const QString &name);
     /// The rows that the readers of the last run have sent.
     qint64 rows() const { return m_rows.value_or(0); }

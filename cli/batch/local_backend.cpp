@@ -58,7 +58,7 @@ void end(std::vector<std::unique_ptr<QProcess>> *processes)
 }
 
 /// As many processes as the machine has cores, or --max-running. Each has its own part of the
-/// cores: the threads of a run that move between cores take a tenth more of their time.
+/// cores: threads that move between cores need more processor time (docs/guide/scaling.md).
 class LocalBackend final : public Backend
 {
 public:

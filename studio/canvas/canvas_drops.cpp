@@ -39,7 +39,7 @@ CanvasView::DroppedFiles CanvasView::filesOf(const QMimeData &data, const Action
     return files;
 }
 
-/// Whether a drop does something. Of a file that no action reads it says so.
+/// Whether a drop has an effect. For a file that no action reads, this is a message.
 bool CanvasView::isAcceptable(const QMimeData *data) const
 {
     const DroppedFiles files = filesOf(*data, m_document.registry());

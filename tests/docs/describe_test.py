@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What describe prints: valid examples, one for every parameter, and what a parameter allows: describe_test.py CORVANTA"""
+"""Does describe print a valid example and the allowed values of every parameter? describe_test.py CORVANTA"""
 import json
 import pathlib
 import re

@@ -446,7 +446,7 @@ SampledDocument TableFinder::find() const
     }
     for (const size_t shape : valuesOutside(records)) {
         document.outside << pathTo(0, shape);
-        // No record has columns for the items of a list that is beside the records.
+        // The items of a list outside the records are in no column of a record.
         if (m_shapes[shape].isRepeated() && !m_shapes[shape].holdsOthers()) {
             addRelated(nullptr, 0, shape, -1, &document.related);
         }

@@ -240,7 +240,7 @@ void PropertyView::showSeveral()
     m_page = scroll;
     auto *const fields = new QWidget; // the scroll area owns it
     auto *const form = new QFormLayout(fields);
-    // The dock is narrow, and a label of two lines would be cut beside a field of one.
+    // The dock is narrow, and a two-line label would be cut next to a one-line field.
     form->setRowWrapPolicy(QFormLayout::WrapAllRows);
     form->addRow(wrappedLabel(
         tr("%1: each change applies to all %2 actions.").arg(type, QString::number(m_ids.size()))));
