@@ -61,7 +61,7 @@ def longest_part(text):
 class Messages(unittest.TestCase):
     def test_each_message_occurs_in_a_test(self):
         known = test_texts()
-        found = list(dict.fromkeys(all_messages(ROOT, [*LAYERS, "codecs"]) + all_reasons(ROOT)))
+        found = list(dict.fromkeys(all_messages(ROOT, (*LAYERS, "codecs")) + all_reasons(ROOT)))
         self.assertGreater(len(found), 700)
         missing = [(path, text) for path, text in found if longest_part(text) not in known]
         others = [f"{path}: {text}" for path, text in missing if not text.startswith(tuple(NOT_PROVOKED))]

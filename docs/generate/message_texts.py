@@ -3,6 +3,7 @@
 messages.txt has a section per source ("## PATH"). A line "PART | cause | cure" describes the message of that source that contains PART;
 "TEXT | -" says that a text (without blanks around it) is only a part of a message.
 """
+import functools
 import pathlib
 import re
 
@@ -65,6 +66,7 @@ def reasons_of(code):
             yield text
 
 
+@functools.cache
 def all_messages(root, layers=tuple(LAYERS)):
     """(source, text) of each message, in the order of the sources; equal texts of one source once."""
     found = []
@@ -80,6 +82,7 @@ def all_reasons(root):
             for text in dict.fromkeys(reasons_of((root / name).read_text(encoding="utf-8")))]
 
 
+@functools.cache
 def descriptions(root):
     """By source: a list of (part, cause, cure); the cause of a part of a message is None."""
     result, source = {}, None
