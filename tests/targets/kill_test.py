@@ -22,7 +22,7 @@ import openpyxl
 
 CORVANTA = sys.argv.pop(1)
 RUNS = 30
-SMALL, LARGE = 3000, 60_000  # rows
+SMALL, LARGE = 3000, 30_000  # rows
 STOP_SECONDS = 1
 CALLS = ["rename,renameat,renameat2", "link,linkat", "unlink,unlinkat", "fsync,fdatasync", "write,pwrite64"]
 FAILURES = [("write,pwrite64", "ENOSPC"), ("write,pwrite64", "EIO"), ("rename,renameat,renameat2", "EACCES"),
