@@ -15,7 +15,7 @@ namespace corvanta {
 namespace {
 
 /// Upper limit of one read, whatever the parameter says: a stopped run waits for it to end.
-constexpr qint64 kMaxReadBytes = 64 * 1024 * 1024;
+constexpr qint64 kMaxReadBytes = qint64(64) * 1024 * 1024;
 
 qint64 bufferBytes(const ReadXbfParams &params)
 {

@@ -19,7 +19,7 @@ namespace corvanta::charts {
 namespace {
 
 /// Size of the blocks.
-constexpr size_t kBlockBytes = 64 * 1024;
+constexpr size_t kBlockBytes = size_t(64) * 1024;
 /// Markup and values of up to this size are written in one step; "&" becomes 5 bytes.
 constexpr size_t kShortBytes = 4096;
 constexpr size_t kMaxBytesPerByte = 5;

@@ -40,7 +40,7 @@ const FixedText kInfinite(u"inf");
 const FixedText kMinusInfinite(u"-inf");
 
 /// Texts up to this size, in units, get room for the worst case without being measured.
-constexpr qsizetype kShortText = 16 * 1024;
+constexpr qsizetype kShortText = qsizetype(16) * 1024;
 /// Characters that most formats print at most; longer numbers are formatted on the heap.
 constexpr qsizetype kFloatChars = 64;
 

@@ -23,7 +23,7 @@ namespace {
 
 /// Units at which the block is drained. Draining early keeps text and bytes in the processor's
 /// cache; only a longer piece uses more of the block.
-constexpr qsizetype kUsualUnits = 96 * 1024;
+constexpr qsizetype kUsualUnits = qsizetype(96) * 1024;
 constexpr qsizetype kHalfBytes = TextBlock::kBlockBytes / 2;
 
 /// Units at the start that are below the surrogates.

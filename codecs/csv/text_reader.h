@@ -26,7 +26,7 @@ class TextReader
 {
 public:
     /// Number of bytes of UTF-8 in which the separator and the line end are found.
-    static constexpr qint64 kSampleBytes = 64 * 1024;
+    static constexpr qint64 kSampleBytes = qint64(64) * 1024;
 
     /// Read from the current position of `source`, which must outlive the reader. iconv must know
     /// the encoding. Reads the sample if it is needed.

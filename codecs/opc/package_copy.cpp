@@ -12,7 +12,7 @@ namespace corvanta::opc {
 
 namespace {
 
-constexpr qint64 kPieceBytes = 256 * 1024;
+constexpr qint64 kPieceBytes = qint64(256) * 1024;
 
 /// A fault of a text with the name of the part that holds it.
 Fault<Error> partFault(const Fault<Error> &fault, const QByteArray &part)

@@ -50,7 +50,7 @@ constexpr char kMarker5[] = "Rar!\x1A\x07\x01"; // and a NUL
 constexpr qint64 kMarker4Bytes = 7;
 constexpr qint64 kMarker5Bytes = 8;
 /// Maximum size of a RAR 5 header. The size of a RAR 4 header has 16 bits.
-constexpr quint64 kMaxHeaderBytes = 2 * 1024 * 1024;
+constexpr quint64 kMaxHeaderBytes = quint64(2) * 1024 * 1024;
 /// Maximum number of blocks before the first entry. Real archives have one or two.
 constexpr int kMaxBlocks = 1000;
 

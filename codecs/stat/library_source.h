@@ -47,8 +47,8 @@ private:
     qint64 seek(qint64 offset, int whence);
     qint64 fill();
 
-    static constexpr qint64 kSmallestFill = 4 * 1024;
-    static constexpr qint64 kLargestFill = 256 * 1024;
+    static constexpr qint64 kSmallestFill = qint64(4) * 1024;
+    static constexpr qint64 kLargestFill = qint64(256) * 1024;
 
     ByteSource &m_source;
     const qint64 m_size;

@@ -16,7 +16,7 @@ namespace {
 constexpr qint64 kAlign = alignof(const uchar *);
 /// Bytes that the producer takes in one step, and after which it hands over its rows: small against
 /// the block, so that both threads work at the same time, and large against the cost of a lock.
-constexpr qint64 kStepBytes = 64 * 1024;
+constexpr qint64 kStepBytes = qint64(64) * 1024;
 constexpr qint64 kStepsPerBlock = 8;
 
 constexpr qint64 aligned(qint64 bytes)

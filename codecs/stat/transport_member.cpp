@@ -213,7 +213,7 @@ Result<void, Error> checkRows(ByteSource &source, const TransportLayout &layout)
                                counted(layout.rowBytes, QStringLiteral("byte")),
                                counted(bytes, QStringLiteral("byte"))));
     }
-    constexpr qint64 kMaxPadding = 64 * 1024; // usually less than a record
+    constexpr qint64 kMaxPadding = qint64(64) * 1024; // usually less than a record
     CheckedReader in(source);
     const qint64 rest = bytes % layout.rowBytes;
     in.seek(source.size() - rest);

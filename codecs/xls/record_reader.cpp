@@ -13,7 +13,7 @@ namespace corvanta::xls {
 namespace {
 
 constexpr size_t kRecordHeaderBytes = 4;
-constexpr size_t kBufferBytes = 128 * 1024; // more than a record can have
+constexpr size_t kBufferBytes = size_t(128) * 1024; // more than a record can have
 
 } // namespace
 

@@ -79,7 +79,7 @@ QString readFailure(const ByteSource &source)
 bool readToEnd(ByteSource &source)
 {
     // Returns after the end or the first failure, which includes the end of the run.
-    constexpr qint64 kScratchBytes = 64 * 1024;
+    constexpr qint64 kScratchBytes = qint64(64) * 1024;
     std::vector<char> scratch(kScratchBytes);
     qint64 got = 1;
     while (got > 0) {

@@ -23,7 +23,7 @@ namespace corvanta::input {
 namespace {
 
 /// Stored bytes that are read in one call.
-constexpr size_t kInputBytes = 64 * 1024;
+constexpr size_t kInputBytes = size_t(64) * 1024;
 // General purpose bit flags of a directory entry.
 constexpr uLong kEncryptedFlag = 1;
 constexpr uLong kUtf8Flag = 1 << 11;

@@ -21,7 +21,7 @@ namespace corvanta::platform {
 namespace {
 
 /// Size of the pieces that the receiver gets, at most.
-constexpr size_t kPieceBytes = 256 * 1024;
+constexpr size_t kPieceBytes = size_t(256) * 1024;
 
 // Deleters of the libraries' handles.
 struct CloseStream

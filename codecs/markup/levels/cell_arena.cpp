@@ -15,7 +15,7 @@ namespace corvanta::markup {
 
 namespace {
 
-constexpr qsizetype kBlockBytes = 64 * 1024;
+constexpr qsizetype kBlockBytes = qsizetype(64) * 1024;
 /// A text up to one block is widened as a whole block, so the allocation needs room for it.
 static_assert(kWidenBlock <= qsizetype(kReadAhead));
 constexpr int kSlackBytes = 2 * kWidenBlock;

@@ -21,7 +21,7 @@ enum class CharMode : quint8 {
 };
 
 /// Bytes at the start of a document that the guesses use.
-inline constexpr qsizetype kGuessBytes = 64 * 1024;
+inline constexpr qsizetype kGuessBytes = qsizetype(64) * 1024;
 
 /// The name of the encoding of an XML or HTML document: "UTF-8", "UTF-16", "UTF-32", "System" (the
 /// system's code page), "ERROR" (declared as UTF-8 but invalid), or the declared name unchanged. A

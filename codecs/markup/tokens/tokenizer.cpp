@@ -24,7 +24,7 @@ namespace {
 /// Zeros after the data: scans stop at the first one and may load a whole block from any place.
 constexpr size_t kPadding = kReadAhead;
 /// Bytes per read: few enough to stay in the cache until they are parsed.
-constexpr size_t kFillBytes = 256 * 1024;
+constexpr size_t kFillBytes = size_t(256) * 1024;
 
 } // namespace
 

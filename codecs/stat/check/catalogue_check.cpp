@@ -20,7 +20,7 @@ namespace corvanta::stat {
 
 namespace {
 
-constexpr qint64 kMaxBlockBytes = 16 * 1024 * 1024;
+constexpr qint64 kMaxBlockBytes = qint64(16) * 1024 * 1024;
 
 /// A block begins here.
 struct BlockStart

@@ -22,7 +22,7 @@ namespace corvanta::stat {
 namespace {
 
 constexpr qint64 kSmallestPage = 1024;
-constexpr qint64 kLargestPage = 16 * 1024 * 1024;
+constexpr qint64 kLargestPage = qint64(16) * 1024 * 1024;
 
 } // namespace
 

@@ -24,8 +24,8 @@ namespace {
 constexpr qint64 kHeaderBytes = 176;
 constexpr qint64 kLayoutAt = 64;
 // Longer ones do not occur; the limits keep products and sums in 32 bits.
-constexpr qint64 kMaxLabelBytes = 64 * 1024;
-constexpr qint64 kMaxRecordBytes = 16 * 1024 * 1024;
+constexpr qint64 kMaxLabelBytes = qint64(64) * 1024;
+constexpr qint64 kMaxRecordBytes = qint64(16) * 1024 * 1024;
 
 /// Subtypes of extension records, type 7.
 enum : qint32 { Machine = 3, LongNames = 13, VeryLongTexts = 14, LongLabels = 21 };
