@@ -6,10 +6,12 @@ namespace corvanta {
 namespace {
 
 // Dictionary pages make smaller files, and statistics allow readers to skip row groups. The types
-// of columns are those that the input has. A table without rows is written in any case.
+// of columns are those that the input has. A table without rows is written in any case. Small row
+// groups need less memory, leave little to write after the last row, and other programs read
+// several of them at a time.
 constexpr FileFormat kFormats[] = {
     {FileFormat::Write, FileFormat::Columnar, "parquet",
-     "dictionaryPages=1 statistics=1 logicalTypes=1"},
+     "dictionaryPages=1 statistics=1 logicalTypes=1 rowGroupSize=16"},
 };
 
 } // namespace
