@@ -217,6 +217,7 @@ int putShortestQuickly(double value, char *out)
     if (!(size < kLimit)) {
         return 0;
     }
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): a wrong rounding is found below
     const auto scaled = static_cast<quint64>(size * kScale + 0.5);
     // The quotient of two exact numbers is the nearest double, as a parser gives it.
     if (static_cast<double>(scaled) / kScale != size) {

@@ -97,7 +97,7 @@ std::optional<qint64> parseIsoTime(std::u16string_view text)
     if (hours >= 24 || minutes >= 60 || seconds >= 60) {
         return std::nullopt;
     }
-    const qint64 whole = (qint64(hours) * 3600 + minutes * 60 + seconds) * kNanoseconds;
+    const qint64 whole = (qint64(hours) * 3600 + qint64(minutes) * 60 + seconds) * kNanoseconds;
     if (text.size() <= kSecondUnits) {
         return whole;
     }

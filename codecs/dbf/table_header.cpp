@@ -143,8 +143,8 @@ DescriptorList readDescriptors(QByteArrayView header, const Layout &layout)
             break;
         }
         Field field;
-        field.name =
-            QByteArray(descriptor, qstrnlen(descriptor, static_cast<size_t>(layout.nameBytes)));
+        const size_t nameBytes = qstrnlen(descriptor, static_cast<size_t>(layout.nameBytes));
+        field.name = QByteArray(descriptor, static_cast<qsizetype>(nameBytes));
         field.type = descriptor[layout.typeAt];
         field.length = static_cast<uchar>(descriptor[layout.lengthAt]);
         descriptors.fields.push_back(field);

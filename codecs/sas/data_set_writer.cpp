@@ -97,7 +97,7 @@ Result<void, Error> DataSetWriter::check(qint64 rows) const
     qint64 rowBytes = 0;
     qsizetype textBytes = 0;
     for (const Variable &variable : m_variables) {
-        constexpr qsizetype kPadding = 3 * 3; // each of the three texts is padded to 4 bytes
+        constexpr qsizetype kPadding = 9; // each of the three texts is padded to 4 bytes
         rowBytes += variable.width;
         textBytes += variable.name.size() + variable.label.size() + variable.format.size();
         textBytes += kPadding;

@@ -24,10 +24,10 @@ constexpr std::array<qint8, 128> decodeTable()
     std::array<qint8, 128> table{};
     table.fill(kIllegal);
     for (size_t i = 0; i < kAlphabet.size(); ++i) {
-        table[static_cast<size_t>(kAlphabet[i])] = static_cast<qint8>(i);
+        table[static_cast<uchar>(kAlphabet[i])] = static_cast<qint8>(i);
     }
     for (const char blank : {' ', '\t', '\r', '\n'}) {
-        table[static_cast<size_t>(blank)] = kSkipped;
+        table[static_cast<uchar>(blank)] = kSkipped;
     }
     table['='] = kPaddingSign;
     return table;

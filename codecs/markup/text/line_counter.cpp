@@ -120,7 +120,7 @@ void LineCounter::countBreaks(const char *bytes, qsizetype n)
     }
     while (at < n) {
         const qsizetype found = findBreak(bytes, at, n);
-        m_openBreak = found > at ? 0 : m_openBreak;
+        m_openBreak = found > at ? '\0' : m_openBreak;
         breakLine(bytes[found]);
         at = found + 1;
     }

@@ -50,9 +50,9 @@ ThriftType fromWire(quint8 wire)
 
 quint8 toWire(ThriftType type)
 {
-    for (quint8 wire = kWireTrue; wire < kFromWire.size(); ++wire) {
+    for (size_t wire = kWireTrue; wire < kFromWire.size(); ++wire) {
         if (kFromWire[wire] == type) {
-            return wire;
+            return static_cast<quint8>(wire);
         }
     }
     return 0;

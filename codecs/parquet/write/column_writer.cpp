@@ -83,7 +83,8 @@ void appendBits(const char *values, size_t n, std::vector<char> &page)
     const size_t begin = page.size();
     page.resize(begin + (n + kBits - 1) / kBits);
     for (size_t i = 0; i < n; ++i) {
-        page[begin + i / kBits] |= static_cast<char>(values[i] << i % kBits);
+        char &bits = page[begin + i / kBits];
+        bits = static_cast<char>(bits | values[i] << i % kBits);
     }
 }
 

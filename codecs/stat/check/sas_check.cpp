@@ -82,7 +82,7 @@ std::optional<quint64> deletedRowsOf(CheckedReader &in, const SasHeader &header,
     for (const qint64 at : subheadersOf(in, header, page)) {
         in.seek(at);
         if (in.number<quint32>() == kRowsSignature) {
-            in.seek(at + kRowsWord * (header.isWide ? 8 : 4));
+            in.seek(at + kRowsWord * qint64(header.isWide ? 8 : 4));
             const quint64 rows = wordOf(in, header.isWide);
             const quint64 deleted = wordOf(in, header.isWide);
             return in.isGood() && deleted <= rows ? deleted : 0;

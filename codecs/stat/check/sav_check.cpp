@@ -137,9 +137,9 @@ bool SavCheck::checkVariable()
         if (bytes > kMaxLabelBytes) {
             return fail(QStringLiteral("a label of a variable has %1 bytes").arg(bytes));
         }
-        m_in.skip((bytes + 3) / 4 * 4);
+        m_in.skip((qint64(bytes) + 3) / 4 * 4);
     }
-    m_in.skip(std::abs(missing) * 8);
+    m_in.skip(qint64(std::abs(missing)) * 8);
     ++m_elements;
     return true;
 }

@@ -90,7 +90,7 @@ void OutputPin::appendPicked()
     const BatchSlice slice = std::exchange(m_slice, {});
     RowBatch &batch = openBatch();
     const auto pick = [&batch](const uchar *const *cells, int rows) {
-        batch.cells.insert(batch.cells.end(), cells, cells + rows * batch.columns);
+        batch.cells.insert(batch.cells.end(), cells, cells + qsizetype(rows) * batch.columns);
         batch.rows += rows;
     };
     if (slice.count != 0) {
