@@ -66,10 +66,14 @@ class Map(unittest.TestCase):
 # Where a name of a parameter may be written: its table, the entry with settings for "convert", the layout of its panel, and the
 # editors of single structures, which are parts of panels.
 DECLARING = re.compile(r"/params/|_(?:params|entry|panel|layout|test)\.|/panel_groups\.|^panels/(?:structures|fill)/")
-# Texts that equal a name and mean something else, and the parameters that options of a command set.
+LAYERS = ["base", "codecs", "host", "io", "panels", "actions", "plugin", "cli", "studio"]
+# Texts that equal a name and mean something else, and the parameters that commands set: they make actions from their options.
 OTHER_TEXTS = {("actions/read_json/read_json.cpp", "tagName"),  # a column of the input pin
+               ("codecs/xlsx/sheet_tail.cpp", "autoFilter"),  # an element of a sheet
                ("cli/convert/pipeline.cpp", "firstRow"), ("cli/convert/pipeline.cpp", "lastRow"),
-               ("cli/convert/tables_command.cpp", "warnUnread"), ("cli/input_graph.cpp", "outputFilenames")}
+               ("cli/convert/pipeline.cpp", "lastColumn"), ("cli/convert/tables_command.cpp", "warnUnread"),
+               ("cli/input_graph.cpp", "outputFilenames"), ("cli/merge/merge_action.cpp", "byName"),
+               ("cli/merge/workbook_merge.cpp", "alwaysWrite")}
 
 
 class Names(unittest.TestCase):
@@ -85,10 +89,10 @@ class Names(unittest.TestCase):
         names = {name for infos in described for name in self.names_of(infos) if re.search(r".[A-Z]", name)}
         self.assertGreater(len(names), 100)
         found = set()
-        for path in [path for folder in ("actions", "cli", "host/src/graph", "host/src/params", "panels") for path in (SOURCE / folder).rglob("*")]:
+        for path in [path for folder in LAYERS for path in (SOURCE / folder).rglob("*")]:
             name = str(path.relative_to(SOURCE))
             if path.suffix in (".h", ".cpp") and not DECLARING.search(name):
-                texts = re.findall(r'"(\w+)=?"', path.read_text(encoding="utf-8"))
+                texts = re.findall(r'"(\w+)(?:=(?!\')[^"]*)?"', path.read_text(encoding="utf-8"))
                 found |= {(name, text) for text in texts if text in names}
         self.assertEqual(found, OTHER_TEXTS)
 
