@@ -68,7 +68,7 @@ Rank rankOf(const QString &name, const QString &candidate)
     return {isBeginning ? std::min(changes, 1) : changes, -equal, changes};
 }
 
-/// Whether so many changes are a typing error in a name of `chars` characters. If all characters
+/// Whether this many changes are a typing error in a name of `chars` characters. If all characters
 /// differ, it is another name.
 bool isClose(int changes, qsizetype chars)
 {

@@ -124,7 +124,7 @@ private:
 
 // ---- The columns of a file.
 
-/// At most so many value labels are printed in a line, unless -v asks for all.
+/// At most this many value labels are printed in a line, unless -v asks for all.
 constexpr qsizetype kFewLabels = 10;
 
 /// "VALUE=LABEL, ..." in the order of the file.

@@ -65,7 +65,7 @@ public:
     qint64 bytesRead() const { return m_bytesRead; }
     /// Messages are about the input `name` from now on, and say so. Call between runs.
     void setInput(const QString &name);
-    /// Targets with the file name of `name`, which the command removes, are none of those below.
+    /// Leave targets with the file name of `name`, which the command removes, out of writtenFiles().
     /// Call between runs.
     void setTemporary(const QString &name);
     /// The targets that were completed since the log was created, in their order.

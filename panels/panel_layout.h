@@ -43,7 +43,7 @@ public:
     {
     }
     /// The parameters, or what the host knows about the input, may have changed. Called after each
-    /// edit and refresh; must return at once.
+    /// edit and refresh; must return immediately.
     virtual void parametersChanged() {}
 
 protected:

@@ -57,7 +57,7 @@ char16_t *putTime(QTime time, char16_t *out)
 
 } // namespace
 
-/// A format with both parts gives a date with a time, one with a single part only that.
+/// A format with both parts gives a date with a time, any other one a date or a time.
 CsvDates::CsvDates(const QString &format)
     : m_parser(format, QLocale::c(), false)
     , m_hasDate(hasField(format, u"yMd"))

@@ -53,8 +53,8 @@ QString valueText(const stat::LabelSet::Entry &entry, const encoding::TextDecode
     return shortestText(entry.number);
 }
 
-/// The labels of the set `name`, in the order of the file. SAS names sets of which no catalogue is
-/// given, and its own formats.
+/// The labels of the set `name`, in the order of the file. A SAS file also names its own
+/// formats, and sets of catalogues that are not given.
 QVector<ValueLabel> labelsOf(const stat::LabelSets &sets, const QString &name,
                              const encoding::TextDecoder &decoder)
 {
@@ -68,7 +68,7 @@ QVector<ValueLabel> labelsOf(const stat::LabelSets &sets, const QString &name,
     return labels;
 }
 
-/// A look at a file reports nothing: labels that cannot be read are none.
+/// No labels where they cannot be read: only a run reports that.
 stat::LabelSets orNone(Result<stat::LabelSets, stat::Error> labels)
 {
     return labels ? *std::move(labels) : stat::LabelSets();

@@ -40,7 +40,7 @@ protected:
     /// The longest text and label of the format, in bytes.
     virtual int maxTextBytes() const = 0;
     virtual int maxLabelBytes() const = 0;
-    /// The width of a text column whose longest text has so many bytes.
+    /// The width of a text column whose longest text has this many bytes.
     virtual int measuredWidth(qsizetype longest) const = 0;
     /// Choose the encoding of texts and names. Returns false after a failure.
     virtual bool chooseEncoding() { return true; }

@@ -149,7 +149,7 @@ bool WorkbookFile::checkTexts()
                    m_maxTextUnits)});
 }
 
-/// Sheets are as good as equally long: counting their rows would need another pass.
+/// Counts all sheets as equally long: counting their rows would need another pass.
 void WorkbookFile::updateFraction()
 {
     constexpr qint64 kRowsPerFraction = 1024;

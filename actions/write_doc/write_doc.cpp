@@ -143,7 +143,7 @@ bool ActionWriteDoc::findColumn(const OneRow &columns, const QString &name, int 
 
 bool ActionWriteDoc::findColumns(const OneRow &columns)
 {
-    // A user corrects all columns at once: every missing one is reported, not only the first one.
+    // Every missing column is reported, so that a user can correct all of them together.
     bool done = findColumn(columns, m_params.output, &m_run->output);
     done = findColumn(columns, m_params.templateColumn, &m_run->templateColumn) && done;
     for (const QString &name : m_params.textColumns) {

@@ -84,7 +84,7 @@ void ActionWriteDocTable::start()
 {
     m_run = std::make_unique<Run>();
     m_run->output = expandOutputFile(m_params.output, QString());
-    // Both are reported, so that a user corrects them at once.
+    // Both are reported, so that a user can correct them together.
     if (m_params.output.isEmpty()) {
         fail(u"No Output File?"_s);
     }

@@ -149,7 +149,7 @@ void ActionWriteExcel::reportMissingNames(const OneRow &columns, const char *lis
     }
 }
 
-/// A width without a column is mostly a comma too much.
+/// A width without a column is usually one comma too many.
 void ActionWriteExcel::reportExtraWidths(size_t widths, size_t columns)
 {
     if (widths > columns) {

@@ -16,7 +16,7 @@
 
 namespace corvanta {
 
-/// Counts different values by their hashes of 64 bits, of which two are practically never equal.
+/// Counts different values by their 64-bit hashes, two of which are practically never equal.
 class DistinctCounter
 {
 public:

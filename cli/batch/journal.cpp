@@ -271,8 +271,8 @@ qint64 Journal::timeNow(const JournalEntry &entry) const
                     last == m_last.end() ? 0 : last->second.time + 1);
 }
 
-/// Written before the run: an input that ends the program, as one that takes all memory, is known
-/// afterwards.
+/// Written before the run: an input that ends the program, such as one that takes all memory, is
+/// known afterwards.
 bool Journal::begin(JournalEntry entry)
 {
     entry.status = kFailed;

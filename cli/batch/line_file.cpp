@@ -23,7 +23,7 @@ bool LineFile::next()
         const QByteArrayView piece = m_isComplete ? rest.first(lineFeed + 1) : rest;
         m_used += piece.size();
         m_bytes += piece.size();
-        // What comes after a piece that is left out is left out too, so that no line is shortened.
+        // Everything after a piece that is left out is left out too, so that no line is shortened.
         m_line += m_bytes <= kMaxBytes ? piece : QByteArrayView();
     }
     return m_bytes > 0;

@@ -23,7 +23,7 @@ bool hasOnlyCr(std::string_view sample, bool isWhole)
            sample.find('\n') == std::string_view::npos;
 }
 
-/// The lines before the first record that are none.
+/// The lines before the first record that are not records.
 struct Preamble
 {
     long long lines = 0;

@@ -28,7 +28,7 @@ std::optional<ImageInfo> imageInfo(QByteArrayView file);
 /// The usual extension, "png", and the media type, "image/png". Constants.
 const char *extensionOf(ImageKind kind);
 const char *mediaTypeOf(ImageKind kind);
-/// The kind that an extension in lower case stands for; nothing for an unknown one.
+/// The kind of files with this extension, in lower case; nothing for an unknown one.
 std::optional<ImageKind> kindOfExtension(QByteArrayView extension);
 
 } // namespace corvanta::document

@@ -110,7 +110,7 @@ bool TextDecoder::fillTable(const IconvHandle &converter)
     return isSingleByte;
 }
 
-// ---- Texts of which no byte may vanish.
+// ---- Texts whose bytes must not get lost.
 
 qsizetype TextDecoder::decode(const char *in, qsizetype n, char16_t *out) const
 {

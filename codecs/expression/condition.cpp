@@ -22,7 +22,7 @@ bool isBooleanWord(const QString &name)
            name.compare("false"_L1, Qt::CaseInsensitive) == 0;
 }
 
-/// Nothing but "not equal" holds for an unordered pair, of which one is a NaN.
+/// Only "not equal" holds for an unordered pair, one of which is a NaN.
 bool holds(Comparison comparison, std::partial_ordering order)
 {
     switch (comparison) {

@@ -21,7 +21,7 @@ constexpr double kSmallest = 9;
 constexpr double kWidest = 60;
 constexpr double kFilterButton = 3;
 constexpr double kBoldFactor = 1.1;
-/// Programs show at most so many characters of a decimal number without a format.
+/// Programs show at most this many characters of a decimal number without a format.
 constexpr double kGeneralDigits = 11;
 
 /// East Asian characters are twice as wide as a digit.

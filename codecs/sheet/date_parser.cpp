@@ -86,7 +86,7 @@ bool hasShortYears(const QString &format)
 {
     constexpr int kLongYear = 4;
     bool isQuoted = false;
-    int run = 0; // letters "y" in a row, of which Qt takes four or two
+    int run = 0; // letters "y" in a row; Qt takes four or two
     bool isShort = false;
     for (const QChar c : format + u' ') {
         isQuoted = isQuoted != (c == u'\'');

@@ -153,7 +153,7 @@ DateKind find(std::span<const NamedKind> formats, std::string_view name)
     return at != formats.end() && at->name == name ? at->kind : DateKind::None;
 }
 
-/// Formats to whose name the letter of a separator may be appended.
+/// Formats whose names may end with the letter of a separator.
 constexpr std::array kWithSeparator{"DDMMYY", "MMDDYY", "MMYY", "YYMM", "YYMMDD", "YYQ", "YYQR"};
 
 /// Whether the last letter may be that of a separator: blank, colon, dash, none, period or slash.

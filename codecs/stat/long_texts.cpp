@@ -46,7 +46,7 @@ int bytesOfType(quint16 type)
     case 65530: // byte
         return 1;
     default:
-        return type; // a text of so many bytes
+        return type; // a text of this many bytes
     }
 }
 

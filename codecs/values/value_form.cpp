@@ -170,7 +170,7 @@ struct Decimal
 bool isExact(const Decimal &number)
 {
     constexpr qint64 kGreatestPower = 300;
-    // A double holds an integer of so many digits before up to five zeros. With more zeros its
+    // A double holds an integer of this many digits before up to five zeros. With more zeros its
     // text has an exponent.
     constexpr qint64 kDigitsOfIntegers = 12;
     constexpr qint64 kZerosOfIntegers = 5;

@@ -33,7 +33,7 @@ Record recordAt(const char *bytes);
 class RecordArena
 {
 public:
-    /// Room for a key and a row of so many bytes in total, the row after the key. Valid until the
+    /// Room for a key and a row of this many bytes in total, the row after the key. Valid until the
     /// next call. Throws std::bad_alloc if there is no memory, and for more than 2 GiB.
     char *room(qsizetype bytes);
     /// Keep the record that was written to the room; returns its offset.

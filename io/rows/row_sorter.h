@@ -32,7 +32,7 @@ public:
     explicit RowSorter(Options options);
     ~RowSorter();
 
-    /// Room for a key and a row of so many bytes in total, the row after the key. Valid until the
+    /// Room for a key and a row of this many bytes in total, the row after the key. Valid until the
     /// next call. Throws std::bad_alloc if there is no memory.
     char *room(qsizetype bytes) { return m_arena.room(bytes); }
     /// Add the row that was written to the room. Errors: CannotWrite, CannotRead.

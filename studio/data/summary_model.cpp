@@ -41,7 +41,7 @@ void SummaryModel::setRows(const PinRows &rows)
     }
 }
 
-/// An order of other columns is that of a table that is no longer shown.
+/// Ignores an order of other columns, which is that of a table that is no longer shown.
 void SummaryModel::setOrder(const QVector<int> &order)
 {
     if (order.size() == m_order.size() && order != m_order) {

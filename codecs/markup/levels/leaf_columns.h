@@ -73,7 +73,7 @@ public:
     /// Forget the leaves of the record before.
     void beginRecord() { ++m_record; }
     /// The leaf of an item; null if it is in the tree or missing. Its spans are relative to the
-    /// pinned place, as those of the tree.
+    /// pinned place, like those of the tree.
     const MarkupTokenizer::Leaf *leafOf(size_t item) const
     {
         return m_kept[item].record == m_record ? &m_kept[item].leaf : nullptr;

@@ -44,7 +44,7 @@ public:
     qint64 rows() const { return m_rows; }
     /// Whether the objects at the top of the file are known to be records, as in JSON Lines.
     bool readsRecords() const { return m_reader->readsRecords(); }
-    /// Continue in a file of which another extractor has said so. Call it after beginFile().
+    /// Continue in a file for which another extractor has said so. Call it after beginFile().
     void expectRecords() { m_reader->expectRecords(); }
     /// Count rows and lines of the file that another extractor has examined, before the next
     /// document.
@@ -81,8 +81,8 @@ public:
         QString value; ///< cut if it is long
         char letter = 'U';
     };
-    /// The value because of which next() has returned the error InvalidNumber; nothing if there is
-    /// no such value in the document.
+    /// The value for which next() has returned the error InvalidNumber; nothing if there is no such
+    /// value in the document.
     const std::optional<BadValue> &badValue() const { return m_badValue; }
 
     /// The cells of the row, valid until the next call; a shared missing cell where there is no

@@ -8,7 +8,7 @@
 
 namespace corvanta::markup {
 
-/// Make what reads rows of tables. Its paths are those of LevelState::paths.
+/// Make the readers of rows of tables. Their paths are those of LevelState::paths.
 void LevelExtractor::addSpans(const PathSyntax &syntax)
 {
     for (size_t i = 0; i < m_levels.size(); ++i) {

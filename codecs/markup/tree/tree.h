@@ -169,7 +169,7 @@ private:
         void operator()(TreeItem *items) const { std::free(items); }
     };
 
-    /// M_capacity items, of which m_size are used.
+    /// Room for m_capacity items, of which m_size are used.
     std::unique_ptr<TreeItem[], Free> m_items;
     size_t m_size = 0;
     size_t m_capacity = 0;

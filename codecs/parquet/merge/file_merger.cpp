@@ -78,7 +78,7 @@ Fault<MergeError> mergeFaultOf(const Fault<Error> &fault)
             fault.detail, fault.offset};
 }
 
-/// Whether a chunk has values for so many rows, null or not. A repeated value makes more of them,
+/// Whether a chunk has values for this many rows, null or not. A repeated value makes more of them,
 /// and an empty list counts as one. Readers would find that only when they decode the pages.
 bool hasPlausibleSizes(const RawStruct &meta, const MergedLeaf &leaf, qint64 rows)
 {

@@ -40,7 +40,7 @@ public:
         read(&value, sizeof value);
         return m_isBigEndian ? qFromBigEndian(value) : qFromLittleEndian(value);
     }
-    /// `n` bytes, which must not exceed a few megabytes; empty if there are not so many.
+    /// `n` bytes, which must not exceed a few megabytes; empty if there are fewer.
     QByteArray bytes(qint64 n);
     /// Move to an offset from the beginning.
     void seek(qint64 offset);

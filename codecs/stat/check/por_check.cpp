@@ -168,7 +168,7 @@ QByteArray PorCheck::number()
     return digits;
 }
 
-/// A number that counts something; fails if it is none.
+/// Read a number that counts something; fails for any other value.
 qint64 PorCheck::count()
 {
     constexpr int kBase = 30;

@@ -1,7 +1,7 @@
 // The shared strings of a workbook (ECMA-376 part 1, 18.4.9), read as far as they are needed.
 //
-// A workbook with millions of strings answers for its first rows at once, because writers number
-// the strings in the order of their first use.
+// The first rows of a workbook with millions of strings are available immediately, because writers
+// number the strings in the order of their first use.
 #pragma once
 #include "codecs/xlsx/read/part_text.h"
 

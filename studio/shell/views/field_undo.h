@@ -2,7 +2,7 @@
 //
 // A text field has an undo of its own, which ends where the field got the focus. What is in the
 // graph is undone by the graph, so that the keys mean the same in a field and on the canvas. Only
-// letters that the graph does not have yet, as those of a name, are undone by the field.
+// letters that the graph does not have yet, such as those of a name, are undone by the field.
 // Threads: the GUI thread.
 #pragma once
 #include <QObject>
