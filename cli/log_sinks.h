@@ -65,8 +65,8 @@ public:
     qint64 bytesRead() const { return m_bytesRead; }
     /// Messages are about the input `name` from now on, and say so. Call between runs.
     void setInput(const QString &name);
-    /// Leave targets with the file name of `name`, which the command removes, out of writtenFiles().
-    /// Call between runs.
+    /// Leave targets with the file name of `name`, which the command removes, out of
+    /// writtenFiles(). Call between runs.
     void setTemporary(const QString &name);
     /// The targets that were completed since the log was created, in their order.
     QStringList writtenFiles() const;

@@ -16,7 +16,8 @@ public:
     /// Makes the rules of a scan on another thread, which may have objects of their own.
     using MakeValues = std::function<std::vector<RecordScan::Value>()>;
 
-    /// Whether lines of the dialect can be cut: after a lone CR it is not safe, because LF may follow.
+    /// Whether lines of the dialect can be cut: after a lone CR it is not safe, because LF may
+    /// follow.
     static bool canCut(const Dialect &dialect) { return !dialect.endsLinesWithCr; }
 
     /// Continue `scan`, to which the current record of `reader` and those before it were added or

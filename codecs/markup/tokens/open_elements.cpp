@@ -37,8 +37,8 @@ bool isImplied(HtmlElement element)
 }
 
 /// True when the end tag of `element` inside of `open` does not end elements outside of `open`. A
-/// block ends together with everything inside; another element, such as "b", does not end a block that
-/// is inside of it.
+/// block ends together with everything inside; another element, such as "b", does not end a block
+/// that is inside of it.
 bool keepsOpen(HtmlElement open, HtmlElement element)
 {
     if (element.kind == Kind::Form) {
