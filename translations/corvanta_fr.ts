@@ -5361,10 +5361,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
         <translation>Scripts shell (*.sh)</translation>
     </message>
     <message>
-        <source>The script cannot be written: %1</source>
-        <translation>Le script ne peut pas être écrit&#xa0;: %1</translation>
-    </message>
-    <message>
         <source>The graph was saved. Copied: %1</source>
         <translation>Le graphe a été enregistré. Copié&#xa0;: %1</translation>
     </message>
@@ -5549,10 +5545,6 @@ Avertissement&#xa0;: aucune balise à remplacer ([[KOBData &lt;reference&gt;]]) 
 </context>
 <context>
     <name>corvanta::studio::GraphScene</name>
-    <message>
-        <source>“%1” cannot be written: %2</source>
-        <translation>«&#xa0;%1&#xa0;» ne peut pas être écrit&#xa0;: %2</translation>
-    </message>
     <message>
         <source>“%1”: a graph is exported as .svg, .png or .pdf.</source>
         <translation>«&#xa0;%1&#xa0;»&#xa0;: un graphe s&apos;exporte en .svg, .png ou .pdf.</translation>

@@ -322,9 +322,8 @@ TEST_F(Canvas, ExportsTheGraphInThreeFormats)
 {
     m_document.addLink({m_in, 0}, {m_sort, 0});
     m_document.setComment(m_sort, u"by name & date"_s);
-    QString why;
     for (const QString &extension : {u"svg"_s, u"png"_s, u"pdf"_s}) {
-        ASSERT_TRUE(m_view.exportTo(m_folder.filePath(u"g."_s + extension), &why));
+        ASSERT_TRUE(m_view.exportTo(m_folder.filePath(u"g."_s + extension)));
     }
     QXmlStreamReader svg(bytes(m_folder.filePath(u"g.svg"_s)));
     QString texts;
@@ -336,10 +335,10 @@ TEST_F(Canvas, ExportsTheGraphInThreeFormats)
     const QImage png(m_folder.filePath(u"g.png"_s));
     EXPECT_GT(png.width(), 1300);
     EXPECT_TRUE(bytes(m_folder.filePath(u"g.pdf"_s)).startsWith("%PDF"));
-    EXPECT_FALSE(m_view.exportTo(m_folder.filePath(u"g.bmp"_s), &why));
-    EXPECT_TRUE(why.contains(".svg"_L1));
-    EXPECT_FALSE(m_view.exportTo(u"/none/g.svg"_s, &why));
-    EXPECT_TRUE(why.contains("cannot be written"_L1));
+    const auto bitmap = m_view.exportTo(m_folder.filePath(u"g.bmp"_s));
+    EXPECT_TRUE(!bitmap && bitmap.fault().detail.contains(".svg"_L1));
+    const auto nowhere = m_view.exportTo(u"/none/g.svg"_s);
+    EXPECT_TRUE(!nowhere && nowhere.fault().detail.contains("cannot be written"_L1));
 }
 
 TEST_F(Canvas, ScreenReadersFindTheNodes)

@@ -154,9 +154,9 @@ void CanvasView::setOverviewShown(bool isShown)
 }
 
 // Not what is visible, but all of it.
-bool CanvasView::exportTo(const QString &file, QString *why)
+GraphDocument::FileResult<void> CanvasView::exportTo(const QString &file)
 {
-    return exportGraph(*m_scene, file, why);
+    return exportGraph(*m_scene, file);
 }
 
 // All of the selection is one undo step.

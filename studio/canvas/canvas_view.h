@@ -61,9 +61,8 @@ public:
     void setOverviewShown(bool isShown);
     /// Whether dragged nodes keep to the grid, as they do at first; Alt leaves it.
     void setSnapping(bool snaps) { m_scene->setSnapping(snaps); }
-    /// Write the whole graph as SVG, PNG or PDF, after the extension of `file`. Returns false with
-    /// the reason.
-    bool exportTo(const QString &file, QString *why);
+    /// Write the whole graph as SVG, PNG or PDF, after the extension of `file`.
+    GraphDocument::FileResult<void> exportTo(const QString &file);
     /// Ask for the text of a new note; edit that of another one.
     void addNote();
     void editNote(int key);

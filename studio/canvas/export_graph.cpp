@@ -1,8 +1,6 @@
 // Pictures are drawn into memory first, so that a failure leaves the old file.
 #include "studio/canvas/export_graph.h"
 
-#include "corvanta/failure_reason.h"
-#include "corvanta/target_file.h"
 #include "studio/canvas/graph_scene.h"
 
 #include <QBuffer>
@@ -106,21 +104,10 @@ private:
     QSignalBlocker m_blocker;
 };
 
-/// Replace a file in one step.
-bool writeBytes(const QString &file, const QByteArray &bytes, QString *why)
-{
-    TargetFile target;
-    if (target.open(file, {}) && target.write(bytes.constData(), bytes.size()) && target.commit()) {
-        return true;
-    }
-    *why = GraphScene::tr("“%1” cannot be written: %2").arg(file, failureReason(target));
-    return false;
-}
-
 } // namespace
 
 // An empty graph gives an empty picture of the size of a node.
-bool exportGraph(GraphScene &scene, const QString &file, QString *why)
+GraphDocument::FileResult<void> exportGraph(GraphScene &scene, const QString &file)
 {
     const QRectF graph = scene.itemsRect();
     const QRectF area = graph.isEmpty() ? QRectF(0, 0, NodeItem::kWidth, NodeItem::kGrid * 4)
@@ -129,16 +116,16 @@ bool exportGraph(GraphScene &scene, const QString &file, QString *why)
     const QString extension = QFileInfo(file).suffix().toLower();
     const PrintLook look(scene);
     if (extension == "svg"_L1) {
-        return writeBytes(file, svgOf(scene, area), why);
+        return GraphDocument::writeFile(file, svgOf(scene, area));
     }
     if (extension == "png"_L1) {
-        return writeBytes(file, pngOf(scene, area), why);
+        return GraphDocument::writeFile(file, pngOf(scene, area));
     }
     if (extension == "pdf"_L1) {
-        return writeBytes(file, pdfOf(scene, area), why);
+        return GraphDocument::writeFile(file, pdfOf(scene, area));
     }
-    *why = GraphScene::tr("“%1”: a graph is exported as .svg, .png or .pdf.").arg(file);
-    return false;
+    return Fault{GraphDocument::FileError::CannotWrite,
+                 GraphScene::tr("“%1”: a graph is exported as .svg, .png or .pdf.").arg(file)};
 }
 
 } // namespace corvanta::studio

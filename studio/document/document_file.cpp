@@ -236,15 +236,22 @@ GraphDocument::FileResult<void> GraphDocument::reload()
 }
 
 // The old file stays until the new one is complete.
+GraphDocument::FileResult<void> GraphDocument::writeFile(const QString &file,
+                                                         const QByteArray &content)
+{
+    TargetFile target;
+    const bool isWritten = target.open(file, {}) &&
+                           target.write(content.constData(), content.size()) && target.commit();
+    return isWritten ? FileResult<void>()
+                     : Fault{FileError::CannotWrite,
+                             tr("“%1” cannot be written: %2").arg(file, failureReason(target))};
+}
+
 GraphDocument::FileResult<void> GraphDocument::write(const QString &file)
 {
     const QByteArray text = toXml();
-    TargetFile target;
-    const bool isWritten =
-        target.open(file, {}) && target.write(text.constData(), text.size()) && target.commit();
-    if (!isWritten) {
-        return Fault{FileError::CannotWrite,
-                     tr("“%1” cannot be written: %2").arg(file, failureReason(target))};
+    if (auto written = writeFile(file, text); !written) {
+        return written;
     }
     m_file->setContent(text);
     m_file->removeRecovery();

@@ -44,6 +44,8 @@ public:
     /// Why a file cannot be opened or saved; the detail of the fault is the text for the user.
     enum class FileError { CannotRead, CannotWrite };
     template <class T> using FileResult = Result<T, FileError>;
+    /// Replace a file of the user, whatever it contains, in one step.
+    static FileResult<void> writeFile(const QString &file, const QByteArray &content);
 
     /// A new graph without a file. `registry` must outlive the document.
     explicit GraphDocument(const ActionRegistry &registry, QObject *parent = nullptr);

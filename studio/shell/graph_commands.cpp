@@ -13,11 +13,11 @@
 #include "studio/shell/workspace.h"
 
 #include <QClipboard>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QInputDialog>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -350,10 +350,17 @@ void GraphCommands::exportPicture(const QString &title, const QString &filter,
         // Next to the graph; a graph without a file has only a title.
         graph.path() + u'/' + QFileInfo(document()->title()).completeBaseName() + u'.' + suffix;
     const QString file = QFileDialog::getSaveFileName(&m_workspace, title, name, filter);
-    QString why;
-    if (!file.isEmpty() && !canvas()->exportTo(file, &why)) {
-        tab()->messages()->show(why, {{tr("Close")}});
+    if (!file.isEmpty()) {
+        checkWritten(canvas()->exportTo(file));
     }
+}
+
+bool GraphCommands::checkWritten(const GraphDocument::FileResult<void> &written)
+{
+    if (!written) {
+        tab()->messages()->show(written.fault().detail, {{tr("Close")}});
+    }
+    return bool(written);
 }
 
 bool GraphCommands::hasFile()
@@ -384,22 +391,12 @@ void GraphCommands::saveScript()
     const QString start = graph.path() + u'/' + graph.completeBaseName() + u".sh"_s;
     const QString name = QFileDialog::getSaveFileName(&m_workspace, tr("Save a shell script"),
                                                       start, tr("Shell scripts (*.sh)"));
-    if (name.isEmpty()) {
-        return;
+    if (!name.isEmpty() && checkWritten(GraphDocument::writeFile(
+                               name, runScriptText(document()->fileName(), name).toUtf8()))) {
+        // For the same people who may read it.
+        QFile::setPermissions(name, QFile::permissions(name) | QFile::ExeOwner | QFile::ExeUser |
+                                        QFile::ExeGroup | QFile::ExeOther);
     }
-    // An existing script is replaced only when the new one is complete.
-    QSaveFile file(name);
-    const QByteArray text = runScriptText(document()->fileName(), name).toUtf8();
-    const bool isWritten =
-        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
-    if (!isWritten) {
-        tab()->messages()->show(tr("The script cannot be written: %1").arg(file.errorString()),
-                                {{tr("Close")}});
-        return;
-    }
-    // For the same people who may read it.
-    QFile::setPermissions(name, QFile::permissions(name) | QFile::ExeOwner | QFile::ExeUser |
-                                    QFile::ExeGroup | QFile::ExeOther);
 }
 
 } // namespace corvanta::studio

@@ -3,7 +3,7 @@
 // They act on the tab that is shown and on what is selected on its canvas. Those that are
 // impossible now are disabled.
 #pragma once
-#include "studio/document/content.h"
+#include "studio/document/graph_document.h"
 
 #include <QObject>
 
@@ -12,7 +12,6 @@ namespace corvanta::studio {
 class CanvasView;
 class Commands;
 class DocumentTab;
-class GraphDocument;
 class RunController;
 class Workspace;
 
@@ -76,6 +75,8 @@ private:
     void copyCommand();
     /// Save an executable shell script that runs the saved graph.
     void saveScript();
+    /// Show why a file could not be written. Returns whether it was written.
+    bool checkWritten(const GraphDocument::FileResult<void> &written);
     /// Save a new or changed graph first; the command and the script name its file. Returns false
     /// if the user cancelled.
     bool hasFile();

@@ -2,11 +2,13 @@
 #include "corvanta/edit/translation.h"
 #include "studio/shell/command_text.h"
 #include "studio/shell/preferences/shortcut_editor.h"
+#include "studio/shell/views/message_bar.h"
 #include "tests/studio/shell_window.h"
 
 #include <QAction>
 #include <QClipboard>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLocale>
@@ -300,7 +302,15 @@ TEST_F(Shell, CommandAndScriptRunTheGraph)
     EXPECT_EQ(QApplication::clipboard()->text(), runCommandText(name));
     EXPECT_FALSE(document().isModified());
     EXPECT_TRUE(window().statusBar()->currentMessage().contains(u"was saved"_s));
-    const QString script = write(u"run.sh"_s, runScriptText(name, path(u"run.sh"_s)).toUtf8());
+    const QString script = path(u"run.sh"_s);
+    chooseFile(path(u"none/run.sh"_s));
+    trigger("export.script");
+    const auto *const message = window().workspace()->current()->messages()->findChild<QLabel *>();
+    EXPECT_TRUE(message->text().contains(u"none/run.sh” cannot be written: "_s))
+        << message->text().toStdString();
+    chooseFile(script);
+    trigger("export.script");
+    EXPECT_TRUE(QFileInfo(script).isExecutable());
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PATH"_s, QCoreApplication::applicationDirPath() + u':' +

@@ -11,6 +11,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFile>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTest>
@@ -101,6 +102,22 @@ inline void answer(const QString &text)
         }
         box->reject();
         FAIL() << "no button " << text.toStdString();
+    });
+    timer->start(5);
+}
+
+/// Answers the next file dialog by this name.
+inline void chooseFile(const QString &name)
+{
+    auto *const timer = new QTimer(qApp); // deletes itself
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, name] {
+        auto *const dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        if (dialog != nullptr) {
+            timer->stop();
+            timer->deleteLater();
+            dialog->selectFile(name);
+            static_cast<QDialog *>(dialog)->accept();
+        }
     });
     timer->start(5);
 }
