@@ -303,11 +303,8 @@ bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
     if (!readPart(copy, kStylesPart, &styles)) {
         return false;
     }
-    const qsizetype end = styles.lastIndexOf("</w:styles>");
-    // A style of this id in the template wins: its look may be intended.
-    if (end >= 0 &&
-        !document::definesStyle(styles, QString::fromLatin1(document::kTableGridStyle))) {
-        copy.put(kStylesPart, styles.insert(end, document::kTableGridDefinition));
+    if (document::addTableGrid(&styles)) {
+        copy.put(kStylesPart, styles);
     }
     warnEach(missingStyles(styles));
     return true;

@@ -104,7 +104,7 @@ private:
     std::vector<document::TablePlace> findPlaces(const QByteArray &body,
                                                  const std::vector<QByteArray> &markers) const;
     // What the template does not have; each text is for a warning, or for problems().
-    QStringList missingStyles(const QByteArray &styles) const;
+    QStringList missingStyles(QByteArray styles) const;
     static QStringList missingMarkers(const QByteArray &body,
                                       const std::vector<QByteArray> &markers,
                                       const std::vector<document::TablePlace> &places);

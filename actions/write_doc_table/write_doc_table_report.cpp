@@ -146,15 +146,13 @@ ActionWriteDocTable::findPlaces(const QByteArray &body,
 }
 
 /// Word processors open such a document without a message.
-QStringList ActionWriteDocTable::missingStyles(const QByteArray &styles) const
+QStringList ActionWriteDocTable::missingStyles(QByteArray styles) const
 {
+    document::addTableGrid(&styles); // as a run does
     QStringList texts;
     for (int pin = 0; pin < tableCount(); ++pin) {
         const DocTable table = tableOf(pin);
-        // The writer adds this one.
-        const bool isAdded = table.styleID == QLatin1StringView(document::kTableGridStyle) &&
-                             styles.contains("</w:styles>");
-        if (!isAdded && !document::definesStyle(styles, table.styleID)) {
+        if (!document::definesStyle(styles, table.styleID)) {
             texts << QCoreApplication::translate(
                          "Problems",
                          "the template has no style '%1': the table at '%%2%' has no format")

@@ -15,7 +15,12 @@
 
 namespace corvanta::document {
 
-const char kTableGridDefinition[] =
+namespace {
+
+constexpr int kMaxWidth = 31680; // 22 inches, the widest page
+constexpr int kMinShare = 720;
+constexpr QByteArrayView kCellEnd("</w:t></w:r></w:p></w:tc>");
+constexpr char kTableGridDefinition[] =
     "<w:style w:type=\"table\" w:styleId=\"TableGrid\"><w:name w:val=\"Table Grid\"/>"
     "<w:basedOn w:val=\"TableNormal\"/><w:uiPriority w:val=\"59\"/>"
     "<w:pPr><w:spacing w:after=\"0\" w:line=\"240\" w:lineRule=\"auto\"/></w:pPr>"
@@ -27,12 +32,6 @@ const char kTableGridDefinition[] =
     "<w:insideH w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
     "<w:insideV w:val=\"single\" w:sz=\"4\" w:space=\"0\" w:color=\"auto\"/>"
     "</w:tblBorders></w:tblPr></w:style>";
-
-namespace {
-
-constexpr int kMaxWidth = 31680; // 22 inches, the widest page
-constexpr int kMinShare = 720;
-constexpr QByteArrayView kCellEnd("</w:t></w:r></w:p></w:tc>");
 
 /// Nothing if the tag does not begin a style.
 std::optional<QString> styleIdOf(const opc::Tag &tag)
@@ -53,6 +52,16 @@ bool definesStyle(QByteArrayView styles, const QString &id)
         }
     }
     return false;
+}
+
+bool addTableGrid(QByteArray *styles)
+{
+    const qsizetype end = styles->lastIndexOf("</w:styles>");
+    if (end < 0 || definesStyle(*styles, QString::fromLatin1(kTableGridStyle))) {
+        return false;
+    }
+    styles->insert(end, kTableGridDefinition);
+    return true;
 }
 
 QStringList tableStyles(QByteArrayView styles)

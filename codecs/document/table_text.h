@@ -14,9 +14,12 @@
 
 namespace corvanta::document {
 
-/// The style that every template gets, and its definition.
+/// The style that every template gets.
 inline constexpr char kTableGridStyle[] = "TableGrid";
-extern const char kTableGridDefinition[];
+
+/// Add that style to a styles part. Returns false, and changes nothing, if the part has a style of
+/// this id, whose look may be intended, or if it has no end tag.
+bool addTableGrid(QByteArray *styles);
 
 /// Whether a styles part defines a style with this id.
 bool definesStyle(QByteArrayView styles, const QString &id);
