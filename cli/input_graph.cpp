@@ -3,6 +3,7 @@
 
 #include "base/counted.h"
 #include "base/mapped.h"
+#include "base/text/packed_name.h"
 #include "column_types.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/lists.h"

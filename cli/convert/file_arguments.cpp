@@ -3,6 +3,7 @@
 
 #include "base/nearest_name.h"
 #include "base/text/binary_kind.h"
+#include "base/text/packed_name.h"
 #include "base/text/unmarked_utf16.h"
 #include "cli/file_types.h"
 #include "cli/visible_text.h"
@@ -210,16 +211,6 @@ CommandResult<void> checkClobber(const CommandLine &line, const QString &target)
         return Fault{kFailed, u"'%1' exists already, and --no-clobber keeps it"_s.arg(target)};
     }
     return {};
-}
-
-QString withoutPacking(const QString &name)
-{
-    for (const auto &ending : {".gz"_L1, ".Z"_L1}) {
-        if (name.endsWith(ending)) {
-            return name.chopped(ending.size());
-        }
-    }
-    return name;
 }
 
 QString withoutArchive(const QString &name)

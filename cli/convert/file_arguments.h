@@ -44,8 +44,6 @@ CommandResult<QVector<ListedName>> namesInList(const QString &fileName, const QS
 /// would be written through, so it exists too. The fault is kFailed.
 CommandResult<void> checkClobber(const CommandLine &line, const QString &target);
 
-/// The name without its last ending if that says how the file is compressed (".gz", ".Z").
-QString withoutPacking(const QString &name);
 /// The name without the archive that holds the file.
 QString withoutArchive(const QString &name);
 /// The name without folders, its extension and what says how the file is compressed.

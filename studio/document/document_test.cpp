@@ -2,6 +2,7 @@
 // cannot be undone.
 #include "corvanta/action_parameters.h"
 #include "studio/document/element_comments.h"
+#include "studio/document/file_reader.h"
 #include "tests/studio/document_case.h"
 
 #include <QApplication>
@@ -368,6 +369,17 @@ TEST_F(StudioDocument, CopiesKeepTheirLinksAndGetNewNames)
     EXPECT_EQ(document->links().size(), 2); // "in" of that text is another action
     document->undoStack()->setIndex(0);
     EXPECT_EQ(document->toXml(), kGraph);
+}
+
+TEST_F(StudioDocument, TheReaderFollowsFromTheNameOfTheFile)
+{
+    const auto type = [](const QString &name) { return readerType(test::allActions(), name); };
+    EXPECT_EQ(type(u"/a.CSV"_s), "readCSV"_L1);
+    EXPECT_EQ(type(u"/a.b.csv.gz"_s), "readCSV"_L1);
+    EXPECT_EQ(type(u"/a.dbf.Z"_s), "ReadXBF"_L1);
+    // No reader decompresses these.
+    EXPECT_EQ(type(u"/a.csv.GZ"_s), QString());
+    EXPECT_EQ(type(u"/a.dbf.z"_s), QString());
 }
 
 TEST_F(StudioDocument, ADataFileBecomesItsFilledReader)

@@ -1,6 +1,7 @@
 // Of several actions for one extension the first family counts, see FileFormat::Family.
 #include "studio/document/file_reader.h"
 
+#include "base/text/packed_name.h"
 #include "corvanta/action_parameters.h"
 #include "corvanta/action_registry.h"
 #include "corvanta/lists.h"
@@ -23,12 +24,10 @@ struct Reader
     const FileFormat *format = nullptr;
 };
 
-/// The extension of the content: "csv" for a.csv.gz.
+/// The extension of the content, in lower case: "csv" for a.CSV.gz.
 QString contentExtension(const QString &file)
 {
-    const QFileInfo info(file.toLower());
-    const bool isPacked = info.suffix() == "gz"_L1 || info.suffix() == "z"_L1;
-    return isPacked ? QFileInfo(info.completeBaseName()).suffix() : info.suffix();
+    return QFileInfo(withoutPacking(file)).suffix().toLower();
 }
 
 /// The first format for an extension, in the order of the families and then of the actions.
