@@ -243,6 +243,18 @@ makeAction(const ActionRegistry &registry, const QString &type, const QStringLis
     return action;
 }
 
+CommandResult<std::unique_ptr<ActionItem>> makeWriter(const ActionRegistry &registry,
+                                                      const QString &type, const QString &fileName,
+                                                      const QStringList &settings)
+{
+    auto action = makeAction(registry, type, settings);
+    if (action) {
+        auto &parameters = dynamic_cast<ActionParameters &>(**action);
+        parameters.setParameterValue(fileParameter(parameters, FileFormat::Write), fileName);
+    }
+    return action;
+}
+
 /// Settings have the form NAME=VALUE.
 QStringList settingsOf(const QString &parameter, const QStringList &values)
 {
@@ -254,15 +266,6 @@ bool hasParameter(const ActionItem &action, const QString &name)
 {
     const auto *const parameters = dynamic_cast<const ActionParameters *>(&action);
     return parameters != nullptr && parameters->indexOfParameter(name) >= 0;
-}
-
-std::unique_ptr<ActionItem> makeWriter(const ActionRegistry &registry, const QString &type,
-                                       const QString &fileName)
-{
-    std::unique_ptr<ActionItem> action = registry.create(parsed(u"<%1/>"_s.arg(type)), nullptr);
-    auto *const parameters = dynamic_cast<ActionParameters *>(action.get());
-    parameters->setParameterValue(fileParameter(*parameters, FileFormat::Write), fileName);
-    return action;
 }
 
 CommandResult<void> addAction(CorvantaGraph *graph, const QString &id, ActionItem &action)

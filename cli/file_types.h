@@ -26,15 +26,14 @@ CommandResult<std::unique_ptr<ActionItem>> makeFileAction(const corvanta::Action
 CommandResult<std::unique_ptr<ActionItem>> makeAction(const corvanta::ActionRegistry &registry,
                                                       const QString &type,
                                                       const QStringList &settings);
+/// The same for a type with a parameter for the file that it writes, which gets `fileName`.
+CommandResult<std::unique_ptr<ActionItem>> makeWriter(const corvanta::ActionRegistry &registry,
+                                                      const QString &type, const QString &fileName,
+                                                      const QStringList &settings);
 /// `parameter=VALUE` for each value, as settings of a list.
 QStringList settingsOf(const QString &parameter, const QStringList &values);
 /// Whether the action has a parameter of this name.
 bool hasParameter(const ActionItem &action, const QString &name);
-
-/// A new action of the type `type`, which has a parameter for the file that it writes, for the file
-/// `fileName`.
-std::unique_ptr<ActionItem> makeWriter(const corvanta::ActionRegistry &registry,
-                                       const QString &type, const QString &fileName);
 
 /// Add a copy of the action to a graph. Text in its parameters that looks like a variable is kept
 /// literally. The fault is a usage error: a graph cannot contain a name or value.

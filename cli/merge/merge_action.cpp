@@ -10,20 +10,6 @@ using namespace corvanta;
 
 namespace {
 
-/// "NAME=" of the parameter for the file that actions of the type write.
-QString fileSetting(const ActionRegistry &registry, const QString &type)
-{
-    const auto action = makeAction(registry, type, {});
-    for (const ParameterInfo &info : action
-                                         ? dynamic_cast<ActionParameters &>(**action).parameters()
-                                         : QVector<ParameterInfo>()) {
-        if (info.file == ParameterInfo::File::Output) {
-            return info.name + u'=';
-        }
-    }
-    return {};
-}
-
 /// A sheet is written from what a reader of the part's format reads.
 CommandResult<void> checkReaders(const CommandLine &line, const QStringList &parts,
                                  const ActionRegistry &registry)
@@ -53,13 +39,11 @@ makeMerge(const CommandLine &line, const QStringList &parts, const ActionRegistr
         const auto readers = checkReaders(line, parts, registry);
         return readers ? CommandResult<std::unique_ptr<ActionItem>>(nullptr) : readers.fault();
     }
-    const QString type = u"mergeFiles"_s;
     QStringList settings = settingsOf(u"parts"_s, parts);
     if (line.has(u"--union"_s)) {
         settings << u"byName=1"_s;
     }
-    settings << fileSetting(registry, type) + output;
-    auto action = makeAction(registry, type, settings);
+    auto action = makeWriter(registry, u"mergeFiles"_s, output, settings);
     if (!action) {
         return action;
     }

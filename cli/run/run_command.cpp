@@ -22,13 +22,6 @@ namespace {
 
 constexpr QLatin1StringView kTapWriter("writeCSV");
 
-/// A writer of CSV for the file `name`.
-std::unique_ptr<ActionItem> makeTapWriter(const QString &name, const ActionRegistry &registry)
-{
-    // Without GlobalParameters: the name is absolute, and a "${" in it is not a variable.
-    return makeWriter(registry, kTapWriter, QDir::current().absoluteFilePath(name));
-}
-
 /// The listener for `--tap ID:PIN=FILE.csv`: a writeCSV that reads the pin.
 CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
 {
@@ -43,7 +36,13 @@ CommandResult<Listener> makeTap(const QString &text, const LoadedGraph &loaded)
     if (loaded.registry.prototype(kTapWriter) == nullptr) {
         return badUsage(u"--tap needs the action '%1', which no module has"_s.arg(kTapWriter));
     }
-    return Listener{"tap "_L1 + tap->name, *pin, makeTapWriter(tap->value, loaded.registry)};
+    // Without GlobalParameters: the name is absolute, and a "${" in it is not a variable.
+    auto writer =
+        makeWriter(loaded.registry, kTapWriter, QDir::current().absoluteFilePath(tap->value), {});
+    if (!writer) {
+        return writer.fault();
+    }
+    return Listener{"tap "_L1 + tap->name, *pin, *std::move(writer)};
 }
 
 /// The options of the run, with its taps. All taps are checked before the run starts.
