@@ -378,9 +378,12 @@ void StatFile::beforeClose()
     if (const Occurrences &texts = findings.replacedTexts; texts.any()) {
         m_action.warn(
             u"ReadStat Warning: Invalid character found in file '%1'"_s.arg(m_name),
-            u"U+FFFD replaces the bytes that are not valid in the encoding %2, in %1; the first is in %3. The parameter 'encoding' can name another encoding"_s
-                .arg(counted(texts.count(), u"text"_s), m_reader->dictionary().encoding,
-                     texts.first()));
+            m_options.format == stat::Format::SpssPor
+                ? u"U+FFFD replaces the bytes that the file's table of characters does not have, in %1; the first is in %2"_s
+                      .arg(counted(texts.count(), u"text"_s), texts.first())
+                : u"U+FFFD replaces the bytes that are not valid in the encoding %2, in %1; the first is in %3. The parameter 'encoding' can name another encoding"_s
+                      .arg(counted(texts.count(), u"text"_s), m_reader->dictionary().encoding,
+                           texts.first()));
     }
     m_action.warnOf(
         findings.cutTexts, m_name, u"text"_s,

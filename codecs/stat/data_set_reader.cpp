@@ -75,6 +75,9 @@ DataSetReader::DataSetReader(ByteSource &source, ReadOptions options, LabelSets 
     if (m_longTexts) {
         m_longTexts->attachTo(&m_input);
     }
+    if (m_options.format == Format::SpssPor) {
+        m_input.setStart(distinctPorStart(source));
+    }
 }
 
 DataSetReader::~DataSetReader() = default;
@@ -238,7 +241,8 @@ void DataSetReader::announceColumns()
     if (!m_decoder) { // an empty file of a format without metadata
         m_decoder.emplace(*TextDecoder::open(QStringLiteral("UTF-8")));
     }
-    m_maker.emplace(*m_ring, *m_decoder, m_columns, m_longTexts.get());
+    m_maker.emplace(*m_ring, *m_decoder, m_columns, m_longTexts.get(),
+                    m_options.format == Format::SpssPor);
     (*m_onColumns)(m_dictionary);
 }
 

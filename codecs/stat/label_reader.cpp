@@ -6,6 +6,7 @@
 #include "codecs/stat/label_reader.h"
 
 #include "codecs/encoding/text_decoder.h"
+#include "codecs/stat/check/header_check.h"
 #include "codecs/stat/library_parser.h"
 #include "codecs/stat/long_texts.h"
 
@@ -122,6 +123,9 @@ Result<LabelSets, Error> runPass(ByteSource &source, LabelPass pass, Parse &&par
     const auto longTexts = pass.format == Format::Stata ? LongTexts::of(source) : nullptr;
     if (longTexts) {
         longTexts->attachTo(&input);
+    }
+    if (pass.format == Format::SpssPor) {
+        input.setStart(distinctPorStart(source));
     }
     LibraryParser parser(input);
     attachHandlers(parser);

@@ -5,7 +5,37 @@
 //   others                        named in the file; without a name UTF-8
 #include "codecs/stat/library_parser.h"
 
+#include <clocale>
+
 namespace corvanta::stat {
+
+namespace {
+
+/// While it exists, the locale of this thread has UTF-8: the library prints the characters of
+/// portable files in the locale's encoding, and writes blanks where that lacks them.
+class Utf8Locale
+{
+public:
+    Utf8Locale()
+        : m_locale(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr))
+        , m_previous(uselocale(m_locale))
+    {
+    }
+    Q_DISABLE_COPY_MOVE(Utf8Locale)
+    ~Utf8Locale()
+    {
+        uselocale(m_previous);
+        if (m_locale != nullptr) {
+            freelocale(m_locale);
+        }
+    }
+
+private:
+    const locale_t m_locale; // null on a system without it: then nothing changes
+    const locale_t m_previous;
+};
+
+} // namespace
 
 LibraryParser::LibraryParser(LibrarySource &source)
     : m_parser(readstat_parser_init())
@@ -25,8 +55,10 @@ readstat_error_t LibraryParser::parse(Format format, void *context)
         return readstat_parse_sas7bdat(handle(), "", context);
     case Format::SpssSav:
         return readstat_parse_sav(handle(), "", context);
-    case Format::SpssPor:
+    case Format::SpssPor: {
+        const Utf8Locale locale;
         return readstat_parse_por(handle(), "", context);
+    }
     case Format::Stata:
         return readstat_parse_dta(handle(), "", context);
     case Format::SasTransport:

@@ -113,6 +113,10 @@ qint64 LibrarySource::fill()
     const qint64 got = m_source.read(m_buffer.get(), m_nextFill);
     m_hasFailed = got < 0;
     m_filled = std::max<qint64>(got, 0);
+    const qint64 replaced = std::min(m_filled, m_start.size() - at);
+    if (replaced > 0) {
+        std::memcpy(m_buffer.get(), m_start.constData() + at, static_cast<size_t>(replaced));
+    }
     return got;
 }
 

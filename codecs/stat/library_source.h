@@ -5,6 +5,7 @@
 #pragma once
 #include "base/byte_source.h"
 
+#include <QByteArray>
 #include <QByteArrayView>
 
 #include <array>
@@ -24,6 +25,8 @@ public:
 
     /// Make `parser` read this source, which must outlive it.
     void attachTo(readstat_parser_s *parser);
+    /// The file begins with these bytes instead of its own.
+    void setStart(QByteArray bytes) { m_start = std::move(bytes); }
     /// Continue at `to` after a read that ends at `from`.
     void hide(qint64 from, qint64 to);
     /// The bytes of the last read, where the reader has them.
@@ -60,6 +63,7 @@ private:
     qint64 m_nextFill = kSmallestFill; // bytes
     qint64 m_hiddenFrom = -1;          // -1: nothing is hidden
     qint64 m_hiddenTo = -1;
+    QByteArray m_start; // empty: that of the source
     QByteArrayView m_lastRead;
     bool m_endsInside = false;
     bool m_hasFailed = false;

@@ -9,6 +9,8 @@
 #include "base/number.h"
 #include "codecs/stat/date_text.h"
 
+#include <QChar>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -136,7 +138,11 @@ inline bool RowMaker::putText(int column, const char *text, qsizetype n)
     }
     auto *const units = reinterpret_cast<char16_t *>(bytes + kLengthRoom);
     qsizetype count = 0;
-    const Decoded result = m_decoder.decode(text, n, units, &count);
+    Decoded result = m_decoder.decode(text, n, units, &count);
+    if (m_isDecoded &&
+        std::find(units, units + count, QChar::ReplacementCharacter) != units + count) {
+        result = Decoded::Replaced;
+    }
     if (result != Decoded::Complete) {
         countLoss(result, m_columns[static_cast<size_t>(column)]);
     }

@@ -43,12 +43,15 @@ class RowMaker
 {
 public:
     /// The objects must outlive the maker. `longTexts` is null without columns of them.
+    /// `isDecoded`: the library has decoded the texts, so that U+FFFD is a byte that it could not
+    /// decode.
     RowMaker(RowRing &ring, const TextDecoder &decoder, const std::vector<ColumnPlan> &columns,
-             LongTexts *longTexts)
+             LongTexts *longTexts, bool isDecoded)
         : m_ring(ring)
         , m_decoder(decoder)
         , m_columns(columns)
         , m_longTexts(longTexts)
+        , m_isDecoded(isDecoded)
     {
     }
 
@@ -86,6 +89,7 @@ private:
     const TextDecoder &m_decoder;
     const std::vector<ColumnPlan> &m_columns;
     LongTexts *const m_longTexts;
+    const bool m_isDecoded;
     std::vector<char> m_longText; // the bytes of one, before they are decoded
     qint64 m_row = 0;
     Findings m_findings;

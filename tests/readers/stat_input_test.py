@@ -5,6 +5,7 @@ The rows and messages of whole files are graph cases (graphs/read_stat), real fi
 """
 import csv
 import datetime
+import os
 import pathlib
 import shutil
 import struct
@@ -60,8 +61,9 @@ class StatInput(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="corvanta_stat_"))
         self.addCleanup(shutil.rmtree, self.folder)
 
-    def run_in(self, *words, status=0):
-        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output=True, text=True, timeout=120)
+    def run_in(self, *words, status=0, locale=None):
+        environment = {**os.environ, "LC_ALL": locale} if locale else None
+        done = subprocess.run([CORVANTA, *words], cwd=self.folder, capture_output=True, text=True, timeout=120, env=environment)
         self.assertEqual(done.returncode, status, done.stderr)
         return done.stderr
 
@@ -238,6 +240,18 @@ class StatInput(unittest.TestCase):
                 self.assertEqual(self.table("wrong.csv"), right)
             found = self.convert(f"right{file.suffix}", "out.csv", "--reader", "fileFormat=2", status=1)
             self.assertIn(f"its content is that of {kind}, but the parameter 'fileFormat' says ", found)
+
+    def test_a_portable_file_whose_characters_repeat(self):
+        # The table also has digits and a hyphen where raised digits and a dash belong: a byte is the character of its first place.
+        table = b"0" * 64 + b"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz .<(+|&[]!$*);^-/|,%_>?`:$@'=\"      ~-   0123456789   -(){}\\"
+        records = b"SPSSPORTA8/202601016/00000042/70/1/A5/8/2/5/8/2/75/1/B1/5/0/1/5/0/D1/1/A1/8/5/eightF8/5/x-8|y9/4/Zo\xeb.Z"
+        whole = b" " * 200 + table.ljust(256, b"0") + records
+        for end in (b"\n", b"\r\n"):
+            self.write("p.por", b"".join(whole[i:i + 80].ljust(80, b"Z") + end for i in range(0, len(whole), 80)))
+            log = self.run_in("convert", "p.por", "out.csv", "--reader", "extractLabels=1", locale="C")
+            self.assertEqual((self.folder / "out.csv").read_text(), "A,B\neight,x-8|y\n9,Zo\ufffd.\n")
+            self.assertIn("Invalid character found in file", log)
+            self.assertIn("U+FFFD replaces the bytes that the file's table of characters does not have, in 1 text; the first is in row 2 of the column 'B'", log)
 
     def test_an_unknown_encoding_of_a_portable_file(self):
         shutil.copy(CASES / "values/v.por", self.folder / "p.por")

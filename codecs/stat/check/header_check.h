@@ -34,6 +34,11 @@ bool lacksStataEnd(ByteSource &source);
 /// that has passed checkHeader().
 bool hasLongUtf8Texts(ByteSource &source);
 
+/// The beginning of a portable file, up to the end of its table of characters, with only the first
+/// character of each byte. The library uses the last one: a table that has "8" also as a raised 8
+/// makes all numbers unreadable. Empty if the table cannot be read. `source` is used as above.
+QByteArray distinctPorStart(ByteSource &source);
+
 // File names can be wrong. Each format but the portable one begins with bytes that no other has.
 
 /// The format of the content; nothing if it is not known, or cannot be read. `source`

@@ -24,6 +24,7 @@ namespace corvanta::stat {
 namespace {
 
 constexpr int kLineBytes = 80;
+constexpr int kDigitsAt = 64; // in the table of characters
 constexpr int kMaxMissing = 3;
 constexpr qint64 kMaxTextBytes = 20000;
 
@@ -35,6 +36,8 @@ public:
     {
     }
     Result<void, Error> run();
+    /// See distinctPorStart().
+    QByteArray distinctStart();
 
 private:
     // Functions that return a bool return false at a fault.
@@ -58,6 +61,8 @@ private:
 
     CheckedReader m_in;
     std::array<char, 256> m_characters{}; // those of numbers and tags, by the file's byte; 0: other
+    std::array<uchar, 256> m_table{};     // the file's byte of each portable character
+    std::array<qint64, 256> m_places{};   // of these bytes in the file
     uchar m_blank = 0;
     int m_column = 0;
     int m_blanks = 0; // left at the end of a line
@@ -102,7 +107,6 @@ Result<void, Error> PorCheck::run()
 bool PorCheck::readCharacters()
 {
     constexpr int kTextBytes = 200;
-    constexpr int kDigitsAt = 64;
     constexpr char kCharacters[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
     constexpr int kBlankAt = 126;
     constexpr int kPointAt = 127;
@@ -111,20 +115,44 @@ bool PorCheck::readCharacters()
     for (int i = 0; i < kTextBytes; ++i) {
         nextByte();
     }
-    std::array<uchar, 256> bytes{};
-    std::generate(bytes.begin(), bytes.end(), [this] { return nextByte(); });
-    m_blank = bytes[kBlankAt];
-    m_characters[bytes[kPointAt]] = '.';
-    m_characters[bytes[kStarAt]] = '*';
-    m_characters[bytes[kSlashAt]] = '/';
+    for (size_t i = 0; i < m_table.size(); ++i) {
+        m_table[i] = nextByte();
+        m_places[i] = m_in.position() - 1;
+    }
+    m_blank = m_table[kBlankAt];
+    m_characters[m_table[kPointAt]] = '.';
+    m_characters[m_table[kStarAt]] = '*';
+    m_characters[m_table[kSlashAt]] = '/';
     for (size_t i = sizeof kCharacters - 1; i-- > 0;) { // "0" is last: it fills empty places
-        m_characters[bytes[kDigitsAt + i]] = kCharacters[i];
+        m_characters[m_table[kDigitsAt + i]] = kCharacters[i];
     }
     QByteArray mark;
     for (int i = 0; i < 8; ++i) {
         mark += next();
     }
     return m_in.isGood() && mark == "SPSSPORT";
+}
+
+/// The first digit fills empty places of the table, as the library expects: here it also replaces
+/// the bytes that occur before.
+QByteArray PorCheck::distinctStart()
+{
+    if (!readCharacters()) {
+        return {};
+    }
+    const qint64 end = m_places.back() + 1;
+    m_in.seek(0);
+    QByteArray start = m_in.bytes(end);
+    std::array<bool, 256> isKnown{};
+    for (size_t i = kDigitsAt; i < m_table.size() && m_in.isGood(); ++i) {
+        // A place without this byte is a line end, which blanks precede.
+        char &byte = start[m_places[i]];
+        if (isKnown[m_table[i]] && static_cast<uchar>(byte) == m_table[i]) {
+            byte = static_cast<char>(m_table[kDigitsAt]);
+        }
+        isKnown[m_table[i]] = true;
+    }
+    return start;
 }
 
 /// The next byte without line ends. A short line continues with blanks.
@@ -318,6 +346,11 @@ void PorCheck::skipTexts(qint64 n)
 Result<void, Error> checkPor(ByteSource &source)
 {
     return PorCheck(source).run();
+}
+
+QByteArray distinctPorStart(ByteSource &source)
+{
+    return PorCheck(source).distinctStart();
 }
 
 } // namespace corvanta::stat
