@@ -184,7 +184,8 @@ inline bool XbfFile::isNumberOfText(size_t column) const
 {
     const dbf::Conversion conversion = m_reader->columns()[column].conversion;
     return !m_letters.empty() && m_letters[column] != 'U' &&
-           (conversion == dbf::Conversion::Text || conversion == dbf::Conversion::Digits ||
+           (conversion == dbf::Conversion::Text || conversion == dbf::Conversion::Varying ||
+            conversion == dbf::Conversion::Digits || conversion == dbf::Conversion::Number ||
             conversion == dbf::Conversion::Truth || conversion == dbf::Conversion::IsoDate);
 }
 

@@ -16,6 +16,10 @@
 //   usual       32  0 (11)      11      16        17
 //   level 7     48  0 (32)      32      33        34
 //
+// In Visual FoxPro byte 18 has flags: 1 a system column, 2 the value can be null. The system column
+// of type 0 holds the null flags of a record, in the order of the fields, the lowest bit first: for
+// V and Q a bit that says that the last byte is the length, then for each that can be null a bit.
+//
 // dBase II (version 02); records start at offset 521:
 //   offset  bytes  content
 //        0      1  version
@@ -40,6 +44,9 @@ constexpr int kDbase2HeaderBytes = 521;
 constexpr char kTerminator = 0x0D;
 constexpr uchar kMemoBit = 0x80;
 constexpr uchar kDbase2 = 0x02;
+constexpr qsizetype kFlagsAt = 18; // in a usual descriptor
+constexpr uchar kSystemColumn = 1;
+constexpr uchar kCanBeNull = 2;
 
 /// Offsets of one layout. nameBytes and the *At members are offsets in a descriptor.
 struct Layout
@@ -61,6 +68,12 @@ bool isFoxProVersion(uchar version)
     return std::find(std::begin(kVersions), std::end(kVersions), version) != std::end(kVersions);
 }
 
+/// From the version with auto-increment to that with texts of varying length.
+bool isVisualFoxProVersion(uchar version)
+{
+    return version >= 0x30 && version <= 0x32;
+}
+
 /// How fields of a type are converted. A skipped field has no column; a refused field makes the
 /// table unreadable.
 struct TypeRule
@@ -71,20 +84,23 @@ struct TypeRule
     bool isRefused = false;
 };
 
-TypeRule ruleOf(char type, bool isFoxPro, const TableOptions &options)
+TypeRule ruleOf(char type, const TableHeader &header, const TableOptions &options)
 {
+    const bool isFoxPro = header.isFoxPro;
     const bool readsAllTypes = options.readsAllTypes;
     const bool isIso = options.isoValues;
     switch (type) {
     case 'C':
         return {CellType::Text, Conversion::Text};
+    case 'V':
+        return {.conversion = Conversion::Varying, .isSkipped = !header.isVisualFoxPro};
     case 'M':
         return {CellType::Text, Conversion::Memo};
     case 'D':
         return {CellType::Text, isIso ? Conversion::IsoDate : Conversion::Digits};
     case 'F':
     case 'N':
-        return {CellType::Text, Conversion::Digits};
+        return {CellType::Text, isIso ? Conversion::Number : Conversion::Digits};
     case 'L':
         return isIso ? TypeRule{CellType::Text, Conversion::Truth}
                      : TypeRule{CellType::Key, Conversion::Logical};
@@ -147,6 +163,7 @@ DescriptorList readDescriptors(QByteArrayView header, const Layout &layout)
         field.name = QByteArray(descriptor, static_cast<qsizetype>(nameBytes));
         field.type = descriptor[layout.typeAt];
         field.length = static_cast<uchar>(descriptor[layout.lengthAt]);
+        field.flags = &layout == &kUsual ? static_cast<uchar>(descriptor[kFlagsAt]) : uchar(0);
         descriptors.fields.push_back(field);
     }
     descriptors.recordBytes = placeFields(descriptors.fields);
@@ -188,12 +205,34 @@ Fault<Error> badHeader(const QString &why, qint64 offset)
     return {Error::BadHeader, why, offset};
 }
 
+/// Give a field of Visual FoxPro its bits in the null flags, of which `*bits` are in use. Returns
+/// false for the column that holds the flags.
+bool takeNullBits(Field *field, int *bits, TableHeader *header)
+{
+    if (field->type == '0' && (field->flags & kSystemColumn) != 0) {
+        header->nullFlagsAt = field->offset;
+        header->nullFlagsBytes = field->length;
+        return false;
+    }
+    if (field->type == 'V' || field->type == 'Q') {
+        field->lengthBit = (*bits)++;
+    }
+    if ((field->flags & kCanBeNull) != 0) {
+        field->nullBit = (*bits)++;
+    }
+    return true;
+}
+
 /// Add the fields that become columns to the header.
 Result<void, Error> chooseColumns(const std::vector<Field> &fields, const TableOptions &options,
                                   TableHeader *header)
 {
+    int nullBits = 0;
     for (Field field : fields) {
-        const TypeRule rule = ruleOf(field.type, header->isFoxPro, options);
+        if (header->isVisualFoxPro && !takeNullBits(&field, &nullBits, header)) {
+            continue;
+        }
+        const TypeRule rule = ruleOf(field.type, *header, options);
         if (rule.isRefused) {
             return Fault<Error>{Error::UnsupportedField,
                                 QLatin1Char(field.type) + QString::fromLatin1(field.name)};
@@ -317,12 +356,13 @@ bool TableHeader::announcesMemoFile() const
 namespace {
 
 /// Parse the fixed part of a header, kUsual.fixedBytes bytes.
-TableHeader parseFixedPart(const char *bytes, bool isLevel7)
+TableHeader parseFixedPart(const char *bytes, const TableOptions &options)
 {
     TableHeader header;
     header.version = static_cast<uchar>(bytes[0]);
-    header.isFoxPro = isFoxProVersion(header.version);
-    header.isLevel7 = isLevel7;
+    header.isVisualFoxPro = options.readsAllTypes && isVisualFoxProVersion(header.version);
+    header.isFoxPro = header.isVisualFoxPro || isFoxProVersion(header.version);
+    header.isLevel7 = options.isLevel7;
     header.recordCount = loadLE<quint32>(bytes + 4);
     header.headerBytes = loadLE<quint16>(bytes + 8);
     header.recordBytes = loadLE<quint16>(bytes + 10);
@@ -336,7 +376,7 @@ Result<TableHeader, Error> readLaterHeader(ByteSource &source, QByteArray bytes,
     if (bytes.size() < kUsual.fixedBytes) {
         return shortHeader(bytes.size());
     }
-    const TableHeader header = parseFixedPart(bytes.constData(), options.isLevel7);
+    const TableHeader header = parseFixedPart(bytes.constData(), options);
     if (header.headerBytes < kUsual.fixedBytes || header.recordBytes == 0) {
         return badHeader(QStringLiteral("its header or record length is not possible"), 8);
     }

@@ -40,6 +40,9 @@ enum class Conversion : quint8 {
     Text,
     /// Characters of a number or date, padded with spaces on both sides.
     Digits,
+    /// Characters of Visual FoxPro; a bit of the null flags says that the last byte is their
+    /// number.
+    Varying,
     /// Number of a memo block, as digits or as 4 bytes.
     Memo,
     /// One letter, to a key: 1 for T, t, Y, y; 0 for F, f, N, n; missing for any other.
@@ -55,6 +58,8 @@ enum class Conversion : quint8 {
     /// Julian day and milliseconds, 32 bits each, to a text: 20260131 04:30:05.
     Timestamp,
     // With TableOptions::isoValues:
+    /// As Digits. Asterisks alone are missing: the number did not fit, or there was none.
+    Number,
     /// Eight digits of a date, to a text: 2026-01-31. Eight zeros are missing; other bytes are
     /// kept.
     IsoDate,
@@ -75,6 +80,11 @@ struct Field
     int length = 0;
     /// Offset of the first byte in the record. Byte 0 of the record is the deletion flag.
     int offset = 0;
+    /// Byte 18 of the descriptor, which Visual FoxPro uses.
+    uchar flags = 0;
+    // Numbers of bits in the null flags of a record; -1: none.
+    int nullBit = -1;   ///< the value is missing
+    int lengthBit = -1; ///< the last byte is the length of the value
     /// The type of the column's cells. Follows from `conversion`.
     CellType cell = CellType::Text;
     Conversion conversion = Conversion::Text;
@@ -88,6 +98,8 @@ struct TableHeader
     uchar version = 0;
     /// Whether the version is one of FoxPro's.
     bool isFoxPro = false;
+    /// Whether the version is one of Visual FoxPro's, and all types are read.
+    bool isVisualFoxPro = false;
     /// Whether the layout is that of dBase 7.
     bool isLevel7 = false;
     /// Number of records, deleted ones included.
@@ -99,6 +111,9 @@ struct TableHeader
     int recordBytes = 0;
     /// The fields that become columns, in file order.
     std::vector<Field> fields;
+    // The place of the null flags in a record of Visual FoxPro; 0 bytes: there are none.
+    int nullFlagsAt = 0;
+    int nullFlagsBytes = 0;
     /// The fields without a column: their types are unknown, or objects. The place is name and
     /// type.
     Occurrences skippedFields;
@@ -116,7 +131,8 @@ struct TableOptions
     /// The longer header and descriptors of dBase 7. If the descriptors match the record length
     /// only in the other layout, that one is used.
     bool isLevel7 = false;
-    /// Read amounts of currency, and skip objects and pictures. Off: a table with them is refused.
+    /// Read amounts of currency and the null flags and varying texts of Visual FoxPro, and skip
+    /// objects and pictures. Off: a table with amounts, objects or pictures is refused.
     bool readsAllTypes = false;
     /// Dates and times are texts in the form of ISO 8601, and logical values the texts true and
     /// false. Off: the digits of a date, a date and time without signs, and the keys 1 and 0.

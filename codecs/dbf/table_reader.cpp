@@ -123,7 +123,9 @@ Votes votesOf(Conversion conversion, const char *bytes, int length)
         }
         break;
     case Conversion::Text:
+    case Conversion::Varying:
     case Conversion::Digits:
+    case Conversion::Number:
     case Conversion::Memo:
     case Conversion::Logical:
     case Conversion::Currency:
@@ -283,12 +285,35 @@ QByteArrayView TableReader::trimmedText(const char *bytes, int n)
     return {bytes, n};
 }
 
+bool TableReader::hasNullBit(int bit) const
+{
+    const int at = bit / 8;
+    return at < m_header.nullFlagsBytes &&
+           (static_cast<uchar>(m_record[m_header.nullFlagsAt + at]) >> bit % 8 & 1) != 0;
+}
+
+/// A text that fills its field has no byte for the length.
+QByteArrayView TableReader::varyingText(const Field &field) const
+{
+    const char *const bytes = bytesOf(field);
+    const int room = field.length - 1;
+    const bool isShort = room >= 0 && hasNullBit(field.lengthBit);
+    return {bytes, isShort ? std::min<int>(static_cast<uchar>(bytes[room]), room) : field.length};
+}
+
 std::optional<QByteArrayView> TableReader::text(size_t column)
 {
     const Field &field = m_header.fields[column];
+    if (field.cell == CellType::Text && isNull(field)) {
+        return QByteArrayView();
+    }
     switch (field.conversion) {
     case Conversion::Text:
         return trimmedText(bytesOf(field), field.length);
+    case Conversion::Varying:
+        return varyingText(field);
+    case Conversion::Number:
+        return numberText(field);
     case Conversion::Digits:
         return trimmedDigits(bytesOf(field), field.length);
     case Conversion::Timestamp:
@@ -312,6 +337,18 @@ QByteArrayView TableReader::trimmedDigits(const char *bytes, int n)
         --n;
     }
     return {bytes, n};
+}
+
+/// Other programs fill a field with asterisks for a number that it cannot hold, and for none.
+QByteArrayView TableReader::numberText(const Field &field)
+{
+    const QByteArrayView digits = trimmedDigits(bytesOf(field), field.length);
+    if (digits.isEmpty() ||
+        !std::all_of(digits.begin(), digits.end(), [](char c) { return c == '*'; })) {
+        return digits;
+    }
+    m_findings.badValues.add([&] { return placeOf(field); });
+    return {};
 }
 
 /// Record and column, for people.

@@ -92,6 +92,13 @@ private:
     Fault<Error> shortTable() const;
     const char *bytesOf(const Field &field) const { return m_record + field.offset; }
 
+    bool hasNullBit(int bit) const;
+    /// Whether the null flags of the record say that the value is missing.
+    bool isNull(const Field &field) const
+    {
+        return field.nullBit >= 0 && hasNullBit(field.nullBit);
+    }
+    QByteArrayView varyingText(const Field &field) const;
     static QByteArrayView trimmedText(const char *bytes, int n);
     static QByteArrayView trimmedDigits(const char *bytes, int n);
     quint32 logicalKey(const Field &field);
@@ -106,6 +113,7 @@ private:
     };
     Moment momentOf(const char *bytes) const;
     QByteArrayView putTimestamp(const Field &field);
+    QByteArrayView numberText(const Field &field);
     QByteArrayView putIsoDate(const Field &field);
     QByteArrayView truthText(const Field &field);
     QString placeOf(const Field &field) const;
@@ -113,6 +121,12 @@ private:
     QByteArrayView memoText(const Field &field);
 
     // Cells in memory of the arena.
+    template <class Arena> const uchar *missingCell(CellType type, Arena &arena)
+    {
+        return type == CellType::Text     ? cell::missingTextCell()
+               : type == CellType::Double ? cell::missingDoubleCell()
+                                          : numberCell(cell::kMissingKey, arena);
+    }
     template <class Arena>
     const uchar *textCell(const Field &field, QByteArrayView bytes, Arena &arena);
     template <class T, class Arena> static const uchar *numberCell(T value, Arena &arena)
@@ -169,9 +183,16 @@ const uchar *TableReader::textCell(const Field &field, QByteArrayView bytes, Are
 template <class Arena> const uchar *TableReader::cell(size_t column, Arena &arena)
 {
     const Field &field = m_header.fields[column];
+    if (isNull(field)) {
+        return missingCell(field.cell, arena);
+    }
     switch (field.conversion) {
     case Conversion::Text:
         return textCell(field, trimmedText(bytesOf(field), field.length), arena);
+    case Conversion::Varying:
+        return textCell(field, varyingText(field), arena);
+    case Conversion::Number:
+        return textCell(field, numberText(field), arena);
     case Conversion::Digits:
         return textCell(field, trimmedDigits(bytesOf(field), field.length), arena);
     case Conversion::Memo: {

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""ReadXBF when it takes long, and when a header promises much: table_reader_test.py CORVANTA"""
+"""ReadXBF when it takes long, when a header promises much, and tables as Visual FoxPro, R and GDAL write them: table_reader_test.py CORVANTA"""
 import gzip
 import json
 import os
@@ -17,11 +17,12 @@ PIECE = 64 * 1024 * 1024
 PIECES = 300
 
 
-def header(fields, count):
-    record_bytes = 1 + sum(length for _, _, length in fields)
-    out = struct.pack("<BxxxIHH20x", 0x30, count, 33 + 32 * len(fields), record_bytes)
-    for name, kind, length in fields:
-        out += struct.pack("<11sc4xB15x", name, kind, length)
+def header(fields, count, version=0x30, page=0):
+    """Fields are name, type, length and perhaps flags."""
+    record_bytes = 1 + sum(field[2] for field in fields)
+    out = struct.pack("<BxxxIHH17xB2x", version, count, 33 + 32 * len(fields), record_bytes, page)
+    for name, kind, length, *flags in fields:
+        out += struct.pack("<11sc4xBxB13x", name, kind, length, *(flags or [0]))
     return out + b"\r"
 
 
@@ -69,6 +70,20 @@ class Tables(unittest.TestCase):
         self.assertEqual([json.loads(line)["message"] for line in messages.splitlines()],
                          ["Warning: interrupted; no file was written"])
         self.assertLess(time.monotonic() - stopped, seconds / 2)
+
+    def convert(self, name, *words, to="jsonl"):
+        done = subprocess.run([CORVANTA, "convert", name, "-", "--to", to, *words], cwd=self.folder, capture_output=True, text=True, timeout=60, check=True)
+        return done.stdout.splitlines(), done.stderr
+
+    def test_null_flags_and_varying_texts(self):
+        fields = [(b"TEXT", b"V", 5, 2), (b"NUMBER", b"N", 5, 2), (b"FULL", b"I", 4), (b"COUNT", b"I", 4, 2), (b"_NullFlags", b"0", 1, 5)]
+        records = [b"ab \0\x03  1.5" + struct.pack("<iiB", 1, 7, 0b0001), b"abcde*****" + struct.pack("<iiB", 2, 0, 0), bytes(10) + struct.pack("<iiB", 3, 0, 0b1110)]
+        for version in (0x30, 0x32):
+            (self.folder / "t.dbf").write_bytes(header(fields, 3, version) + b"".join(b" " + record for record in records))
+            rows, log = self.convert("t.dbf")
+            self.assertEqual(rows, ['{"TEXT":"ab ","NUMBER":1.5,"FULL":1,"COUNT":7}', '{"TEXT":"abcde","NUMBER":null,"FULL":2,"COUNT":0}',
+                                    '{"TEXT":null,"NUMBER":null,"FULL":3,"COUNT":null}'])
+            self.assertIn("has 1 value not valid for the type of the column, read as missing; the first is in record 2, column 'NUMBER'", log)
 
     def test_stops_among_deleted_records(self):
         fields = [(b"TEXT", b"C", 255), (b"MORE", b"C", 255), (b"LAST", b"C", 1)]
