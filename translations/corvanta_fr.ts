@@ -3157,10 +3157,6 @@
         <translation>Lire les tables avec monnaie, objets et images</translation>
     </message>
     <message>
-        <source>Reads fields of currency (Y) as numbers, and leaves out objects and pictures (G, P, and B outside FoxPro), with a warning. Off: a table with such a field is rejected.</source>
-        <translation>Lit les champs de monnaie (Y) comme des nombres et ignore les objets et les images (G, P, et B hors de FoxPro), avec un avertissement. Désactivé : une table avec un tel champ est refusée.</translation>
-    </message>
-    <message>
         <source>Dates in ISO form, true and false</source>
         <translation>Dates au format ISO, true et false</translation>
     </message>
@@ -3771,6 +3767,18 @@
     <message>
         <source>Bytes of each number, 3 to 8; 0: numberWidth.</source>
         <translation>Octets de chaque nombre, de 3 à 8&#xa0;; 0&#xa0;: numberWidth.</translation>
+    </message>
+    <message>
+        <source>Reads fields of currency (Y) as numbers, uses the null flags and texts of varying length of Visual FoxPro, and leaves out objects and pictures (G, P, and B outside FoxPro), with a warning. Off: a table with currency, objects or pictures is rejected.</source>
+        <translation>Lit les champs de monnaie (Y) comme des nombres, utilise les indicateurs de valeur nulle et les textes de longueur variable de Visual FoxPro, et ignore les objets et les images (G, P, et B hors de FoxPro), avec un avertissement. Désactivé : une table avec des montants, des objets ou des images est refusée.</translation>
+    </message>
+    <message>
+        <source>Encoding that the table names</source>
+        <translation>Codage indiqué par la table</translation>
+    </message>
+    <message>
+        <source>Reads texts in the encoding that the header of the table or its .cpg file names. Off, or if they name none: in that of the parameter encoding.</source>
+        <translation>Lit les textes dans le codage qu'indique l'en-tête de la table ou son fichier .cpg. Désactivé, ou s'ils n'en indiquent aucun : dans celui du paramètre encoding.</translation>
     </message>
 </context>
 <context>

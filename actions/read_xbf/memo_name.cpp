@@ -33,8 +33,9 @@ QStringList existing(const QString &path)
     return {};
 }
 
-/// The names with one extension, which begins with its dot.
-QStringList namesWith(const QString &extension, const QString &file, const InputFile &table)
+} // namespace
+
+QStringList companionNames(const QString &extension, const QString &file, const InputFile &table)
 {
     if (table.kind() == input::Kind::Rar) {
         return {}; // of a RAR archive only the first entry can be read
@@ -52,14 +53,12 @@ QStringList namesWith(const QString &extension, const QString &file, const Input
     return existing(name) + existing(name + packing);
 }
 
-} // namespace
-
 std::vector<MemoName> memoFileNames(const QString &file, const InputFile &table, bool isFoxPro)
 {
     // A folder may hold both after a conversion: the table's own kind comes first.
     std::vector<MemoName> names;
     for (const bool isFpt : {isFoxPro, !isFoxPro}) {
-        for (const QString &name : namesWith(isFpt ? u".fpt"_s : u".dbt"_s, file, table)) {
+        for (const QString &name : companionNames(isFpt ? u".fpt"_s : u".dbt"_s, file, table)) {
             names.push_back({name, isFpt});
         }
     }

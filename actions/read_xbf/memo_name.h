@@ -1,4 +1,4 @@
-// Finds the memo file of a table by its name, in any letter case.
+// Finds the files that belong to a table by its name, in any letter case.
 #pragma once
 #include "io/input/input_file.h"
 
@@ -12,6 +12,10 @@ struct MemoName
     QString name;
     bool isFpt; ///< the extension is .fpt, FoxPro's; otherwise .dbt
 };
+
+/// The names of the file `file` with another extension, which begins with its dot, beside the
+/// table: as memoFileNames() finds them.
+QStringList companionNames(const QString &extension, const QString &file, const InputFile &table);
 
 /// The names under which the memo file of the table `file` may be opened, most likely first: .fpt
 /// before .dbt if the table is FoxPro's. For a plain, gzip or .Z file: the existing files in the

@@ -101,6 +101,13 @@ std::optional<QVector<ColumnKind>> ActionReadXBF::columnKinds(KindExtent extent)
         if (!file.isOpen() || !table) {
             return std::nullopt; // a part of the rows must not decide
         }
+        DeclaredEncoding declared;
+        if (m_params.declaredEncoding && m_params.encoding == XbfEncoding::Windows1252) {
+            declared = declaredEncodingOf(globalParameters(), name, file, (*table)->header());
+        }
+        if (declared.decoder) {
+            (*table)->setDecoder(*declared.decoder);
+        }
         scanTable(**table, &scanned);
     }
     return kindsOfTable(scanned);

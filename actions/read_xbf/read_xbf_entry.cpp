@@ -6,7 +6,7 @@ namespace corvanta {
 namespace {
 
 constexpr FileFormat kFormats[] = {
-    {FileFormat::Read, FileFormat::Database, "dbf", "readAllTypes=1"},
+    {FileFormat::Read, FileFormat::Database, "dbf", "readAllTypes=1 declaredEncoding=1"},
 };
 
 } // namespace

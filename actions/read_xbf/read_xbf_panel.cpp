@@ -11,7 +11,7 @@ using Fold = PanelGroup::Fold;
 PanelLayout panelLayout()
 {
     return {
-        {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "encoding"}},
+        {QT_TRANSLATE_NOOP("Panels", "Source"), {"fileName", "encoding", "declaredEncoding"}},
         {QT_TRANSLATE_NOOP("Panels", "Memo fields"), {"useDBT", "dbtInRam"}},
         previewGroup(),
         {kAdvancedGroup,

@@ -39,14 +39,20 @@ const ParamTable<ReadXbfParams> &readXbfParamTable()
                 "descriptors are valid in only one of the two forms are read in that form."),
         flag("readAllTypes", &P::readAllTypes)
             .label("Read tables with currency, objects and pictures")
-            .meaning("Reads fields of currency (Y) as numbers, and leaves out objects and pictures "
-                     "(G, P, and B outside FoxPro), with a warning. Off: a table with such a field "
-                     "is rejected."),
+            .meaning("Reads fields of currency (Y) as numbers, uses the null flags and texts of "
+                     "varying length of Visual FoxPro, and leaves out objects and pictures (G, P, "
+                     "and B outside FoxPro), with a warning. Off: a table with currency, objects "
+                     "or pictures is rejected."),
         flag("isoValues", &P::isoValues)
             .label("Dates in ISO form, true and false")
             .meaning("Reads dates as 2026-01-31, dates with times as 2026-01-31T04:30:05, and "
                      "logical values as the texts true and false. Off: 20260131, 20260131 "
                      "04:30:05, and the keys 1 and 0."),
+        flag("declaredEncoding", &P::declaredEncoding)
+            .onlyWhen("encoding", {QStringLiteral("0")})
+            .label("Encoding that the table names")
+            .meaning("Reads texts in the encoding that the header of the table or its .cpg file "
+                     "names. Off, or if they name none: in that of the parameter encoding."),
         text("types", &P::types)
             .label("Column types")
             .meaning("One letter per column, separated by commas: K (whole number), F (decimal "

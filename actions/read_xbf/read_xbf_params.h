@@ -15,13 +15,16 @@ struct ReadXbfParams
     int bufferSize = 1;
     /// Of character and memo fields, and of the names of columns.
     XbfEncoding encoding = XbfEncoding::Windows1252;
+    /// Use the encoding that the table names, if `encoding` is Windows1252.
+    bool declaredEncoding = false;
     /// Read memo fields from the memo file. Off: their cells are missing.
     bool useDBT = true;
     /// Load the whole memo file. Packed memo files are always loaded.
     bool dbtInRam = false;
     /// Field descriptors have the longer form of dBase 7, unless only the other one is valid.
     bool level7 = false;
-    /// Read amounts of currency, and leave out objects and pictures. Off: such tables are rejected.
+    /// Read amounts of currency, use the null flags and varying texts of Visual FoxPro, and leave
+    /// out objects and pictures. Off: tables with currency, objects or pictures are rejected.
     bool readAllTypes = false;
     /// Dates and times in the form of ISO 8601, and the texts true and false for logical values.
     bool isoValues = false;

@@ -58,6 +58,7 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
         return Fault{FileSeries::OpenError::Failed};
     }
     file->m_reader = *std::move(reader);
+    file->useDeclaredEncoding(params);
     const auto columns = static_cast<qsizetype>(file->m_reader->columns().size());
     if (!takeTypeLetters(action, params.types, columns, &file->m_letters)) {
         return Fault{FileSeries::OpenError::Failed};
@@ -68,6 +69,30 @@ FileSeries::Opened XbfFile::open(ActionBase &action, const QString &name,
         file->openMemo(params);
     }
     return FileSeries::Opened(std::move(file));
+}
+
+/// Texts in another encoding would be wrong: what is not used is reported.
+void XbfFile::useDeclaredEncoding(const ReadXbfParams &params)
+{
+    if (params.encoding != XbfEncoding::Windows1252) {
+        return;
+    }
+    DeclaredEncoding declared =
+        declaredEncodingOf(m_action.globalParameters(), m_name, m_input->file, m_reader->header());
+    const bool isKnown = declared.decoder.has_value();
+    if (isKnown && params.declaredEncoding) {
+        m_decoder = std::move(declared.decoder);
+        m_reader->setDecoder(*m_decoder);
+    } else if (isKnown && declared.name != "CP1252"_L1) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"The DBF file '%1' names the encoding %2, but its texts are read as windows-1252. declaredEncoding='1' reads them as %2."_s
+                .arg(m_name, declared.name));
+    } else if (!isKnown && !declared.name.isEmpty()) {
+        m_action.warn(
+            u"Warning: the DBF file '%1' names the encoding %2, which is not known: its texts are read as windows-1252\n"_s
+                .arg(m_name, declared.name));
+    }
 }
 
 /// Why there is no name to open a memo file by.

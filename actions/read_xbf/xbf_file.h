@@ -1,5 +1,6 @@
 // One open table of ReadXBF, with its memo file: its columns and rows.
 #pragma once
+#include "actions/read_xbf/declared_encoding.h"
 #include "actions/read_xbf/memo_name.h"
 #include "actions/read_xbf/read_xbf_params.h"
 #include "actions/shared/file_series.h"
@@ -40,6 +41,7 @@ private:
     XbfFile(ActionBase &action, const QString &name);
     // Opening.
     std::unique_ptr<RunInput> openInput(const QString &name) const;
+    void useDeclaredEncoding(const ReadXbfParams &params);
     void openMemo(const ReadXbfParams &params);
     void useMemo(const MemoName &name, std::unique_ptr<RunInput> input,
                  const ReadXbfParams &params);
@@ -66,7 +68,8 @@ private:
     // Members are destroyed in reverse order: each uses those above it.
     std::unique_ptr<RunInput> m_input;
     std::unique_ptr<RunInput> m_memoInput;
-    std::unique_ptr<dbf::MemoFile> m_memo; // null: memo cells are missing
+    std::optional<encoding::TextDecoder> m_decoder; // of the encoding that the table names
+    std::unique_ptr<dbf::MemoFile> m_memo;          // null: memo cells are missing
     std::unique_ptr<dbf::TableReader> m_reader;
 };
 

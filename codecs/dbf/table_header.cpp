@@ -9,7 +9,7 @@
 //        8      2  header length
 //       10      2  record length
 //       12         reserved; up to byte 32, in level 7 up to byte 68 with the language driver's
-//       name
+//       name; byte 29 is a mark of the encoding
 //
 // Then descriptors, one per field, ended by a byte 0D:
 //   layout   bytes  name      type  length  decimals
@@ -363,6 +363,7 @@ TableHeader parseFixedPart(const char *bytes, const TableOptions &options)
     header.isVisualFoxPro = options.readsAllTypes && isVisualFoxProVersion(header.version);
     header.isFoxPro = header.isVisualFoxPro || isFoxProVersion(header.version);
     header.isLevel7 = options.isLevel7;
+    header.encodingMark = static_cast<uchar>(bytes[29]);
     header.recordCount = loadLE<quint32>(bytes + 4);
     header.headerBytes = loadLE<quint16>(bytes + 8);
     header.recordBytes = loadLE<quint16>(bytes + 10);

@@ -102,6 +102,8 @@ struct TableHeader
     bool isVisualFoxPro = false;
     /// Whether the layout is that of dBase 7.
     bool isLevel7 = false;
+    /// Byte 29, which names an encoding (see encodingOfMark()); 0: none.
+    uchar encodingMark = 0;
     /// Number of records, deleted ones included.
     quint32 recordCount = 0;
     /// Offset of the first record. May be larger than the descriptors need: some programs store

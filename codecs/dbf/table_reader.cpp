@@ -160,7 +160,7 @@ Date dateOfJulianDay(int julianDay)
 TableReader::TableReader(ByteSource &source, const TextDecoder &decoder, TableHeader header,
                          qint64 bufferBytes)
     : m_source(source)
-    , m_decoder(decoder)
+    , m_decoder(&decoder)
     , m_header(std::move(header))
 {
     // Allocate no more than the table needs, whatever the header and the parameter claim.
@@ -355,7 +355,7 @@ QByteArrayView TableReader::numberText(const Field &field)
 QString TableReader::placeOf(const Field &field) const
 {
     return QStringLiteral("record %1, column '%2'")
-        .arg(QString::number(m_findings.records), m_decoder.decode(field.name));
+        .arg(QString::number(m_findings.records), m_decoder->decode(field.name));
 }
 
 quint32 TableReader::logicalKey(const Field &field)

@@ -54,7 +54,10 @@ public:
     /// other calls are indexes of this vector.
     const std::vector<Field> &columns() const { return m_header.fields; }
     /// The decoded name of a column (0-based). Names need not be unique.
-    QString columnName(size_t column) const { return m_decoder.decode(columns()[column].name); }
+    QString columnName(size_t column) const { return m_decoder->decode(columns()[column].name); }
+
+    /// Decode names and texts with another decoder than that of open(). It must outlive the reader.
+    void setDecoder(const TextDecoder &decoder) { m_decoder = &decoder; }
 
     /// Set the file with the texts of memo fields. It must outlive the reader. Without it, all memo
     /// fields are missing.
@@ -137,7 +140,7 @@ private:
     }
 
     ByteSource &m_source;
-    const TextDecoder &m_decoder;
+    const TextDecoder *m_decoder;
     TableHeader m_header;
     MemoFile *m_memo = nullptr;
     std::optional<Fault<Error>> m_fault;
@@ -160,9 +163,9 @@ const uchar *TableReader::textCell(const Field &field, QByteArrayView bytes, Are
     }
     qsizetype units = bytes.size();
     // In a single-byte encoding the length is known, and the text is decoded into its cell.
-    if (!m_decoder.isByteForUnit()) {
+    if (!m_decoder->isByteForUnit()) {
         m_units.resize(static_cast<size_t>(bytes.size()) * 2);
-        units = m_decoder.decode(bytes.data(), bytes.size(), m_units.data());
+        units = m_decoder->decode(bytes.data(), bytes.size(), m_units.data());
         const auto end = m_units.cbegin() + units;
         if (std::find(m_units.cbegin(), end, QChar::ReplacementCharacter) != end) {
             m_findings.badTexts.add([&] { return placeOf(field); });
@@ -172,8 +175,8 @@ const uchar *TableReader::textCell(const Field &field, QByteArrayView bytes, Are
     const int lengthBytes = cell::lengthBytes(code);
     uchar *const room = arena.alloc(static_cast<int>(lengthBytes + units * 2));
     auto *const out = reinterpret_cast<char16_t *>(cell::putLength(room, code, lengthBytes));
-    if (m_decoder.isByteForUnit()) {
-        m_decoder.decode(bytes.data(), bytes.size(), out);
+    if (m_decoder->isByteForUnit()) {
+        m_decoder->decode(bytes.data(), bytes.size(), out);
     } else {
         std::memcpy(out, m_units.data(), static_cast<size_t>(units) * sizeof(char16_t));
     }

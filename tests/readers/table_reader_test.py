@@ -85,6 +85,25 @@ class Tables(unittest.TestCase):
                                     '{"TEXT":null,"NUMBER":null,"FULL":3,"COUNT":null}'])
             self.assertIn("has 1 value not valid for the type of the column, read as missing; the first is in record 2, column 'NUMBER'", log)
 
+    def test_the_encoding_that_a_table_names(self):
+        def write(text, page, cpg=None):
+            (self.folder / "t.dbf").write_bytes(header([(b"NAME", b"C", 12)], 1, 3, page) + b" " + text.ljust(12))
+            (self.folder / "T.CPG").unlink(missing_ok=True)
+            if cpg:
+                (self.folder / "T.CPG").write_text(cpg + "\n")
+        for encoding, page, cpg in (("cp866", 0x65, None), ("cp1251", 0xC9, None), ("utf-8", 0, "UTF-8"), ("iso-8859-5", 0x57, "88595"), ("cp1251", 0x57, "ANSI 1251")):
+            write("Мир".encode(encoding), page, cpg)
+            self.assertEqual(self.convert("t.dbf"), (['{"NAME":"Мир"}'], ""), encoding)
+            self.assertEqual(self.convert("t.dbf", "--where", "NAME = 'Мир'", to="csv")[0], ["NAME", "Мир"])
+        self.assertEqual(self.convert("t.dbf", "--encoding", "windows-1252")[0], ['{"NAME":"Ìèð"}'])
+        write("Мир".encode("cp866"), 0x65)
+        rows, log = self.convert("t.dbf", "--reader", "declaredEncoding=0")
+        self.assertEqual(rows, ['{"NAME":"Œ¨à"}'])
+        self.assertIn("t.dbf' names the encoding CP866, but its texts are read as windows-1252. declaredEncoding='1' reads them as CP866.", log)
+        for page, cpg, name in ((0x69, None, "0x69"), (0, "none-such", "NONE-SUCH")):
+            write(b"x", page, cpg)
+            self.assertIn(f"t.dbf' names the encoding {name}, which is not known: its texts are read as windows-1252", self.convert("t.dbf")[1])
+
     def test_stops_among_deleted_records(self):
         fields = [(b"TEXT", b"C", 255), (b"MORE", b"C", 255), (b"LAST", b"C", 1)]
         self.put("t.dbf.gz", header(fields, PIECE // 512 * PIECES), b"*", PIECES)
