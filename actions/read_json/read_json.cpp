@@ -176,6 +176,11 @@ void ActionReadJSON::logPlace(const markup::MarkupResult &result, const QString 
     MainUI::addLog(MainUI::Info,
                    u"The JSON structure error in file '%1' is at line %2, column %3.\n"_s.arg(
                        name, QString::number(result.line), QString::number(result.column + 1)));
+    if (result.error == MarkupError::CannotConvert) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"The byte there is not UTF-8, the encoding of JSON: convert the file to UTF-8 first.\n"_s);
+    }
 }
 
 /// Structure errors beyond the 50th are not reported, however many files have one.
