@@ -4,6 +4,8 @@
 //   text of m_text [slot] text [slot] ... text
 #include "codecs/document/document_part.h"
 
+#include "codecs/document/document_text.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -52,10 +54,16 @@ DocumentPart DocumentPart::ofText(const QByteArray &text, const MarkerLists &mar
 void DocumentPart::addTexts(const MarkerLists &markers, bool joinsRuns)
 {
     const auto forms = markerForms(markers.texts, joinsRuns);
+    opc::TagCursor root(m_text);
+    m_prefix = root.next() ? root.tag().prefix().toByteArray() : QByteArray();
+    const QByteArray textElement = opc::qualified(m_prefix, "t");
     opc::TagTracker tags(m_text);
     for (const opc::MarkerHit &hit : opc::findMarkers(m_text, forms)) {
-        // The value of an attribute is escaped differently.
-        const auto kind = tags.isInTag(hit.begin) ? Slot::Kind::Attribute : Slot::Kind::Text;
+        // The value of an attribute is escaped differently, and only a text element of a Word
+        // document can have line breaks: not a deleted text, a field or a formula.
+        const bool isInTag = tags.isInTag(hit.begin);
+        const auto text = tags.element() == textElement ? Slot::Kind::Text : Slot::Kind::OtherText;
+        const auto kind = isInTag ? Slot::Kind::Attribute : text;
         const int column = hit.marker % static_cast<int>(markers.texts.size());
         m_slots.push_back({hit.begin, hit.end, kind, column});
     }
@@ -93,6 +101,7 @@ void DocumentPart::note(Slot::Kind kind, std::vector<bool> *used) const
 void DocumentPart::noteTexts(std::vector<bool> *inText, std::vector<bool> *inAttribute) const
 {
     note(Slot::Kind::Text, inText);
+    note(Slot::Kind::OtherText, inText);
     note(Slot::Kind::Attribute, inAttribute);
 }
 
@@ -133,12 +142,23 @@ QByteArray DocumentPart::number(const Slot &slot, const RowValues &values) const
     }
 }
 
+QByteArray DocumentPart::prefixed(const QByteArray &text) const
+{
+    const QByteArray colon = m_prefix.isEmpty() ? m_prefix : m_prefix + ':';
+    // A "<" of the text itself is escaped.
+    return m_prefix == "w"
+               ? text
+               : QByteArray(text).replace("<w:", '<' + colon).replace("</w:", "</" + colon);
+}
+
 QByteArray DocumentPart::value(const Slot &slot, const RowValues &values) const
 {
     const auto column = static_cast<size_t>(slot.index);
     switch (slot.kind) {
     case Slot::Kind::Text:
-        return values.texts[column];
+        return prefixed(values.texts[column]);
+    case Slot::Kind::OtherText:
+        return withoutBreaks(values.texts[column]);
     case Slot::Kind::Attribute:
         return values.attributes[column];
     case Slot::Kind::Target:

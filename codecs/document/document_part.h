@@ -63,7 +63,7 @@ private:
     /// A range of the part that each row replaces. Offsets count bytes of m_text.
     struct Slot
     {
-        enum class Kind : quint8 { Text, Attribute, Target, Width, Height, Left, Top };
+        enum class Kind : quint8 { Text, OtherText, Attribute, Target, Width, Height, Left, Top };
         qsizetype begin = 0;
         qsizetype end = 0;
         Kind kind = Kind::Text;
@@ -99,10 +99,13 @@ private:
     static Fit fitted(const Box &box, const ImageInfo &image);
     // What replaces a slot; number() is for the slots of boxes.
     QByteArray value(const Slot &slot, const RowValues &values) const;
+    /// A text whose line breaks have the prefix of the part, instead of "w".
+    QByteArray prefixed(const QByteArray &text) const;
     QByteArray number(const Slot &slot, const RowValues &values) const;
 
     QByteArray m_text;         // as in the template
     QByteArray m_folder;       // of the targets in a relationships part
+    QByteArray m_prefix;       // of the root element
     std::vector<Slot> m_slots; // in the order of the text
     std::vector<Box> m_boxes;
 };

@@ -27,6 +27,7 @@ char *put(char *out, const char *text)
 
 constexpr qsizetype kMaxBytesPerUnit = 7; // <w:br/>
 constexpr qsizetype kSlackBytes = 8;      // copyPlain() writes that many at a time
+constexpr char kBreak[] = "<w:br/>";
 constexpr char kClosingBreak[] = "</w:t><w:br/><w:t xml:space=\"preserve\">";
 
 /// The markup of a line break; counts the one that is inside a text element. A slide takes the
@@ -37,7 +38,7 @@ const char *lineBreak(const TextRules &rules, TextCounts *counts)
     switch (rules.place) {
     case TextPlace::Word:
         counts->innerBreaks += rules.closesText ? 0 : 1;
-        return rules.closesText ? kClosingBreak : "<w:br/>";
+        return rules.closesText ? kClosingBreak : kBreak;
     case TextPlace::Slide:
         return "\r";
     case TextPlace::Attribute:
@@ -185,6 +186,11 @@ QByteArray documentText(QStringView text, const TextRules &rules, TextCounts *co
     const char *const end = putText(text, rules, out.data(), counts);
     out.truncate(end - out.constData());
     return out;
+}
+
+QByteArray withoutBreaks(QByteArray text)
+{
+    return text.replace(kClosingBreak, "\n").replace(kBreak, "\n");
 }
 
 } // namespace corvanta::document

@@ -44,4 +44,8 @@ char *putText(QStringView text, const TextRules &rules, char *out, TextCounts *c
 /// The same in an array of its own.
 QByteArray documentText(QStringView text, const TextRules &rules, TextCounts *counts);
 
+/// A text of a Word document with a line feed for each line break: for elements in which no other
+/// element is allowed.
+QByteArray withoutBreaks(QByteArray text);
+
 } // namespace corvanta::document

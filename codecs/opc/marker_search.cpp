@@ -6,7 +6,6 @@
 // The text elements of a paragraph are read as one text. In presentations they are <a:t> in <a:p>.
 #include "codecs/opc/marker_search.h"
 
-#include "codecs/opc/markup_scan.h"
 #include "codecs/opc/splices.h"
 
 #include <queue>
@@ -210,13 +209,18 @@ bool TagTracker::isInTag(qsizetype at)
     const qsizetype open = m_text.sliced(m_at, at - m_at).lastIndexOf('<');
     if (open >= 0) {
         m_open = m_at + open;
-        Tag tag;
         // Markup that is broken or skipped holds no text that a reader sees.
-        const bool isTag = scanMarkup(m_text, m_open, &tag, &m_end) == Scan::Tag;
+        const bool isTag = scanMarkup(m_text, m_open, &m_tag, &m_end) == Scan::Tag;
         m_end = isTag ? m_end : m_text.size();
     }
     m_at = at;
     return m_open >= 0 && m_end > at;
+}
+
+QByteArrayView TagTracker::element() const
+{
+    const bool isInside = m_open >= 0 && m_end <= m_at && m_tag.kind == Tag::Kind::Open;
+    return isInside ? m_tag.name : QByteArrayView();
 }
 
 std::vector<MarkerHit> findMarkers(QByteArrayView text, const std::vector<QByteArray> &markers)

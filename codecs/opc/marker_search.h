@@ -5,6 +5,8 @@
 // split. It is not found by findMarkers(), but by findSplitMarkers() and joinMarkers().
 // Threads: pure functions. Time: linear in the text for each marker.
 #pragma once
+#include "codecs/opc/markup_scan.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 
@@ -36,11 +38,15 @@ public:
     }
     /// `at` must not be less than in the call before.
     bool isInTag(qsizetype at);
+    /// The name of the element that begins directly before the text at the offset of the last
+    /// call; empty if an element ends there, or in a tag.
+    QByteArrayView element() const;
 
 private:
     QByteArrayView m_text;
     qsizetype m_at = 0;    // of the call before
     qsizetype m_open = -1; // the last "<" before it
+    Tag m_tag;             // that begins there
     qsizetype m_end = 0;   // after the tag that begins there; the end of the text for other markup
 };
 
