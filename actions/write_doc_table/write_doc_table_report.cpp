@@ -128,7 +128,8 @@ void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &mar
 QByteArray ActionWriteDocTable::searchedBody(const QByteArray &body,
                                              const std::vector<QByteArray> &markers) const
 {
-    return m_params.joinRuns ? opc::joinMarkers(body, document::escapedMarkers(markers)) : body;
+    const QByteArray part = document::withTablePrefix(body);
+    return m_params.joinRuns ? opc::joinMarkers(part, document::escapedMarkers(markers)) : part;
 }
 
 std::vector<document::TablePlace>

@@ -11,6 +11,8 @@
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/markup_scan.h"
 
+using namespace Qt::StringLiterals;
+
 namespace corvanta::document {
 
 namespace {
@@ -34,6 +36,10 @@ public:
     explicit ParagraphWalk(QByteArrayView part)
         : m_part(part)
     {
+        opc::TagCursor root(part);
+        const QByteArrayView prefix = root.next() ? root.tag().prefix() : QByteArrayView();
+        m_paragraphName = opc::qualified(prefix, "p");
+        m_textName = opc::qualified(prefix, "t");
     }
     void take(const opc::Tag &tag)
     {
@@ -46,7 +52,7 @@ public:
     /// The open text element is the innermost one and is inside a paragraph.
     bool isInText() const
     {
-        return !m_open.empty() && m_open.back().tag.name == "w:t" && paragraph() >= 0;
+        return !m_open.empty() && m_open.back().tag.name == m_textName && paragraph() >= 0;
     }
     /// The place of a marker in the open text element.
     TablePlace placeOf(const opc::MarkerHit &hit)
@@ -81,7 +87,7 @@ private:
     int paragraph() const
     {
         for (size_t i = m_open.size(); i-- > 0;) {
-            if (m_open[i].tag.name == "w:p") {
+            if (m_open[i].tag.name == m_paragraphName) {
                 return static_cast<int>(i);
             }
         }
@@ -95,32 +101,49 @@ private:
         if (m_open.empty() || around < 0) {
             return;
         }
-        if (tag.name == "w:pPr" || tag.name == "w:rPr") {
+        if (tag.local() == "pPr" || tag.local() == "rPr") {
             m_open.back().properties = m_part.sliced(opened.begin, tag.end - opened.begin);
         }
-        const bool isContent = tag.name == "w:drawing" || tag.name == "w:pict" ||
-                               (tag.name == "w:t" && tag.begin > opened.end);
+        const bool isContent = tag.local() == "drawing" || tag.local() == "pict" ||
+                               (tag.name == m_textName && tag.begin > opened.end);
         m_open[static_cast<size_t>(around)].hasText |= isContent;
     }
     /// The beginning of an element like an open one. Paragraphs and runs have ids as attributes,
     /// which must not occur twice.
     QByteArray reopened(const Open &open) const
     {
-        const QByteArrayView name = open.tag.name;
-        if (name == "w:p" || name == "w:r") {
-            return '<' + name.toByteArray() + '>' + open.properties.toByteArray();
+        const QByteArray name = open.tag.name.toByteArray();
+        if (name == m_paragraphName || open.tag.local() == "r") {
+            return '<' + name + '>' + open.properties.toByteArray();
         }
-        return name == "w:t"
-                   ? QByteArray("<w:t xml:space=\"preserve\">")
+        return name == m_textName
+                   ? '<' + name + " xml:space=\"preserve\">"
                    : m_part.sliced(open.tag.begin, open.tag.end - open.tag.begin).toByteArray();
     }
 
     QByteArrayView m_part;
+    // Of the elements, with the prefix of the part.
+    QByteArray m_paragraphName;
+    QByteArray m_textName;
     std::vector<Open> m_open; // the innermost last
     qsizetype m_resume = 0;   // after the last marker
 };
 
 } // namespace
+
+QByteArray withTablePrefix(const QByteArray &part)
+{
+    opc::TagCursor root(part);
+    if (!root.next() || root.tag().prefix() == "w" || root.tag().attribute("xmlns:w")) {
+        return part;
+    }
+    const opc::Tag &tag = root.tag();
+    const QByteArray prefix = tag.prefix().toByteArray();
+    const auto uri = tag.attribute(prefix.isEmpty() ? "xmlns"_ba : "xmlns:"_ba + prefix);
+    // Without the declaration no program would open a document with a table.
+    const QByteArray declared = uri ? " xmlns:w=\"" + uri->toByteArray() + '"' : QByteArray();
+    return QByteArray(part).insert(tag.begin + 1 + tag.name.size(), declared);
+}
 
 std::vector<TablePlace> findParagraphPlaces(QByteArrayView part,
                                             const std::vector<QByteArray> &markers)

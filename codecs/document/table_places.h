@@ -20,6 +20,10 @@ struct TablePlace
     bool isInText = false; ///< the table is inside a text element
 };
 
+/// The part with the prefix "w" of tables declared in its root element: a few programs write
+/// another one.
+QByteArray withTablePrefix(const QByteArray &part);
+
 /// The places of all markers in the order of the text; a marker may have several. A marker directly
 /// after "<w:p><w:r><w:t>" and text without markup gets its table before that paragraph, and the
 /// text before the marker is dropped. Any other marker gets the table at its own place: inside a

@@ -5,6 +5,7 @@ import re
 import subprocess
 import sys
 import unittest
+import xml.etree.ElementTree
 import zipfile
 
 from document_case import CORVANTA, DOCUMENT, LINK, RELATIONSHIPS, DocumentTest, members, office, rewrite
@@ -30,6 +31,21 @@ class WriteDoc(DocumentTest):
         for attributes, value in (("processCR='0'", "x\ny\\nz"), ("processLF='1'", "x<w:br/>y<w:br/>z"),
                                   ("strictMarkup='1'", 'x</w:t><w:br/><w:t xml:space="preserve">y\\nz')):
             self.assertIn(f"<w:t>1 {value} 2", self.letter("x\ny\\nz", attributes=attributes)[DOCUMENT].decode())
+
+    def test_line_breaks_only_where_the_standard_has_them(self):
+        deleted = "<w:del><w:r><w:delText>%text%</w:delText></w:r></w:del><w:r><w:instrText>%text%</w:instrText></w:r>"
+        self.word(f"<w:p>{deleted}</w:p><m:oMath xmlns:m='m'><m:t>%text%</m:t></m:oMath>" + office.paragraph("%text%"), footer="<w:p/>")
+        footer = b"<p:ftr><p:p><p:r><p:t>%text%</p:t></p:r></p:p></p:ftr>"
+        for prefix, name in ((b"p:", "p.docx"), (b"", "none.docx")):
+            rewrite(self.folder / "t.docx", self.folder / name,
+                    lambda part, content: content if part != "word/footer1.xml" else footer.replace(b"p:", prefix))
+        for attributes, text in (("", b"%t>a<%br/>b</%t>"), ("strictMarkup='1'", b'%t>a</%t><%br/><%t xml:space="preserve">b</%t>')):
+            for prefix, name in ((b"p:", "p.docx"), (b"", "none.docx")):
+                written = self.letter("a\nb", attributes=attributes + " allParts='1'", template=name)
+                self.assertIn(deleted.replace("%text%", "a\nb"), written[DOCUMENT].decode())
+                self.assertIn(b"<m:t>a\nb</m:t>", written[DOCUMENT])
+                self.assertIn(text.replace(b"%", b"w:"), written[DOCUMENT])
+                self.assertIn(text.replace(b"%", prefix), written["word/footer1.xml"])
 
     def test_characters_that_xml_does_not_have(self):
         self.word(office.paragraph("[%text%]"))
@@ -439,6 +455,16 @@ class WriteDocTable(DocumentTest):
         body = self.report(("colWidths='9'", [("a",), ("1",)]), attributes="template='t.docx' output='out.docx' strictMarkup='1'")
         self.assertIn("<w:body>" + table + again + "</w:t></w:r></w:hyperlink></w:p>" + table + again + "z</w:t>",
                       body[DOCUMENT].decode())
+
+    def test_tables_in_a_part_with_another_prefix(self):
+        self.word('<w:p><w:pPr><w:jc w:val="left"/></w:pPr><w:r><w:t>x %T1% y</w:t></w:r></w:p>')
+        rewrite(self.folder / "t.docx", self.folder / "other.docx", lambda name, content: content if name != DOCUMENT else
+                content.replace(b"w:", b"n:").replace(b":w=", b":n="))
+        for strict, place in (("0", "<n:t>x {} y</n:t>"), ("1", "x </n:t></n:r></n:p>{}<n:p><n:pPr>")):
+            body = self.report(("colWidths='9'", [("a",), ("1",)]),
+                               attributes=f"template='other.docx' output='out.docx' strictMarkup='{strict}'")[DOCUMENT].decode()
+            self.assertIn(place.format(self.expected([("1",)], (9,))), body)
+            xml.etree.ElementTree.fromstring(body)
 
     def test_more_pins_than_tables_and_fewer(self):
         self.word(office.paragraph("%T1% %T2% %T3%"))
