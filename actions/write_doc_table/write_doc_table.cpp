@@ -50,7 +50,8 @@ QString ActionWriteDocTable::message(TemplateProblem problem, const QString &nam
     case TemplateProblem::EmptyTemplate:
         return u"ERROR: template file is empty.\n"_s;
     case TemplateProblem::CannotReadPart:
-        return name == QLatin1StringView(kStylesPart)
+        // Some programs number it: word/styles2.xml.
+        return name.startsWith(QLatin1StringView(kStylesPart).chopped(4))
                    ? u"ERROR: problem reading the template file(1)\n"_s
                    : u"ERROR: problem reading the template file(2)\n"_s;
     case TemplateProblem::CannotOpenMember:
@@ -300,11 +301,12 @@ bool ActionWriteDocTable::writeDocument()
 bool ActionWriteDocTable::editStyles(opc::PackageCopy &copy)
 {
     QByteArray styles;
-    if (!readPart(copy, kStylesPart, &styles)) {
+    const QByteArray part = document::stylesPart(copy);
+    if (!readPart(copy, part, &styles)) {
         return false;
     }
     if (document::addTableGrid(&styles)) {
-        copy.put(kStylesPart, styles);
+        copy.put(part, styles);
     }
     warnEach(missingStyles(styles));
     return true;

@@ -79,7 +79,7 @@ std::optional<QStringList> ActionWriteDocTable::templateStyles() const
         return std::nullopt;
     }
     opc::PackageCopy package((*source)->reader(), [] { return true; });
-    const auto part = package.read(document::kStylesPart);
+    const auto part = package.read(document::stylesPart(package));
     if (!part) {
         return std::nullopt;
     }
@@ -106,7 +106,7 @@ void ActionWriteDocTable::addTemplateProblems(const std::vector<QByteArray> &mar
     }
     opc::PackageCopy package((*source)->reader(), [] { return true; });
     const auto body = package.read(document::bodyPart(package));
-    const auto styles = package.read(document::kStylesPart);
+    const auto styles = package.read(document::stylesPart(package));
     for (const auto *const part : {&body, &styles}) {
         if (!*part || !opc::isUtf8Text(**part)) {
             found->push_back(

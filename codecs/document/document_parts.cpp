@@ -1,5 +1,6 @@
-// The body of a document is usually in word/document.xml. Some programs give it another name, which
-// only the relationships of the package say (ECMA-376 part 2, 6.5).
+// The body of a document is usually in word/document.xml, and its styles are in word/styles.xml.
+// Some programs give them other names, such as word/styles2.xml, which only the relationships of
+// the package and of the body say (ECMA-376 part 2, 6.5).
 #include "codecs/document/document_parts.h"
 
 namespace corvanta::document {
@@ -9,6 +10,18 @@ QByteArray bodyPart(opc::PackageCopy &package)
     const QByteArray usual(kDocumentPart);
     const QByteArray main = package.names().find(usual) ? usual : package.mainPart(usual);
     return beginsLike(main, "word/") ? main : usual;
+}
+
+QByteArray stylesPart(opc::PackageCopy &package)
+{
+    const QByteArray usual(kStylesPart);
+    if (package.names().find(usual)) {
+        return usual;
+    }
+    const QByteArray body = bodyPart(package);
+    const auto relationships = package.readRelationships(body);
+    const opc::Relationship *const styles = relationships ? relationships->find("styles") : nullptr;
+    return styles != nullptr ? opc::resolvedTarget(body, styles->target) : usual;
 }
 
 } // namespace corvanta::document

@@ -43,4 +43,8 @@ inline bool beginsLike(const QByteArray &part, QByteArrayView prefix)
 /// part of the package if it is in the same folder, and else kDocumentPart.
 QByteArray bodyPart(opc::PackageCopy &package);
 
+/// The part with the styles of a Word document: kStylesPart or, without such a member, the one that
+/// the body refers to, and else kStylesPart.
+QByteArray stylesPart(opc::PackageCopy &package);
+
 } // namespace corvanta::document

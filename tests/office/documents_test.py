@@ -466,6 +466,15 @@ class WriteDocTable(DocumentTest):
             self.assertIn(place.format(self.expected([("1",)], (9,))), body)
             xml.etree.ElementTree.fromstring(body)
 
+    def test_numbered_parts(self):
+        self.word(office.paragraph("%T1%"))
+        office.package(self.folder / "t.docx", {
+            re.sub(r"/(document|styles)\.xml", r"/\g<1>2.xml", name): re.sub(rb"(document|styles)\.xml", rb"\g<1>2.xml", content)
+            for name, content in members(self.folder / "t.docx").items()})
+        written = self.report(("colWidths='9'", [("a",), ("1",)]))
+        self.assertIn(self.expected([("1",)], (9,)).encode(), written["word/document2.xml"])
+        self.assertIn(b'w:styleId="TableGrid"', written["word/styles2.xml"])
+
     def test_more_pins_than_tables_and_fewer(self):
         self.word(office.paragraph("%T1% %T2% %T3%"))
         reader, start = self.table([("a",), ("1",)]), "<writeDocTable template='t.docx' output='out.docx'>"
