@@ -2925,8 +2925,8 @@
         <translation>Marques dans toutes les parties</translation>
     </message>
     <message>
-        <source>Also replaces markers in headers, footers, footnotes, endnotes, comments and notes of slides.</source>
-        <translation>Remplace aussi les marques des en-têtes, pieds de page, notes, commentaires et notes de diapositives.</translation>
+        <source>Also replaces markers in headers, footers, footnotes, endnotes, comments, charts, diagrams, notes of slides, slide layouts and slide masters.</source>
+        <translation>Remplace aussi les marques des en-têtes, pieds de page, notes, commentaires, graphiques, diagrammes, notes de diapositives, dispositions et masques de diapositives.</translation>
     </message>
     <message>
         <source>Keep the ratio of images</source>

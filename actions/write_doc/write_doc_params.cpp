@@ -50,8 +50,8 @@ ParamGroup<P> extensions()
                      "markers with '&' or '<'."),
         flag("allParts", &P::allParts)
             .label("Markers in all parts")
-            .meaning("Also replaces markers in headers, footers, footnotes, endnotes, comments and "
-                     "notes of slides."),
+            .meaning("Also replaces markers in headers, footers, footnotes, endnotes, comments, "
+                     "charts, diagrams, notes of slides, slide layouts and slide masters."),
         flag("fitImages", &P::fitImages)
             .label("Keep the ratio of images")
             .meaning("Fits each image into the box of its placeholder and keeps the image's "

@@ -17,7 +17,7 @@ struct WriteDocParams
     bool inlineImg = true;
     /// Markers are found although runs divide them, or although they hold escaped characters.
     bool joinRuns = false;
-    /// Markers are also found in headers, footers, notes and comments, and in notes of slides.
+    /// Markers are also found outside of the body and the slides, as in headers and charts.
     bool allParts = false;
     /// Pictures keep their ratio inside the box of the placeholder.
     bool fitImages = false;

@@ -3,7 +3,17 @@
 // the package and of the body say (ECMA-376 part 2, 6.5).
 #include "codecs/document/document_parts.h"
 
+#include <algorithm>
+
 namespace corvanta::document {
+
+const OtherPart *otherPart(const QByteArray &part)
+{
+    const auto *const found =
+        std::find_if(kOtherParts.begin(), kOtherParts.end(),
+                     [&](const OtherPart &one) { return beginsLike(part, one.prefix); });
+    return found != kOtherParts.end() && part.toLower().endsWith(".xml") ? found : nullptr;
+}
 
 QByteArray bodyPart(opc::PackageCopy &package)
 {

@@ -17,10 +17,30 @@ inline constexpr char kStylesPart[] = "word/styles.xml";
 inline constexpr char kPresentationPart[] = "ppt/presentation.xml";
 // Beginnings of names; the parts are numbered.
 inline constexpr char kSlidePrefix[] = "ppt/slides/slide";
-inline constexpr char kNotesPrefix[] = "ppt/notesSlides/notesSlide";
-/// Parts of a Word document other than its body.
-inline constexpr std::array<const char *, 5> kOtherWordParts{
-    "word/header", "word/footer", "word/footnotes", "word/endnotes", "word/comments"};
+
+/// Parts with texts other than the body and the slides.
+struct OtherPart
+{
+    const char *prefix;    ///< the beginning of the name; a number and ".xml" follow
+    const char *location;  ///< what readers call it
+    bool isShownElsewhere; ///< it is a piece of the part that refers to it
+};
+inline constexpr std::array<OtherPart, 14> kOtherParts{{
+    {"word/header", "header", false},
+    {"word/footer", "footer", false},
+    {"word/footnotes", "footnotes", false},
+    {"word/endnotes", "endnotes", false},
+    {"word/comments", "comments", false},
+    {"word/charts/chart", "chart", true},
+    {"word/diagrams/data", "diagram", true},
+    {"word/diagrams/drawing", "diagram", true}, // the same texts as they were drawn last
+    {"ppt/notesSlides/notesSlide", "notes", false},
+    {"ppt/charts/chart", "chart", true},
+    {"ppt/diagrams/data", "diagram", true},
+    {"ppt/diagrams/drawing", "diagram", true},
+    {"ppt/slideLayouts/slideLayout", "slide layout", false},
+    {"ppt/slideMasters/slideMaster", "slide master", false},
+}};
 
 /// A member's name as in the standard: some packers write "\".
 inline QByteArray standardName(const QByteArray &member)
@@ -38,6 +58,9 @@ inline bool beginsLike(const QByteArray &part, QByteArrayView prefix)
 {
     return QLatin1StringView(part).startsWith(QLatin1StringView(prefix), Qt::CaseInsensitive);
 }
+
+/// The entry of kOtherParts for a part; null for any other part.
+const OtherPart *otherPart(const QByteArray &part);
 
 /// The part of a Word document with its body: kDocumentPart or, without such a member, the main
 /// part of the package if it is in the same folder, and else kDocumentPart.

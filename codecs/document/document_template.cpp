@@ -3,8 +3,7 @@
 //   [Content_Types].xml                        the types of images
 //   word/document.xml                          texts      word/_rels/document.xml.rels    pictures
 //   ppt/slides/slide1.xml ...                  texts      ppt/slides/_rels/slide1.xml.rels ...
-//   word/header1.xml, footer1.xml, footnotes.xml, endnotes.xml, comments.xml     } with allParts,
-//   ppt/notesSlides/notesSlide1.xml ...                                          } and their .rels
+//   word/header1.xml, ppt/notesSlides/notesSlide1.xml ...    with allParts: kOtherParts; and .rels
 //   word/media/__Kobi_img1.png, ppt/media/__Kobi_img1.png                          added
 #include "codecs/document/document_template.h"
 
@@ -72,14 +71,10 @@ DocumentTemplate::read(zip::PackageReader &source, const TemplateOptions &option
 bool DocumentTemplate::isEdited(const QByteArray &member) const
 {
     const QByteArray name = standardName(member);
-    if (m_options.kind == DocumentKind::Presentation) {
-        return beginsLike(name, kSlidePrefix) ||
-               (m_options.allParts && beginsLike(name, kNotesPrefix));
-    }
-    const bool isOther = std::any_of(kOtherWordParts.begin(), kOtherWordParts.end(),
-                                     [&](const char *prefix) { return beginsLike(name, prefix); });
-    return isNamed(name, m_main) ||
-           (m_options.allParts && isOther && name.toLower().endsWith(".xml"));
+    const bool isMain = m_options.kind == DocumentKind::Presentation
+                            ? beginsLike(name, kSlidePrefix)
+                            : isNamed(name, m_main);
+    return isMain || (m_options.allParts && otherPart(name) != nullptr);
 }
 
 Result<void, Error> DocumentTemplate::readParts(const std::function<bool()> &isRunning)
@@ -149,9 +144,11 @@ Result<void, Error> DocumentTemplate::readRelationships(const QByteArray &part,
     }
     *placeholders = findPlaceholders(*text, m_options.markers.images);
     if (!placeholders->empty()) {
+        // From word/document.xml, or from ppt/slides/slide1.xml and word/charts/chart1.xml.
+        const QByteArray folder = part.count('/') > 1 ? "../media/" : "media/";
         entry->part = DocumentPart::ofRelationships(
             withTargetMode(*text, m_options.markers.images, m_options.linksImages),
-            m_options.markers, m_options.linksImages ? QByteArray() : mediaFolder());
+            m_options.markers, m_options.linksImages ? QByteArray() : folder);
         entry->part->noteImages(&m_hasImage);
     }
     return {};
@@ -164,11 +161,6 @@ QByteArray DocumentTemplate::prepared(const QByteArray &text,
                                   ? opc::joinMarkers(text, escapedMarkers(m_options.markers.texts))
                                   : text;
     return withPictureMode(joined, placeholders, m_options.linksImages);
-}
-
-QByteArray DocumentTemplate::mediaFolder() const
-{
-    return m_options.kind == DocumentKind::Word ? "media/" : "../media/";
 }
 
 /// Give each picture of a row a member, and its targets to the values.

@@ -28,7 +28,7 @@ struct TemplateOptions
     MarkerLists markers = {};
     bool linksImages = false; ///< pictures are linked, not stored
     bool joinsRuns = false;   ///< also markers that runs divide, or that hold escaped characters
-    bool allParts = false;    ///< also headers, footers, notes and comments; notes of slides
+    bool allParts = false;    ///< also the parts of kOtherParts, such as headers and notes
     bool fitsImages = false;  ///< pictures keep their ratio inside the box of the placeholder
 };
 
@@ -93,8 +93,6 @@ private:
     /// The text of a part with what does not depend on the rows: joined markers, and pictures that
     /// refer to stored or linked images.
     QByteArray prepared(const QByteArray &text, const std::vector<Placeholder> &placeholders) const;
-    /// The folder of pictures, relative to the parts that show them.
-    QByteArray mediaFolder() const;
     /// Give the pictures of a row their members, and set the targets of `values` to them.
     Media nameMedia(const RowImages &images, RowValues &values) const;
     /// [Content_Types].xml with the types of these images.

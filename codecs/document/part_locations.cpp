@@ -4,6 +4,8 @@
 //   word/headerN.xml           header N         ppt/notesSlides/notesSlideN.xml   notes N
 //   word/footerN.xml           footer N
 //   word/footnotes.xml, endnotes.xml, comments.xml                 their names
+//   charts/chartN.xml, diagrams/dataN.xml (SmartArt)               LOCATION chart, LOCATION diagram
+//   ppt/slideLayouts/slideLayoutN.xml, ppt/slideMasters/slideMasterN.xml
 //
 // P is the place of the slide in the list of ppt/presentation.xml: <p:sldId r:id="rId3"/>.
 //
@@ -127,15 +129,13 @@ QString PartLocations::of(const QByteArray &part) const
         return place != m_slides.end() ? u"slide %1"_s.arg(place->second)
                                        : u"slide"_s + numberIn(part, kSlidePrefix);
     }
-    if (beginsLike(part, kNotesPrefix)) {
-        return u"notes"_s + numberIn(part, kNotesPrefix);
+    const OtherPart *const other = otherPart(part);
+    if (other == nullptr) {
+        return {};
     }
-    for (const char *const prefix : kOtherWordParts) {
-        if (beginsLike(part, prefix)) {
-            return QString::fromLatin1(prefix).section(u'/', 1) + numberIn(part, prefix);
-        }
-    }
-    return {};
+    const QString location = QString::fromLatin1(other->location);
+    const QString around = other->isShownElsewhere ? ofReference(part) : QString();
+    return around.isEmpty() ? location + numberIn(part, other->prefix) : around + u' ' + location;
 }
 
 QString PartLocations::ofReference(const QByteArray &target) const

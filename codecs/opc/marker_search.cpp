@@ -75,17 +75,21 @@ public:
             takeParagraph(closes);
         } else if (endsLine(tag.local()) && !m_open.empty()) {
             m_open.back() = ++m_paragraphs;
-        } else if (tag.local() == "t" && closes && m_textBegin >= 0) {
+        } else if (isText(tag.local()) && closes && m_textBegin >= 0) {
             m_pieces.push_back(
                 {m_textBegin, tag.begin, m_open.empty() ? m_paragraphs : m_open.back()});
         }
         // A text element holds no other element.
-        const bool opensText = tag.local() == "t" && tag.kind == Tag::Kind::Open;
+        const bool opensText = isText(tag.local()) && tag.kind == Tag::Kind::Open;
         m_textBegin = opensText ? tag.end : -1;
+        // Values of a chart are in no paragraph, and each is a text of its own.
+        m_paragraphs += opensText && m_open.empty() ? 1 : 0;
     }
     std::vector<TextPiece> pieces() { return std::move(m_pieces); }
 
 private:
+    /// Texts of runs, and values of charts (ECMA-376 part 1, 21.2.2.231).
+    static bool isText(QByteArrayView local) { return local == "t" || local == "v"; }
     /// Breaks and tabs: a reader sees two texts, and no marker goes across.
     static bool endsLine(QByteArrayView local)
     {

@@ -133,6 +133,27 @@ class WriteDoc(DocumentTest):
         self.assertEqual(self.log[2], [LEFT.format(self.folder, "'%text%' in footer 1 (set allParts='1')")])
         self.assertIn(b"<w:t>x</w:t>", self.letter(attributes="allParts='1'", images=())["word/footer1.xml"])
         self.assertEqual(self.log[2], [])
+        # A chart is named after the part that shows it.
+        chart, text = "charts/chart1.xml", b"<c:v>%text%</c:v><c:v>5%</c:v><c:v>a%</c:v><a:p><a:r><a:t>%text%</a:t></a:r></a:p>"
+        for kind, folder, more, where in (("docx", "word/", "diagrams/data1.xml", "'%text%' in body chart, '%text%' in diagram 1"),
+                                          ("pptx", "ppt/", "slideLayouts/slideLayout9.xml", "'%text%' in slide 1 chart, '%text%' in slide layout 9")):
+            self.word(office.paragraph("%text%"))
+            office.presentation(self.folder / "t.pptx", (office.text_box(2, "%text%", (1, 1, 9, 9), 9, "000000"), []))
+            parts = members(self.folder / f"t.{kind}")
+            parts[folder + chart] = b"<c:c>" + text + b"</c:c>"
+            parts[folder + more] = b"<d:d><a:p><a:r><a:t>%te</a:t></a:r><a:r><a:t>xt%</a:t></a:r></a:p></d:d>"
+            around = RELATIONSHIPS if kind == "docx" else "ppt/slides/_rels/slide1.xml.rels"
+            target = "charts/chart1.xml" if kind == "docx" else "../charts/chart1.xml"
+            parts[around] = parts[around].replace(b"</R", f'<Relationship Id="c" Type="x/chart" Target="{target}"/></R'.encode())
+            office.package(self.folder / f"t.{kind}", parts)
+            self.letter(template=f"t.{kind}", images=())
+            self.assertEqual(len(self.log[2]), 1)
+            for place in where.split(", "):
+                self.assertIn(place, self.log[2][0])
+            written = self.letter("a\n&", template=f"t.{kind}", attributes="allParts='1' joinRuns='1'", images=())
+            self.assertEqual(self.log[2], [BREAKS.format("1 line break", "row 1, column 'text'")] if kind == "docx" else [])
+            self.assertEqual(written[folder + chart], parts[folder + chart].replace(b"%text%", b"a\n&amp;"))
+            self.assertIn(b"<a:t>a\n&amp;</a:t></a:r><a:r><a:t></a:t>", written[folder + more])
 
     def test_markers_that_nothing_fills(self):
         names = [chr(97 + i) for i in range(12)]
