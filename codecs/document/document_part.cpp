@@ -51,18 +51,29 @@ DocumentPart DocumentPart::ofText(const QByteArray &text, const MarkerLists &mar
     return part;
 }
 
+bool DocumentPart::takePrefix()
+{
+    opc::TagCursor root(m_text);
+    if (!root.next()) {
+        return false;
+    }
+    m_prefix = root.tag().prefix().toByteArray();
+    const auto uri = root.tag().declaredNamespace();
+    return m_prefix == "w" || (uri && uri->contains("/wordprocessingml/"));
+}
+
 void DocumentPart::addTexts(const MarkerLists &markers, bool joinsRuns)
 {
     const auto forms = markerForms(markers.texts, joinsRuns);
-    opc::TagCursor root(m_text);
-    m_prefix = root.next() ? root.tag().prefix().toByteArray() : QByteArray();
+    const bool isWord = takePrefix();
     const QByteArray textElement = opc::qualified(m_prefix, "t");
     opc::TagTracker tags(m_text);
     for (const opc::MarkerHit &hit : opc::findMarkers(m_text, forms)) {
         // The value of an attribute is escaped differently, and only a text element of a Word
         // document can have line breaks: not a deleted text, a field or a formula.
         const bool isInTag = tags.isInTag(hit.begin);
-        const auto text = tags.element() == textElement ? Slot::Kind::Text : Slot::Kind::OtherText;
+        const bool hasBreaks = isWord && tags.element() == textElement;
+        const auto text = hasBreaks ? Slot::Kind::Text : Slot::Kind::OtherText;
         const auto kind = isInTag ? Slot::Kind::Attribute : text;
         const int column = hit.marker % static_cast<int>(markers.texts.size());
         m_slots.push_back({hit.begin, hit.end, kind, column});

@@ -89,6 +89,9 @@ private:
         : m_text(text)
     {
     }
+    /// Note the prefix of the part. Returns whether the part belongs to a Word document: others
+    /// have texts without line breaks.
+    bool takePrefix();
     // Add the slots of texts, and those of the numbers of all boxes and of one side of a box.
     void addTexts(const MarkerLists &markers, bool joinsRuns);
     void addBoxes(const std::vector<Placeholder> &fitted);

@@ -15,6 +15,12 @@ const OtherPart *otherPart(const QByteArray &part)
     return found != kOtherParts.end() && part.toLower().endsWith(".xml") ? found : nullptr;
 }
 
+bool isDataPart(const QByteArray &part)
+{
+    const OtherPart *const other = otherPart(part);
+    return other != nullptr && other->kind == OtherPart::Kind::Data;
+}
+
 QByteArray bodyPart(opc::PackageCopy &package)
 {
     const QByteArray usual(kDocumentPart);

@@ -21,25 +21,34 @@ inline constexpr char kSlidePrefix[] = "ppt/slides/slide";
 /// Parts with texts other than the body and the slides.
 struct OtherPart
 {
-    const char *prefix;    ///< the beginning of the name; a number and ".xml" follow
-    const char *location;  ///< what readers call it
-    bool isShownElsewhere; ///< it is a piece of the part that refers to it
+    enum class Kind : quint8 {
+        Whole, ///< a reader sees it as a part of the document
+        Piece, ///< a piece of the part that refers to it
+        Data,  ///< content controls show its texts, whatever their own are
+    };
+    const char *prefix;   ///< the beginning of the name; a number and ".xml" follow
+    const char *location; ///< what readers call it
+    Kind kind = Kind::Whole;
 };
-inline constexpr std::array<OtherPart, 14> kOtherParts{{
-    {"word/header", "header", false},
-    {"word/footer", "footer", false},
-    {"word/footnotes", "footnotes", false},
-    {"word/endnotes", "endnotes", false},
-    {"word/comments", "comments", false},
-    {"word/charts/chart", "chart", true},
-    {"word/diagrams/data", "diagram", true},
-    {"word/diagrams/drawing", "diagram", true}, // the same texts as they were drawn last
-    {"ppt/notesSlides/notesSlide", "notes", false},
-    {"ppt/charts/chart", "chart", true},
-    {"ppt/diagrams/data", "diagram", true},
-    {"ppt/diagrams/drawing", "diagram", true},
-    {"ppt/slideLayouts/slideLayout", "slide layout", false},
-    {"ppt/slideMasters/slideMaster", "slide master", false},
+inline constexpr std::array<OtherPart, 17> kOtherParts{{
+    {"word/header", "header"},
+    {"word/footer", "footer"},
+    {"word/footnotes", "footnotes"},
+    {"word/endnotes", "endnotes"},
+    {"word/comments", "comments"},
+    {"word/charts/chart", "chart", OtherPart::Kind::Piece},
+    {"word/diagrams/data", "diagram", OtherPart::Kind::Piece},
+    {"word/diagrams/drawing", "diagram",
+     OtherPart::Kind::Piece}, // the same texts as they were drawn last
+    {"ppt/notesSlides/notesSlide", "notes"},
+    {"ppt/charts/chart", "chart", OtherPart::Kind::Piece},
+    {"ppt/diagrams/data", "diagram", OtherPart::Kind::Piece},
+    {"ppt/diagrams/drawing", "diagram", OtherPart::Kind::Piece},
+    {"ppt/slideLayouts/slideLayout", "slide layout"},
+    {"ppt/slideMasters/slideMaster", "slide master"},
+    {"docProps/core", "document properties", OtherPart::Kind::Data},
+    {"docProps/app", "document properties", OtherPart::Kind::Data},
+    {"customXml/item", "custom XML", OtherPart::Kind::Data},
 }};
 
 /// A member's name as in the standard: some packers write "\".
@@ -61,6 +70,8 @@ inline bool beginsLike(const QByteArray &part, QByteArrayView prefix)
 
 /// The entry of kOtherParts for a part; null for any other part.
 const OtherPart *otherPart(const QByteArray &part);
+/// Whether it is of the kind Data. Such parts come from any program and may have any encoding.
+bool isDataPart(const QByteArray &part);
 
 /// The part of a Word document with its body: kDocumentPart or, without such a member, the main
 /// part of the package if it is in the same folder, and else kDocumentPart.

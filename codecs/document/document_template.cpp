@@ -107,6 +107,10 @@ Result<QByteArray, Error> DocumentTemplate::textOf(const zip::Member &member)
 Result<void, Error> DocumentTemplate::readPart(Entry &entry)
 {
     const auto text = textOf(entry.member);
+    if (!text && text.fault().code == Error::Encoding &&
+        isDataPart(standardName(entry.member.name))) {
+        return {};
+    }
     if (!text) {
         return text.fault();
     }

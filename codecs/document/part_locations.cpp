@@ -6,6 +6,7 @@
 //   word/footnotes.xml, endnotes.xml, comments.xml                 their names
 //   charts/chartN.xml, diagrams/dataN.xml (SmartArt)               LOCATION chart, LOCATION diagram
 //   ppt/slideLayouts/slideLayoutN.xml, ppt/slideMasters/slideMasterN.xml
+//   docProps/core.xml, app.xml, customXml/itemN.xml                if content controls show them
 //
 // P is the place of the slide in the list of ppt/presentation.xml: <p:sldId r:id="rId3"/>.
 //
@@ -64,8 +65,15 @@ PartLocations::PartLocations(zip::PackageReader &source)
         const QByteArray part = standardName(member.name);
         if (const QString location = of(part); !location.isEmpty()) {
             addReferences(package, part, location);
+            m_showsData = m_showsData || showsData(package, part);
         }
     }
+}
+
+bool PartLocations::showsData(opc::PackageCopy &package, const QByteArray &part)
+{
+    const auto text = beginsLike(part, "word/") ? package.read(part) : QByteArray();
+    return text && text->contains("dataBinding");
 }
 
 void PartLocations::addReferences(opc::PackageCopy &package, const QByteArray &part,
@@ -130,11 +138,12 @@ QString PartLocations::of(const QByteArray &part) const
                                        : u"slide"_s + numberIn(part, kSlidePrefix);
     }
     const OtherPart *const other = otherPart(part);
-    if (other == nullptr) {
+    // Other texts of the properties are not part of the document.
+    if (other == nullptr || (isDataPart(part) && !m_showsData)) {
         return {};
     }
     const QString location = QString::fromLatin1(other->location);
-    const QString around = other->isShownElsewhere ? ofReference(part) : QString();
+    const QString around = other->kind == OtherPart::Kind::Piece ? ofReference(part) : QString();
     return around.isEmpty() ? location + numberIn(part, other->prefix) : around + u' ' + location;
 }
 

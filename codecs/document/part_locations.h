@@ -30,11 +30,15 @@ public:
     const QByteArray &body() const { return m_body; }
 
 private:
+    /// Whether a part has content controls that show texts of other parts: word processors put
+    /// those texts into the controls when they open the document (ECMA-376 part 1, 17.5.2.6).
+    static bool showsData(opc::PackageCopy &package, const QByteArray &part);
     void addReferences(opc::PackageCopy &package, const QByteArray &part, const QString &location);
     void addSheets(opc::PackageCopy &package);
     void addCharts(opc::PackageCopy &package, const QByteArray &sheet, const QString &name);
 
     QByteArray m_body;
+    bool m_showsData = false; // content controls show texts of parts of OtherPart::Kind::Data
     std::map<QByteArray, int> m_slides;         // places of the slides, from 1
     std::map<QByteArray, QString> m_references; // locations by target
     std::map<QByteArray, QString> m_sheets;     // names by chart

@@ -11,8 +11,6 @@
 #include "codecs/opc/marker_search.h"
 #include "codecs/opc/markup_scan.h"
 
-using namespace Qt::StringLiterals;
-
 namespace corvanta::document {
 
 namespace {
@@ -138,8 +136,7 @@ QByteArray withTablePrefix(const QByteArray &part)
         return part;
     }
     const opc::Tag &tag = root.tag();
-    const QByteArray prefix = tag.prefix().toByteArray();
-    const auto uri = tag.attribute(prefix.isEmpty() ? "xmlns"_ba : "xmlns:"_ba + prefix);
+    const auto uri = tag.declaredNamespace();
     // Without the declaration no program would open a document with a table.
     const QByteArray declared = uri ? " xmlns:w=\"" + uri->toByteArray() + '"' : QByteArray();
     return QByteArray(part).insert(tag.begin + 1 + tag.name.size(), declared);

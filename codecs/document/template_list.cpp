@@ -67,14 +67,29 @@ void addTargets(const QByteArray &relationships, const TemplateMarker &place,
     }
 }
 
+/// The texts of all elements of a part, in which any element may hold a text.
+QByteArray elementTexts(const QByteArray &part)
+{
+    QByteArray texts;
+    for (opc::TagCursor cursor(part); cursor.next();) {
+        const qsizetype begin = cursor.tag().end;
+        const qsizetype end = std::max(part.indexOf('<', begin), begin);
+        texts += "<v>" + QByteArrayView(part).sliced(begin, end - begin).toByteArray() + "</v>";
+    }
+    return texts;
+}
+
 Result<void, Error> addPart(opc::PackageCopy &package, const TemplateMarker &place,
                             std::vector<TemplateMarker> &all)
 {
     const auto text = textOf(package, place.part);
-    if (!text) {
+    const bool isData = isDataPart(place.part);
+    // Without UTF-8 no marker is found in data, and the document is good all the same.
+    if (!text && !(isData && text.fault().code == Error::Encoding)) {
         return text.fault();
     }
-    for (const opc::ListedMarker &listed : opc::listMarkers(*text)) {
+    const QByteArray searched = text ? (isData ? elementTexts(*text) : *text) : QByteArray();
+    for (const opc::ListedMarker &listed : opc::listMarkers(searched)) {
         TemplateMarker marker = place;
         marker.text = opc::decoded(listed.text);
         marker.runs = listed.pieces;

@@ -236,6 +236,11 @@ std::optional<QByteArrayView> Tag::prefixBoundTo(QByteArrayView uri) const
     return std::nullopt;
 }
 
+std::optional<QByteArrayView> Tag::declaredNamespace() const
+{
+    return attribute(prefix().isEmpty() ? QByteArray("xmlns") : "xmlns:" + prefix().toByteArray());
+}
+
 Scan scanMarkup(QByteArrayView text, qsizetype at, Tag *tag, qsizetype *end)
 {
     const QByteArrayView rest = text.sliced(at);

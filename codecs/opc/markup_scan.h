@@ -37,6 +37,8 @@ struct Tag
     std::optional<std::vector<Attribute>> attributes() const;
     /// The prefix that this tag binds to `uri`; an empty one for the default namespace.
     std::optional<QByteArrayView> prefixBoundTo(QByteArrayView uri) const;
+    /// The raw namespace that this tag declares for its own prefix; empty when it declares none.
+    std::optional<QByteArrayView> declaredNamespace() const;
 };
 
 enum class Scan : quint8 {

@@ -35,10 +35,10 @@ class WriteDoc(DocumentTest):
     def test_line_breaks_only_where_the_standard_has_them(self):
         deleted = "<w:del><w:r><w:delText>%text%</w:delText></w:r></w:del><w:r><w:instrText>%text%</w:instrText></w:r>"
         self.word(f"<w:p>{deleted}</w:p><m:oMath xmlns:m='m'><m:t>%text%</m:t></m:oMath>" + office.paragraph("%text%"), footer="<w:p/>")
-        footer = b"<p:ftr><p:p><p:r><p:t>%text%</p:t></p:r></p:p></p:ftr>"
-        for prefix, name in ((b"p:", "p.docx"), (b"", "none.docx")):
-            rewrite(self.folder / "t.docx", self.folder / name,
-                    lambda part, content: content if part != "word/footer1.xml" else footer.replace(b"p:", prefix))
+        footer = b"<%ftr xmlns~='" + office.WORD.encode() + b"'><%p><%r><%t>%text%</%t></%r></%p></%ftr>"
+        for prefix, declared, name in ((b"p:", b":p", "p.docx"), (b"", b"", "none.docx")):
+            changed = footer.replace(b"%text%", b"|").replace(b"%", prefix).replace(b"~", declared).replace(b"|", b"%text%")
+            rewrite(self.folder / "t.docx", self.folder / name, lambda part, content: content if part != "word/footer1.xml" else changed)
         for attributes, text in (("", b"%t>a<%br/>b</%t>"), ("strictMarkup='1'", b'%t>a</%t><%br/><%t xml:space="preserve">b</%t>')):
             for prefix, name in ((b"p:", "p.docx"), (b"", "none.docx")):
                 written = self.letter("a\nb", attributes=attributes + " allParts='1'", template=name)
@@ -154,6 +154,23 @@ class WriteDoc(DocumentTest):
             self.assertEqual(self.log[2], [BREAKS.format("1 line break", "row 1, column 'text'")] if kind == "docx" else [])
             self.assertEqual(written[folder + chart], parts[folder + chart].replace(b"%text%", b"a\n&amp;"))
             self.assertIn(b"<a:t>a\n&amp;</a:t></a:r><a:r><a:t></a:t>", written[folder + more])
+
+    def test_texts_that_content_controls_show(self):
+        core, data, wide = "docProps/core.xml", "customXml/item1.xml", "customXml/item2.xml"
+        for control, left in (("", []), ("<w:sdt><w:sdtPr><w:dataBinding/></w:sdtPr></w:sdt>", [SEVERAL_LEFT.format(
+                2, self.folder, "'%text%' in document properties (set allParts='1'), '%text%' in custom XML 1 (set allParts='1')")])):
+            self.word(control + office.paragraph("%text%"))
+            parts = members(self.folder / "t.docx")
+            parts[core] = b"<cp:p xmlns:cp='c'><d:title>%text%</d:title><d:x>5%</d:x><d:y>x%</d:y></cp:p>"
+            parts[data] = b"<t>%text%</t>"
+            parts[wide] = "<?xml version='1.0' encoding='utf-16'?><t/>".encode("utf-16")
+            office.package(self.folder / "t.docx", parts)
+            self.assertEqual(self.letter(images=())[core], parts[core])
+            self.assertEqual(self.log[2], left)
+            written = self.letter("a\nb", attributes="allParts='1' strictMarkup='1'", images=())
+            self.assertEqual(self.log[2], [])
+            for part in (core, data, wide):
+                self.assertEqual(written[part], parts[part].replace(b"%text%", b"a\nb"))
 
     def test_markers_that_nothing_fills(self):
         names = [chr(97 + i) for i in range(12)]
