@@ -94,13 +94,13 @@ Split split(QByteArrayView text, quint64 startRow, qsizetype pieceBytes)
     for (qsizetype at = 0; at < text.size() && out.isGood; at += pieceBytes) {
         out.isGood = bool(splitter.push(text.sliced(at, qMin(pieceBytes, text.size() - at))));
         const QByteArray head = splitter.takeHead();
-        out.rows.push(head, splitter.rowStart());
+        out.rows.push(head, splitter.rowStarts());
         out.text += head;
     }
     out.isGood = out.isGood && splitter.finish();
     if (out.isGood) {
         const QByteArray head = splitter.takeHead();
-        out.rows.push(head, splitter.rowStart());
+        out.rows.push(head, splitter.rowStarts());
         out.text += head;
         const auto tail = withHyperlinks(splitter.tail(), splitter.rootTag(), splitter.family(),
                                          {{1, 1, 0}}, splitter.tailFacts().highestUsedId);

@@ -309,6 +309,14 @@ void ActionWriteExcel::reportSheet()
                 .arg(counted(rows.count, u"row"_s), QString::number(rows.firstRow), sheet,
                      fileName(), isOrAre(rows.count), rows.table));
     }
+    if (conflicts.emptyRows > 0) {
+        const qint64 first = written.range.firstRow;
+        warn(
+            u"Warning: the rows are written from row %1 on in the sheet '%2' of the Excel file '%3', below %4 without a value: delete these rows, or set startRow='%5'.\n"_s
+                .arg(QString::number(first), sheet, fileName(),
+                     counted(conflicts.emptyRows, u"row"_s),
+                     QString::number(first - conflicts.emptyRows)));
+    }
     if (!conflicts.mergedRanges.empty()) {
         warn(
             u"Warning: %1 in the sheet '%2' of the Excel file '%3' may hide written cells; the first is %4.\n"_s

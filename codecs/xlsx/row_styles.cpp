@@ -14,17 +14,22 @@
 
 namespace corvanta::xlsx {
 
-void RowStyles::push(QByteArrayView piece, const QByteArray &rowStart)
+void RowStyles::push(QByteArrayView piece, const std::vector<QByteArray> &rowStarts)
 {
     // A larger row is not kept; its cells then have no formats.
     constexpr qsizetype kMaxRowBytes = qsizetype(16) << 20;
-    if (rowStart.isEmpty()) {
+    if (rowStarts.empty()) {
         return;
     }
     m_row += piece;
-    const qsizetype last = m_row.lastIndexOf(rowStart);
+    qsizetype last = -1;
+    for (const QByteArray &start : rowStarts) {
+        last = std::max(last, m_row.lastIndexOf(start));
+    }
     if (last >= 0) {
-        m_hasRowBefore = m_hasRowBefore || m_row.indexOf(rowStart) != last;
+        const QByteArrayView before = QByteArrayView(m_row).first(last);
+        m_hasRowBefore |= std::any_of(rowStarts.begin(), rowStarts.end(),
+                                      [&](const auto &start) { return before.contains(start); });
         m_row.remove(0, last);
     }
     if (m_row.size() > kMaxRowBytes) {

@@ -13,9 +13,8 @@ class RowStyles
 {
 public:
     /// Take the next bytes of a sheet, up to the end of its last row; a piece may end anywhere.
-    /// `rowStart` begins each row: "<row" with the prefix of the sheet; empty while no row can have
-    /// begun.
-    void push(QByteArrayView piece, const QByteArray &rowStart);
+    /// `rowStarts` as in SheetSplitter; empty while no row can have begun.
+    void push(QByteArrayView piece, const std::vector<QByteArray> &rowStarts);
     /// The s attribute of the cells of the last row, by column; columns without it have none. Empty
     /// if the sheet has fewer than two rows, because the only one is usually a header.
     std::vector<std::optional<quint64>> styles() const;

@@ -99,9 +99,11 @@ Result<void, Error> SheetSplitter::scan()
         m_tail += QByteArrayView(m_text).sliced(m_at);
         m_text = {};
     } else {
+        noteCells(m_at);
         keepUpTo(m_at);
         m_text = m_text.sliced(m_at);
         m_kept = 0;
+        m_cells = 0;
     }
     m_at = 0;
     return {};
@@ -135,6 +137,25 @@ Result<bool, Error> SheetSplitter::takeNext()
     m_at = end;
     const auto taken = isInRows ? takeRowsTag(tag) : takeFrontTag(tag);
     return taken ? Result<bool, Error>(true) : taken.fault();
+}
+
+/// Only appended rows are below rows that may have no cells. The first cell of a row ends the
+/// search.
+void SheetSplitter::noteCells(qsizetype offset)
+{
+    if (m_place == Place::Rows && !dropsRows() && !m_hasCells) {
+        const QByteArrayView text(m_text);
+        const QByteArrayView cells = text.sliced(m_cells, offset - m_cells);
+        m_hasCells = cells.contains(m_cellEnd) || (m_hasPlainRows && cells.contains("</c>"));
+    }
+    m_cells = offset;
+}
+
+void SheetSplitter::endRow(qsizetype offset)
+{
+    noteCells(offset);
+    m_lastRowWithCells = m_hasCells ? std::max(m_lastRowWithCells, m_row) : m_lastRowWithCells;
+    m_hasCells = false;
 }
 
 /// Move the part of m_text up to `offset` that was not yet kept to the head, unless it is dropped.
@@ -189,8 +210,9 @@ Result<void, Error> SheetSplitter::takeRoot(const Tag &tag)
     m_prefix = tag.prefix().toByteArray();
     m_rowName = opc::qualified(m_prefix, "row");
     m_formulaName = opc::qualified(m_prefix, "f");
-    // Only the root's prefix is searched for: it is bound to the main namespace, and programs use
-    // one prefix throughout.
+    m_cellEnd = "</" + opc::qualified(m_prefix, "c") + '>';
+    // Programs use one prefix throughout; only the rows of an earlier update have none.
+    m_isMainDefault = tag.attribute("xmlns") == family->main;
     m_rowsEnd = '/' + opc::qualified(m_prefix, "sheetData");
     m_depth = 1;
     return {};
@@ -203,6 +225,12 @@ void SheetSplitter::openSheetData(const Tag &tag)
     const bool isDeclared = tag.prefix().isEmpty() || tag.attribute("xmlns").has_value();
     const QByteArray declaration =
         isDeclared ? QByteArray() : " xmlns=\"" + m_family.main.toByteArray() + '"';
+    const auto uri = tag.attribute("xmlns");
+    m_hasPlainRows = !m_prefix.isEmpty() && (uri ? *uri == m_family.main : m_isMainDefault);
+    m_rowStarts = {'<' + m_rowName};
+    if (m_hasPlainRows) {
+        m_rowStarts.emplace_back("<row");
+    }
     const qsizetype afterName = tag.begin + 1 + tag.name.size();
     const QByteArray name = tag.name.toByteArray();
     const bool isEmpty = tag.kind == Tag::Kind::Empty;
@@ -237,7 +265,8 @@ qsizetype SheetSplitter::findRowsMarkup() const
         const bool isFound = end - at <= m_rowsEnd.size() + 1 || first == '!' || first == '?' ||
                              (first == '/' && at[2] == endStart && is(m_rowsEnd)) ||
                              (first == rowStart && is(m_rowName)) ||
-                             (wantsFormulas && is(m_formulaName));
+                             (wantsFormulas && is(m_formulaName)) ||
+                             (m_hasPlainRows && (first == 'r' || (wantsFormulas && first == 'f')));
         if (isFound) {
             return at - begin;
         }
@@ -246,19 +275,26 @@ qsizetype SheetSplitter::findRowsMarkup() const
     return -1;
 }
 
+bool SheetSplitter::isOwn(const Tag &tag, QByteArrayView local) const
+{
+    return tag.local() == local &&
+           (tag.prefix() == m_prefix || (m_hasPlainRows && tag.prefix().isEmpty()));
+}
+
 Result<void, Error> SheetSplitter::takeRowsTag(const Tag &tag)
 {
     const bool isClosing = tag.kind == Tag::Kind::Close;
     if (isClosing && tag.name == QByteArrayView(m_rowsEnd).sliced(1)) {
+        endRow(tag.begin);
         keepUpTo(tag.begin);
         m_place = Place::Tail;
         m_at = tag.begin;
         return {};
     }
-    if (!isClosing && tag.name == QByteArrayView(m_rowName)) {
+    if (!isClosing && isOwn(tag, "row")) {
         return takeRow(tag);
     }
-    if (!isClosing && tag.name == QByteArrayView(m_formulaName)) {
+    if (!isClosing && isOwn(tag, "f")) {
         m_hasDroppedFormula = m_hasDroppedFormula || m_place == Place::DroppedRows;
     }
     return {};
@@ -277,6 +313,8 @@ Result<void, Error> SheetSplitter::takeRow(const Tag &tag)
         keepUpTo(tag.begin);
         m_place = Place::DroppedRows;
     }
+    endRow(tag.begin);
+    m_row = row;
     // The maximum: rows may be out of order in files of careless programs.
     m_lastRow = std::max(m_lastRow, row);
     return {};

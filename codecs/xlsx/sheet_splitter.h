@@ -13,6 +13,7 @@
 #include "codecs/xlsx/sheet_tail.h"
 
 #include <utility>
+#include <vector>
 
 namespace corvanta::xlsx {
 
@@ -44,6 +45,8 @@ public:
     // After finish():
     /// The number that the first new row gets.
     quint64 firstRow1() const { return m_startRow == kAppend ? m_lastRow + 1 : m_startRow; }
+    /// The last row that has a cell with content; for kAppend only.
+    quint64 lastRowWithCells() const { return m_lastRowWithCells; }
     /// From the closing tag of sheetData to the end, unchanged.
     const QByteArray &tail() const { return m_tail; }
     /// What the tail contains.
@@ -52,8 +55,9 @@ public:
     bool dropsRows() const { return m_startRow != kAppend; }
     /// Whether a dropped row contained a formula; the workbook's calculation chain is then wrong.
     bool hasDroppedFormula() const { return m_hasDroppedFormula; }
-    /// The beginning of each row, "<row" with the prefix of the sheet; empty before the root tag.
-    QByteArray rowStart() const { return m_rowName.isEmpty() ? m_rowName : '<' + m_rowName; }
+    /// How rows begin: "<row" with the prefix of the sheet, and also without it where an earlier
+    /// update has written such rows. Empty before sheetData.
+    const std::vector<QByteArray> &rowStarts() const { return m_rowStarts; }
     /// The worksheet's root tag, for the names of its namespaces.
     const QByteArray &rootTag() const { return m_rootTag; }
     /// The family of the worksheet's namespace.
@@ -75,21 +79,35 @@ private:
     qsizetype findRowsMarkup() const;
     Result<void, opc::Error> takeRowsTag(const opc::Tag &tag);
     Result<void, opc::Error> takeRow(const opc::Tag &tag);
+    /// Whether a tag in sheetData has this local name, with the prefix of the sheet or with none
+    /// where the main namespace is the default.
+    bool isOwn(const opc::Tag &tag, QByteArrayView local) const;
+    /// Note whether the current row has a cell with content before `offset`.
+    void noteCells(qsizetype offset);
+    /// The same at the end of a row.
+    void endRow(qsizetype offset);
     /// Move the text before `offset` to the head, unless it is dropped.
     void keepUpTo(qsizetype offset);
 
     quint64 m_startRow;
     quint64 m_lastRow = 0;
+    quint64 m_row = 0; // the current one
+    quint64 m_lastRowWithCells = 0;
     Place m_place = Place::Front;
-    QByteArray m_text;    // not yet consumed
-    qsizetype m_kept = 0; // of m_text: up to here in m_head or dropped
-    qsizetype m_at = 0;   // of m_text: scanned up to here
-    int m_depth = 0;      // in the front
+    QByteArray m_text;     // not yet consumed
+    qsizetype m_kept = 0;  // of m_text: up to here in m_head or dropped
+    qsizetype m_at = 0;    // of m_text: scanned up to here
+    qsizetype m_cells = 0; // of m_text: searched for cells up to here
+    int m_depth = 0;       // in the front
     bool m_isInDimension = false;
     QByteArray m_prefix;
     QByteArray m_rowsEnd; // "/sheetData" with the prefix
     QByteArray m_rowName;
     QByteArray m_formulaName;
+    QByteArray m_cellEnd; // "</c>" with the prefix; an empty cell has none
+    std::vector<QByteArray> m_rowStarts;
+    bool m_isMainDefault = false; // the root makes the main namespace the default
+    bool m_hasPlainRows = false;  // sheetData of a sheet with a prefix does
     QByteArray m_head;
     QByteArray m_tail;
     TailFacts m_tailFacts;
@@ -97,6 +115,7 @@ private:
     Family m_family;
     bool m_isEncodingKnown = false;
     bool m_hasDroppedFormula = false;
+    bool m_hasCells = false; // the current row
 };
 
 } // namespace corvanta::xlsx

@@ -276,7 +276,7 @@ Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
     const auto putHead = [&] {
         const QByteArray head = m_splitter->takeHead();
         if (m_rowStyles) {
-            m_rowStyles->push(head, m_splitter->rowStart());
+            m_rowStyles->push(head, m_splitter->rowStarts());
         }
         return put(sheet, head);
     };
@@ -338,11 +338,16 @@ SheetConflicts UpdatedWorkbook::conflicts(const WrittenCells &written) const
             found.rowsBelow.push_back({table.name, table.range.lastRow + 1, rows});
         }
     }
+    auto last = static_cast<qint64>(m_splitter->lastRowWithCells());
     for (const CellRange &merged : m_splitter->tailFacts().mergedRanges) {
         if (hidesCells(merged, written)) {
             found.mergedRanges.push_back(merged);
         }
+        // The value of a merged cell is in its first row.
+        last = merged.firstRow <= last ? std::max(last, merged.lastRow) : last;
     }
+    const qint64 above = written.range.firstRow - 1;
+    found.emptyRows = removesOlderRows() ? 0 : std::max<qint64>(above - last, 0);
     return found;
 }
 

@@ -35,6 +35,8 @@ struct SheetConflicts
         qint64 count = 0;
     };
     std::vector<RowsBelow> rowsBelow;
+    /// Rows without a value directly above appended rows. Many programs store formatted rows.
+    qint64 emptyRows = 0;
 };
 
 /// Rows are written with the SheetWriter that the caller creates after begin() in the open member.

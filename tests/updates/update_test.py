@@ -113,7 +113,7 @@ class ChangedParts(UpdateCase):
         sheet, parts = "xl/worksheets/sheet1.xml", plain_parts()
         parts["xl/styles.xml"] = parts["xl/styles.xml"].replace(
             '<cellXfs count="1"><xf xfId="0"/>', '<cellXfs count="4"><xf xfId="0"/><xf numFmtId="14"/><xf numFmtId="2"/><xf fontId="0"/>')
-        rows = {1: "<c r='A1' s='3'/><c r='B1' s='3'/>", 2: "<c r='A2' s='2'><v>1</v></c><c r='C2' s='{}'/><c s='2'/>"}
+        rows = {1: "<c r='A1' s='3'><v>1</v></c><c r='B1' s='3'/>", 2: "<c r='A2' s='2'><v>1</v></c><c r='C2' s='{}'/><c s='2'/>"}
 
         def appended(rows, attributes="keepStyles='1'"):
             text = "".join(f"<row r='{n}'>{cells}</row>" for n, cells in rows.items())
@@ -142,6 +142,25 @@ class ChangedParts(UpdateCase):
                 self.assertTrue(all("because it's too large (nRows>1048576)" in message for message in messages))
                 self.assertEqual(max(rows_of(members(self.book)[sheet])), last + header + 2)
 
+    def test_rows_below_empty_ones_give_a_warning(self):
+        sheet, book = "xl/worksheets/sheet2.xml", self.folder / "book.xlsx"
+        # The last value, as the tag of its cell may be: closed, with a prefix, far before the end of the rows, or in a merged cell.
+        for rows, merged, warned in ((10, "", "8 rows without a value: delete these rows, or set startRow='2'"), (40000, "", "39998 rows"),
+                                     (1, "", ""), (10, "A1:B9", ""), (10, "A1:B8", "1 row without"), (10, "A5:B9", "8 rows")):
+            for prefix in ("", "x:"):
+                with self.subTest(rows=rows, merged=merged, prefix=prefix):
+                    parts = plain_parts()
+                    empty = "".join(f'<row r="{n}" ht="15"><c r="A{n}" s="0"/></row>' for n in range(2, rows))
+                    more = f'<mergeCells><mergeCell ref="{merged}"/></mergeCells>' if merged else ""
+                    parts[sheet] = parts[sheet].replace("</sheetData>", empty + "</sheetData>" + more)
+                    if prefix:
+                        parts[sheet] = re.sub("<(/?)(?=[a-z])", r"<\1x:", parts[sheet]).replace("xmlns=", "xmlns:x=")
+                    status, messages = self.update("mode='2' sheetMode='0' sheetIdx='2' startRow='0'", parts)
+                    self.assertEqual((status, len(messages)), (0, int(warned != "")))
+                    for message in messages:
+                        self.assertIn(f"from row {rows} on in the sheet 'It's & more' of the Excel file '{book.name}', below {warned}", message)
+                    self.assertEqual(self.update("mode='2' sheetMode='0' sheetIdx='2' startRow='0'"), (0, []))
+
     def test_odd_forms_are_understood(self):
         for attributes, sheet, row in (("mode='2' sheetMode='0' startRow='0'", "xl\\worksheets\\sheet1.xml", 6),
                                        ("mode='2' sheetMode='0' startRow='4'", "xl\\worksheets\\sheet1.xml", 4),
@@ -157,6 +176,15 @@ class ChangedParts(UpdateCase):
                     element = styles.find(SHEET + table)
                     self.assertEqual((len(element), element.get("count")), (count, str(count)))
                 self.assertIn(b' s="1"><v>45351', new[sheet])
+
+    def test_a_sheet_with_a_prefix_is_updated_again(self):
+        write_workbook(self.book, odd_parts())
+        sheet = "xl\\worksheets\\sheet1.xml"
+        for attributes, last in (("startRow='0'", 8), ("startRow='0' firstLineContainsColumnNames='0'", 10), ("startRow='7'", 9)):
+            self.assertEqual(self.update("mode='2' sheetMode='0' keepStyles='1' " + attributes), (0, []))
+            rows = re.findall('<(?:x:)?row\\b[^0-9>]*([0-9]*)', members(self.book)[sheet].decode())
+            self.assertEqual(rows, [""] * 5 + [str(n) for n in range(6, last + 1)])
+        self.assertEqual(rows_of(members(self.book)[sheet])[9][:2], ["2", "ünï"])
 
     def test_dates_count_from_1904_where_the_workbook_does(self):
         parts = plain_parts()
