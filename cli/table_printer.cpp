@@ -108,7 +108,7 @@ QString TablePrinter::shown(const QString &cell) const
         return cell.isNull() ? QString() : u"\"\""_s;
     }
     // Cut long texts first: even with combining characters no more than this can be shown.
-    const QString text = visibleText(cell.left(4 * kWidestCell));
+    const QString text = visibleText(cell.left(qsizetype(4) * kWidestCell));
     return displayWidth(text) <= m_cellWidth ? text : fitting(text, m_cellWidth - 1) + u'…';
 }
 
