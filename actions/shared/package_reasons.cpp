@@ -30,6 +30,15 @@ QString memberReason(const Fault<opc::Error> &fault, const QString &kind,
         return about("is packed by an unsupported method");
     case opc::Error::BadHeader:
         return about("is damaged: its header does not match the directory of the package");
+    case opc::Error::Encoding:
+    case opc::Error::Malformed:
+    case opc::Error::Unexpected:
+    case opc::Error::TooLarge:
+        // A fault of the whole package has no part.
+        return fault.detail.isEmpty()
+                   ? QString()
+                   : u"the part '%1' of the %2 is not the XML text in UTF-8 that it should be"_s
+                         .arg(fault.detail, kind);
     default:
         return {};
     }

@@ -143,12 +143,7 @@ QString TemplateWriter::memberReasonOf(const Fault<opc::Error> &fault) const
         return other;
     }
     const SystemError error = m_template ? m_template->error() : SystemError();
-    const QString reason =
-        memberReason(fault, u"template"_s, failureReason(m_templateName, FileUse::Read, error));
-    return reason.isEmpty()
-               ? u"the part '%1' of the template is not the XML text that it should be"_s.arg(
-                     fault.detail)
-               : reason;
+    return memberReason(fault, u"template"_s, failureReason(m_templateName, FileUse::Read, error));
 }
 
 bool TemplateWriter::failPackage(const Fault<opc::Error> &fault, TemplateProblem reading)

@@ -207,7 +207,7 @@ bool ActionWriteExcel::failWorkbook(const Fault<opc::Error> &fault)
     case opc::Error::Malformed:
     case opc::Error::Unexpected:
     case opc::Error::TooLarge:
-        break;
+        return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source), reason);
     }
     return fail(u"\nERROR Reading Excel file '%1'\n"_s.arg(m_run->source));
 }

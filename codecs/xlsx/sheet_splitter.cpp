@@ -309,13 +309,14 @@ Result<void, Error> SheetSplitter::takeRow(const Tag &tag)
         return fault(Error::Unexpected);
     }
     const quint64 row = *parsed;
-    if (m_startRow != kAppend && m_place == Place::Rows && row >= m_startRow) {
-        keepUpTo(tag.begin);
-        m_place = Place::DroppedRows;
-    }
     endRow(tag.begin);
+    // Rows may be out of order in files of careless programs: one above the place stays.
+    const bool isDropped = dropsRows() && row >= m_startRow;
+    if (isDropped != (m_place == Place::DroppedRows)) {
+        keepUpTo(tag.begin);
+        m_place = isDropped ? Place::DroppedRows : Place::Rows;
+    }
     m_row = row;
-    // The maximum: rows may be out of order in files of careless programs.
     m_lastRow = std::max(m_lastRow, row);
     return {};
 }

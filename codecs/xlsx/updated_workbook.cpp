@@ -60,7 +60,7 @@ Result<void, Error> UpdatedWorkbook::readParts()
     m_types = *types;
     auto workbook = readWorkbook(m_workbookText);
     if (!workbook) {
-        return workbook.fault();
+        return Fault<Error>{workbook.fault().code, QString::fromUtf8(m_workbookPart)};
     }
     m_workbook = std::move(*workbook);
     return {};
@@ -285,11 +285,11 @@ Result<void, Error> UpdatedWorkbook::openSheet(sheet::SheetWriter &sheet)
         return split ? putHead() : split;
     };
     auto done = m_copy.readInPieces(m_sheetPart, take);
-    if (done) {
-        done = m_splitter->finish();
-    }
     if (!done) {
         return done;
+    }
+    if (const auto finished = m_splitter->finish(); !finished) {
+        return Fault<Error>{finished.fault().code, QString::fromUtf8(m_sheetPart)};
     }
     sheet.setRow(static_cast<qint64>(m_splitter->firstRow1()));
     done = putHead();

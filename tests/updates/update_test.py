@@ -177,6 +177,13 @@ class ChangedParts(UpdateCase):
                     self.assertEqual((len(element), element.get("count")), (count, str(count)))
                 self.assertIn(b' s="1"><v>45351', new[sheet])
 
+    def test_rows_out_of_order_above_the_place_stay(self):
+        sheet, parts = "xl/worksheets/sheet2.xml", plain_parts()
+        rows = "".join(f'<row r="{n}"><c r="A{n}"><v>{n}</v></c></row>' for n in (4, 1, 5, 2))
+        parts[sheet] = f"<worksheet xmlns='{MAIN}'><sheetData>{rows}</sheetData></worksheet>"
+        new = self.check("mode='2' sheetMode='0' sheetIdx='2' startRow='3'", parts, [sheet])
+        self.assertEqual([(n, cells[0]) for n, cells in rows_of(new[sheet]).items()], [(1, "1"), (2, "2"), (3, "id"), (4, "1"), (5, "2")])
+
     def test_a_sheet_with_a_prefix_is_updated_again(self):
         write_workbook(self.book, odd_parts())
         sheet = "xl\\worksheets\\sheet1.xml"
@@ -241,6 +248,10 @@ class Messages(UpdateCase):
                     self.book.write_bytes(content)
                 before = self.book.read_bytes()
                 self.assertEqual(self.update(attributes), (1, expected))
+                if parts in (no_root, utf16):
+                    part = "xl/workbook.xml" if parts is utf16 else "xl/worksheets/sheet1.xml"
+                    self.assertIn(f"Reason: the part '{part}' of the workbook is not the XML text in UTF-8 that it should be.\n",
+                                  self.update(attributes, reasons=True)[1])
                 self.assertEqual(self.book.read_bytes(), before)
                 self.assertEqual(files(self.folder), ["book.xlsx"])
 
