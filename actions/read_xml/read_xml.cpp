@@ -2,6 +2,7 @@
 
 #include "actions/shared/input_sample.h"
 #include "base/checked.h"
+#include "base/counted.h"
 #include "codecs/encoding/text_decoder.h"
 #include "codecs/markup/sample/html_tables.h"
 #include "codecs/markup/tokens/html_tokenizer.h"
@@ -293,6 +294,12 @@ markup::MarkupTokenizer *ActionReadXML::beginDocument(ByteSource &source, const 
 void ActionReadXML::documentEnds(const QString &name)
 {
     warnDroppedBytes(name);
+    if (const Occurrences &entities = m_tokenizer->unknownEntities(); entities.any()) {
+        MainUI::addLog(
+            MainUI::Info,
+            u"File '%1' has %2 to unknown entities, which stay as they are (the declarations of a DTD are not read); the first is %3\n"_s
+                .arg(name, counted(entities.count(), u"reference"_s), entities.first()));
+    }
     if (const auto &begin = m_tokenizer->unfinished()) {
         warn(u"Warning: page '%1' ends in a comment, a script or a tag that begins at line %2, "
              "column %3: what follows is not read\n"_s.arg(name, QString::number(begin->line()),

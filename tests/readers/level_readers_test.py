@@ -59,6 +59,15 @@ class Runs(unittest.TestCase):
             self.assertEqual((status, len(messages)), (1, 1), messages)
             self.assertIn("line 50002", messages[0])
 
+    def test_references_that_stay_text_are_reported(self):
+        rows = '<row a="x &co; y"><b>1</b></row>\n<row a="AT&T"><b>&co;&auml; a&b; c & d;</b></row>'
+        (self.folder / "in").write_text(f'<!DOCTYPE r [<!ENTITY co "Company">]><r>{rows}</r>')
+        read = "<readXML fileName='in' ignoreUnknownEntities='1'><Level initialPath='r'><e name='b' path='b'/></Level></readXML>"
+        status, messages = self.end(self.start(f"<action id='read'>{read}</action>"))
+        self.assertEqual((status, [message for message in messages if "entities" in message]), (0, [
+            f"File '{self.folder}/in' has 4 references to unknown entities, which stay as they are (the declarations of a DTD are not read); "
+            "the first is '&co;' in the text or tag at line 1, column 41\n"]), messages)
+
     def test_a_stopped_run_says_nothing_about_paths(self):
         for name, document in DOCUMENTS.items():
             (self.folder / "in").write_text(document * 4_000_000)

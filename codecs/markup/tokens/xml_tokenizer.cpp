@@ -54,6 +54,7 @@ void XMLTokenizer::restart(ByteSource &source)
     m_pendingEnd = false;
     m_pendingCloses = 0;
     m_names.clear();
+    m_unknownEntities.reset();
 }
 
 Result<void, MarkupError> XMLTokenizer::detectEncoding(CharSource &source, QByteArrayView first)
@@ -157,6 +158,22 @@ Token XMLTokenizer::dataEnds()
     return endOfData();
 }
 
+/// Count an unknown reference at `at` (a "&"). Other texts with this character are as they are
+/// meant.
+void XMLTokenizer::noteReference(const char *at)
+{
+    const std::string_view rest(at,
+                                static_cast<size_t>(std::min<qint64>(end() - at, kEntityBytes)));
+    const std::string_view reference = rest.substr(0, rest.find_first_of("; \t\r\n&<\"'", 1) + 1);
+    if (reference.size() > 2 && reference.ends_with(';')) {
+        m_unknownEntities.add([&] {
+            return QStringLiteral("'%1' in the text or tag at line %2, column %3")
+                .arg(QString::fromUtf8(reference), QString::number(tokenStart().line()),
+                     QString::number(tokenStart().column() + 1));
+        });
+    }
+}
+
 /// Skip the entity at `*at` (a "&"); fails when it is unknown and unknown ones are errors.
 bool XMLTokenizer::readEntityAt(const char **at)
 {
@@ -165,6 +182,9 @@ bool XMLTokenizer::readEntityAt(const char **at)
     if (!entity && !isLoose()) {
         moveTo(end() - *at < kEntityBytes && isBrokenAt(end()) ? end() : *at);
         return failed(MarkupError::UnknownEntity);
+    }
+    if (!entity && !m_options.html) {
+        noteReference(*at);
     }
     *at += entity ? entity->length : 1;
     return true;

@@ -3,6 +3,7 @@
 // docs/formats/markup.md lists what is accepted beyond XML 1.0 and the codes of what is rejected.
 #pragma once
 #include "base/limits.h"
+#include "base/occurrences.h"
 #include "codecs/markup/tokens/name_stack.h"
 #include "codecs/markup/tokens/tokenizer.h"
 
@@ -72,6 +73,8 @@ public:
     /// Where the construct begins, for example a comment, in which the data ended. Known only to
     /// HtmlTokenizer, which skips it; elsewhere it is an error.
     const std::optional<LineCounter> &unfinished() const { return m_unfinished; }
+    /// References of XML documents that stay text, because only a DTD may define their entities.
+    const Occurrences &unknownEntities() const { return m_unknownEntities; }
 
     RawText externalText(quint32 number) const override;
     const XMLTokenizer *asXml() const override { return this; }
@@ -127,6 +130,7 @@ protected:
     bool m_isAfterSpace = true;
     quint32 m_rowGroup = 0;
     std::optional<LineCounter> m_unfinished;
+    Occurrences m_unknownEntities;
     /// Number of open elements that end next, without an end tag.
     qint64 m_pendingCloses = 0;
     /// Name of the current Start.
@@ -147,6 +151,7 @@ private:
     bool isExpectedEnd(const char *at) const;
     // End tags, and the elements that they close.
     Token readEndTag();
+    void noteReference(const char *at);
     bool closeEndTag();
     bool lacksName(const char *at) const;
     Token endElement();
