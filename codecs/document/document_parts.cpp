@@ -30,7 +30,7 @@ QByteArray bodyPart(opc::PackageCopy &package)
 
 QByteArray stylesPart(opc::PackageCopy &package)
 {
-    const QByteArray usual(kStylesPart);
+    QByteArray usual(kStylesPart);
     if (package.names().find(usual)) {
         return usual;
     }
