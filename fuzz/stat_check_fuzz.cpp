@@ -4,21 +4,21 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     using namespace corvanta;
+    using namespace corvanta::stat;
     if (size == 0) {
         return 0;
     }
     constexpr uint8_t kFormats = 5; // and a catalogue
     MemorySource source(QByteArrayView(data + 1, static_cast<qsizetype>(size - 1)));
-    stat::formatOfContent(source);
-    stat::isCatalogue(source);
+    formatOfContent(source);
+    isCatalogue(source);
     const uint8_t kind = data[0] % (kFormats + 1);
-    const auto checked = kind == kFormats
-                             ? stat::checkCatalogue(source)
-                             : stat::checkHeader(source, static_cast<stat::Format>(kind));
+    const auto checked =
+        kind == kFormats ? checkCatalogue(source) : checkHeader(source, static_cast<Format>(kind));
     if (checked) {
-        stat::deletedSasRows(source);
-        stat::hasLongUtf8Texts(source);
-        stat::lacksStataEnd(source);
+        deletedSasRows(source);
+        hasLongUtf8Texts(source);
+        lacksStataEnd(source);
     }
-    return checked || checked.fault().code != stat::Error::Unreadable ? 0 : -1;
+    return checked || checked.fault().code != Error::Unreadable ? 0 : -1;
 }

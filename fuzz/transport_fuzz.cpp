@@ -214,7 +214,7 @@ void checkDataSet(const FuzzTable &table, const TextEncoder &encoder,
     }
     require(found == expected && bool(writer.finish()));
     MemorySource file(sink.bytes());
-    require(bool(stat::checkHeader(file, stat::Format::Sas)));
+    require(bool(corvanta::stat::checkHeader(file, corvanta::stat::Format::Sas)));
 }
 
 } // namespace
