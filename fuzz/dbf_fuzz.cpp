@@ -1,7 +1,8 @@
 // Any bytes as a table and its memo file: both ways to read them give the same rows.
 //
-// Byte 0: options (1: UTF-8, 2: level 7, 4 to 16: another encoding, 32: a FoxPro memo file). Bytes
-// 1 and 2: length of the memo file, which comes first; the table follows.
+// Byte 0: options (1: UTF-8, 2: level 7, 4 to 16: another encoding, 32: a FoxPro memo file, 64: all
+// types, 128: ISO values). Bytes 1 and 2: length of the memo file, which comes first; the table
+// follows.
 #include "base/bytes.h"
 #include "codecs/dbf/table_reader.h"
 
@@ -57,8 +58,8 @@ QByteArray read(QByteArrayView table, QByteArrayView memoBytes, uint8_t options,
     MemorySource source(table, piece);
     MemorySource memoSource(memoBytes);
     QByteArray all;
-    auto reader =
-        TableReader::open(source, decoder, {(options & 2) != 0, (options & 64) != 0}, piece);
+    auto reader = TableReader::open(
+        source, decoder, {(options & 2) != 0, (options & 64) != 0, (options & 128) != 0}, piece);
     if (!reader) {
         return all;
     }
