@@ -13,8 +13,8 @@ struct MemoName
     bool isFpt; ///< the extension is .fpt, FoxPro's; otherwise .dbt
 };
 
-/// The names of the file `file` with another extension, which begins with its dot, beside the
-/// table: as memoFileNames() finds them.
+/// The names of the file `file` with another extension, which begins with its dot, in the
+/// folder of the table: as memoFileNames() finds them.
 QStringList companionNames(const QString &extension, const QString &file, const InputFile &table);
 
 /// The names under which the memo file of the table `file` may be opened, most likely first: .fpt

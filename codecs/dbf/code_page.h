@@ -1,4 +1,4 @@
-// The encodings that dBase-family tables name, in the header or in a file beside them.
+// The encodings that dBase-family tables name, in the header or in a .cpg file.
 //
 // Threads: pure functions.
 #pragma once
